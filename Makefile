@@ -1,0 +1,80 @@
+# SPDX-License-Identifier: Apache-2.0
+# The project's commands. Each installs what it lacks, configures its CMake preset and builds.
+
+.DEFAULT_GOAL := help
+.PHONY: help build demo test check bench lint format stats clean test-clang test-asan test-tsan device-like bench-build
+
+JOBS ?= $(shell nproc)
+CTEST = ctest --output-on-failure --no-tests=error -j$(JOBS)
+DEMO = build/release/examples/fp_service/fp_service --device-root build/demo/device
+
+define build
+	@cmake --preset $(1) $(2) >build/$(1).configure.log 2>&1 || { cat build/$(1).configure.log; exit 1; }
+	@cmake --build --preset $(1) -j$(JOBS) | grep -vE '^\[|ninja: (no work|Entering)' || [ $${PIPESTATUS[0]} -eq 0 ]
+endef
+
+SHELL := /bin/bash
+.SHELLFLAGS := -o pipefail -c
+
+help:  ## this list
+	@awk -F ':.*## ' '/^[a-z]+:.*## /{printf "  make %-10s %s\n", $$1, $$2}' $(MAKEFILE_LIST)
+
+build:
+	@mkdir -p build
+
+demo: build  ## run a fingerprint service through a day on a simulated device
+	@scripts/setup build test
+	$(call build,release)
+	$(DEMO) --scenario examples/fp_service/scenarios/day.jsonl
+
+test: build  ## build and run all tests
+	@scripts/setup build test
+	$(call build,release)
+	$(CTEST) --test-dir build/release -LE long
+
+check: build  ## run the long checks too: kills during saves, long random runs
+	@scripts/setup build test
+	$(call build,release)
+	$(CTEST) --test-dir build/release -L long -V
+
+# The lanes of .ci/run. Sanitizers take a share of the long random runs.
+test-clang: build
+	@scripts/setup build test clang
+	$(call build,clang)
+	FP_TEST_SHARE=0.1 $(CTEST) --test-dir build/clang -LE long
+
+test-asan test-tsan: test-%: build
+	@scripts/setup build test clang
+	$(call build,$*)
+	FP_TEST_SHARE=0.02 $(CTEST) --test-dir build/$* -LE long
+
+device-like: build
+	@scripts/setup build clang
+	$(call build,device-like)
+
+bench-build: build
+	@scripts/setup build bench
+	$(call build,bench)
+
+bench: build  ## measure against the plain alternatives and print the ratios
+	@scripts/setup build bench
+	$(call build,bench)
+	build/bench/bench/fp_bench --benchmark_color=false
+
+lint: build  ## format, include direction, exported symbols, clang-tidy
+	@scripts/setup build test lint clang
+	$(call build,release)
+	scripts/check_format
+	scripts/check_imports
+	scripts/check_symbols build/release/src/libfp_utils.so
+	scripts/check_tidy build/release
+
+format:  ## format all sources in place
+	@scripts/setup lint
+	scripts/check_format --fix
+
+stats:  ## lines of code by part of the tree, and the share of test code
+	@scripts/stats
+
+clean:  ## remove everything that was built, the demo's device included
+	rm -rf build

@@ -1,0 +1,81 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The same job given to a database: keep the newest 100 records, durable after each.
+#include <benchmark/benchmark.h>
+#include <sqlite3.h>
+
+#include <string>
+
+#include "history/sample_records.h"
+#include "support/bench_device.h"
+#include "support/ratios.h"
+
+namespace fp_bench {
+namespace {
+
+constexpr int kRecords = 100;
+
+class Database {
+ public:
+  explicit Database(const std::string& journal_mode) {
+    const std::string path = DeviceInMemory() + "/" + journal_mode + ".db";
+    sqlite3_open(path.c_str(), &database_);
+    Execute("PRAGMA journal_mode=" + journal_mode);
+    Execute("DROP TABLE IF EXISTS attempts");
+    Execute("CREATE TABLE attempts (id INTEGER PRIMARY KEY, record TEXT)");
+    sqlite3_prepare_v2(database_, "INSERT INTO attempts (record) VALUES (?)", -1, &insert_,
+                       nullptr);
+    sqlite3_prepare_v2(database_, "DELETE FROM attempts WHERE id = (SELECT min(id) FROM attempts)",
+                       -1, &delete_, nullptr);
+  }
+  ~Database() {
+    sqlite3_finalize(insert_);
+    sqlite3_finalize(delete_);
+    sqlite3_close(database_);
+  }
+  Database(const Database&) = delete;
+  Database& operator=(const Database&) = delete;
+
+  void Execute(const std::string& statement) {
+    sqlite3_exec(database_, statement.c_str(), nullptr, nullptr, nullptr);
+  }
+  void Insert(const std::string& record) {
+    sqlite3_bind_text(insert_, 1, record.data(), static_cast<int>(record.size()), SQLITE_STATIC);
+    sqlite3_step(insert_);
+    sqlite3_reset(insert_);
+  }
+  void DeleteOldest() {
+    sqlite3_step(delete_);
+    sqlite3_reset(delete_);
+  }
+
+ private:
+  sqlite3* database_ = nullptr;
+  sqlite3_stmt* insert_ = nullptr;
+  sqlite3_stmt* delete_ = nullptr;
+};
+
+void KeepNewest(benchmark::State& state, const char* journal_mode) {
+  Database database(journal_mode);
+  int number = 0;
+  for (; number < kRecords; ++number) {
+    database.Insert(SampleRecord(number)->ToBackupString());
+  }
+  for (auto _ : state) {
+    database.Execute("BEGIN");
+    database.Insert(SampleRecord(number++)->ToBackupString());
+    database.DeleteOldest();
+    database.Execute("COMMIT");
+  }
+}
+
+BENCHMARK_CAPTURE(KeepNewest, sqlite_wal, "WAL");
+BENCHMARK_CAPTURE(KeepNewest, sqlite_rollback, "DELETE");
+
+const bool kPeers[] = {
+    Peer("sqlite_wal_over_save_100", "KeepNewest/sqlite_wal", "Save/100"),
+    Peer("sqlite_rollback_over_save_100", "KeepNewest/sqlite_rollback", "Save/100"),
+};
+
+}  // namespace
+}  // namespace fp_bench

@@ -1,0 +1,13 @@
+# What every target is compiled with. -ffp-contract=off: single-precision results, which are part of
+# the contracts, must not change with the CPU.
+add_library(fp_utils_options INTERFACE)
+target_compile_options(fp_utils_options INTERFACE
+  -Wall -Wextra -ffp-contract=off -fno-omit-frame-pointer)
+if(FP_UTILS_WERROR)
+  target_compile_options(fp_utils_options INTERFACE -Werror)
+endif()
+if(FP_UTILS_SANITIZE)
+  target_compile_options(fp_utils_options INTERFACE
+    -fsanitize=${FP_UTILS_SANITIZE} -fno-sanitize-recover=all)
+  target_link_options(fp_utils_options INTERFACE -fsanitize=${FP_UTILS_SANITIZE})
+endif()

@@ -1,0 +1,95 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <sys/types.h>
+
+#include <array>
+#include <cstdint>
+#include <ctime>
+#include <string>
+
+#include "fp_utils/export.h"
+
+namespace android::fp_utils {
+
+// One authentication attempt as the service saw it. Created by AuthStats::CreateAttempt(), filled
+// by the service, held by shared ownership in the history and printed in its dump.
+//
+// Threading:  not locked. A record that a history holds must no longer be changed while the
+//             history saves or dumps on another thread.
+// Errors:     formatting never fails, text beyond the stated buffer is cut. Parsing logs and
+//             returns false.
+// Units:      timestamp in seconds since the epoch; the service defines those of latency and iq.
+class FP_UTILS_EXPORT AuthEvent {
+ public:
+  // The value of acquired_info for an image that was good enough to be matched. Only such attempts
+  // count in the statistics.
+  static constexpr int8_t kAcquiredGood = 1;
+
+  // Everything is 0 but the timestamp, which is the current time.
+  AuthEvent();
+  virtual ~AuthEvent();
+
+  // One line for the dump, at most 127 characters: the local time, then the outcome of the match
+  // or the name of the acquisition error.
+  virtual std::string ToDebugString() const;
+
+  // The record text of the backup file, one line without newline.
+  virtual std::string ToBackupString() const;
+
+  // Takes the fields of a record text into this record and removes them from `text`, so that a
+  // derived class finds its own part at the front. After a failure `text` is unchanged, but the
+  // fields that converted before the damage may have been taken.
+  virtual bool LoadFromBackupString(std::string& text);
+
+  // Tells the histories which kind of record this is.
+  virtual std::string GetClassName();
+
+  // The timestamp as "YYYY-MM-DD hh:mm:ss" in the process's time zone.
+  std::string GetLocalTime() const;
+
+  time_t timestamp;
+  int8_t acquired_info = 0;  // the platform's AcquiredInfo; see kAcquiredGood
+  bool auth_successful = false;
+  int32_t fid = 0;      // finger that matched, or that the service reports
+  int32_t latency = 0;  // duration of the attempt
+  int32_t iq = 0;       // image quality score
+};
+
+// An attempt with the matcher's diagnostics of the G7 sensor generation.
+class FP_UTILS_EXPORT AuthEventG7 : public AuthEvent {
+ public:
+  static constexpr size_t kStitchSlots = 5;
+
+  AuthEventG7();
+  ~AuthEventG7() override;
+
+  // The base text and the diagnostics that belong to the outcome.
+  std::string ToDebugString() const override;
+
+  // The floats are written with two decimals and come back rounded to them.
+  std::string ToBackupString() const override;
+  bool LoadFromBackupString(std::string& text) override;
+  std::string GetClassName() override;
+
+  // "reason:" and the likeliest cause of a failed match, from `rc` or, where that says nothing,
+  // from the packed metrics.
+  std::string GetAuthFailureReason() const;
+
+  float t_cov = 0;   // touch coverage of the sensor, percent
+  float t_dist = 0;  // touch distance from the sensor's centre, millimetres
+  uint32_t lptw = 0;
+  uint32_t rc = 0;            // matcher result, 0 = no failure
+  int32_t rawmean_delta = 0;  // raw-image mean difference, also steers DynamicExposure
+  // Quality triples, packed as A * 1000000 + B * 1000 + C; of the third only A is used.
+  int32_t packed_metric_1 = 0;
+  int32_t packed_metric_2 = 0;
+  int32_t packed_metric_3 = 0;
+  int32_t extra_metric = 0;          // stored and restored only
+  int32_t foreign_matter_count = 0;  // 1 or more: foreign matter on the sensor
+  int32_t match_score = 0;
+  std::array<int32_t, kStitchSlots> stitch_img_num_ = {};
+  std::array<int32_t, kStitchSlots> stitch_img_area_ = {};
+};
+
+}  // namespace android::fp_utils

@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <string>
+
+// The simulated device's file tree. Programs linked with the simulated device find the device's
+// absolute paths (/data/vendor, /dev/fth_fd, /dev/trusty-log0, /sys/firmware/devicetree) below a
+// folder of the host; every other path is the host's own. Without a root these paths do not exist.
+
+namespace fp_host {
+
+// Puts the device's files below `root`, for this process and the children that it starts.
+void SetDeviceRoot(const std::string& root);
+
+// Where a device path lies on the host.
+std::string HostPath(const std::string& device_path);
+
+// Creates the folders that the device's init creates at boot. Those that exist stay as they are.
+void BootDevice();
+
+}  // namespace fp_host

@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <sys/types.h>
+
+#include <string>
+
+// Faults on the system calls of programs linked with the simulated device.
+
+namespace fp_host {
+
+struct Fault {
+  static constexpr int kForever = -1;
+
+  // open, fopen, mkdir, unlink, read or write. The calls that take a path fail for device paths,
+  // read and write for descriptors of them, also below a FILE that was opened while a fault of
+  // either was set.
+  std::string function;
+  int first_call = 1;  // counted from when the fault is set
+  int calls = 1;       // how many calls in a row fail, or kForever
+  int error = 0;       // errno of a failing call
+  // For read and write: instead of failing, move at most so many bytes. Negative: fail.
+  ssize_t shorten_to = -1;
+};
+
+// One fault per function at a time; aborts on a function that it does not know.
+void SetFault(const Fault& fault);
+void ClearFaults();
+
+// How many calls the fault of `function` has counted since it was set.
+int CountedCalls(const std::string& function);
+
+}  // namespace fp_host

@@ -1,0 +1,102 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "device/faults.h"
+
+#include <array>
+#include <atomic>
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <iterator>
+
+#include "control/faults.h"
+
+namespace fp_host {
+namespace {
+
+constexpr const char* kNames[] = {"open", "fopen", "mkdir", "unlink", "read", "write"};
+constexpr size_t kCalls = std::size(kNames);
+constexpr int kTrackedDescriptors = 65536;
+
+// Interposed calls arrive from any thread, and before and after main(): only constant-initialised
+// atomics here.
+struct Setting {
+  std::atomic<bool> set = false;
+  std::atomic<int> counted = 0;
+  std::atomic<int> first_call = 0;
+  std::atomic<int> calls = 0;
+  std::atomic<int> error = 0;
+  std::atomic<ssize_t> shorten_to = -1;
+};
+std::array<Setting, kCalls> settings;
+std::array<std::atomic<bool>, kTrackedDescriptors> tracked;
+
+Setting& Of(Call call) { return settings[static_cast<size_t>(call)]; }
+
+Setting& Of(const std::string& function) {
+  for (size_t i = 0; i < kCalls; ++i) {
+    if (function == kNames[i]) {
+      return settings[i];
+    }
+  }
+  fprintf(stderr, "the simulated device has no faults for %s()\n", function.c_str());
+  abort();
+}
+
+}  // namespace
+
+void SetFault(const Fault& fault) {
+  Setting& setting = Of(fault.function);
+  setting.set = false;
+  setting.counted = 0;
+  setting.first_call = fault.first_call;
+  setting.calls = fault.calls;
+  setting.error = fault.error;
+  setting.shorten_to = fault.shorten_to;
+  setting.set = true;
+}
+
+void ClearFaults() {
+  for (Setting& setting : settings) {
+    setting.set = false;
+  }
+}
+
+int CountedCalls(const std::string& function) { return Of(function).counted; }
+
+Verdict Judge(Call call) {
+  Setting& setting = Of(call);
+  if (!setting.set) {
+    return {};
+  }
+  const int number = ++setting.counted;
+  if (number < setting.first_call ||
+      (setting.calls != Fault::kForever && number >= setting.first_call + setting.calls)) {
+    return {};
+  }
+  if (setting.shorten_to >= 0) {
+    return {.fails = false, .limit = setting.shorten_to};
+  }
+  errno = setting.error;
+  return {.fails = true};
+}
+
+bool AreTransfersFaulty() { return Of(Call::kRead).set || Of(Call::kWrite).set; }
+
+void Track(int fd) {
+  if (fd >= 0 && fd < kTrackedDescriptors) {
+    tracked[static_cast<size_t>(fd)] = true;
+  }
+}
+
+void Untrack(int fd) {
+  if (fd >= 0 && fd < kTrackedDescriptors) {
+    tracked[static_cast<size_t>(fd)] = false;
+  }
+}
+
+bool IsTracked(int fd) {
+  return fd >= 0 && fd < kTrackedDescriptors && tracked[static_cast<size_t>(fd)];
+}
+
+}  // namespace fp_host

@@ -1,0 +1,219 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The system calls of the simulated device. This library stands ahead of libc, so that these
+// definitions are the ones that the program, the library under test and the platform's libraries
+// reach. Each resolves its path, asks for faults and calls libc's own.
+#include <dlfcn.h>
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/ioctl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdarg>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+
+#include "device/faults.h"
+#include "device/tree.h"
+
+namespace {
+
+using fp_host::Call;
+using fp_host::Judge;
+using fp_host::TreePath;
+
+// libc's own definition of `name`.
+template <typename Function>
+Function* Next(const char* name) {
+  auto* function = reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
+  if (function == nullptr) {
+    abort();
+  }
+  return function;
+}
+#define NEXT(name) static auto* const next = Next<decltype(name)>(#name)
+
+mode_t ModeArgument(int flags, va_list arguments) {
+  return (flags & (O_CREAT | O_TMPFILE)) != 0 ? va_arg(arguments, mode_t) : 0;
+}
+
+using OpenFunction = int(const char*, int, ...);
+
+int Open(OpenFunction* next, const char* path, int flags, mode_t mode) {
+  const TreePath resolved(path);
+  if (!resolved.IsOnDevice()) {
+    return next(path, flags, mode);
+  }
+  if (Judge(Call::kOpen).fails) {
+    return -1;
+  }
+  const int fd = next(resolved.Get(), flags, mode);
+  fp_host::Track(fd);
+  return fd;
+}
+
+int OpenAt(decltype(openat)* next, int folder, const char* path, int flags, mode_t mode) {
+  const TreePath resolved(path);
+  if (!resolved.IsOnDevice()) {
+    return next(folder, path, flags, mode);
+  }
+  return Open(Next<OpenFunction>("open"), path, flags, mode);
+}
+
+// stdio makes its transfers by calls that cannot be interposed. While transfers are to be
+// disturbed, a FILE goes through these functions instead.
+ssize_t CookieRead(void* cookie, char* buffer, size_t size) {
+  return read(*static_cast<int*>(cookie), buffer, size);
+}
+ssize_t CookieWrite(void* cookie, const char* buffer, size_t size) {
+  // As stdio does on a file: short writes go on, an error ends with what is out.
+  size_t done = 0;
+  while (done < size) {
+    const ssize_t written = write(*static_cast<int*>(cookie), buffer + done, size - done);
+    if (written < 0) {
+      break;
+    }
+    done += static_cast<size_t>(written);
+  }
+  return static_cast<ssize_t>(done);
+}
+int CookieClose(void* cookie) {
+  const std::unique_ptr<int> fd(static_cast<int*>(cookie));
+  return close(*fd);
+}
+
+int FlagsOf(const char* mode) {
+  const bool both = strchr(mode, '+') != nullptr;
+  const int access = both ? O_RDWR : mode[0] == 'r' ? O_RDONLY : O_WRONLY;
+  const int creation = mode[0] == 'w' ? O_CREAT | O_TRUNC : mode[0] == 'a' ? O_CREAT | O_APPEND : 0;
+  return access | creation | (strchr(mode, 'e') != nullptr ? O_CLOEXEC : 0);
+}
+
+FILE* OpenThroughCookie(const char* path, const char* mode) {
+  const int fd = open(path, FlagsOf(mode), 0666);
+  if (fd < 0) {
+    return nullptr;
+  }
+  return fopencookie(
+      new int(fd), mode,
+      {.read = CookieRead, .write = CookieWrite, .seek = nullptr, .close = CookieClose});
+}
+
+FILE* Fopen(decltype(fopen)* next, const char* path, const char* mode) {
+  const TreePath resolved(path);
+  if (!resolved.IsOnDevice()) {
+    return next(path, mode);
+  }
+  if (Judge(Call::kFopen).fails) {
+    return nullptr;
+  }
+  return fp_host::AreTransfersFaulty() ? OpenThroughCookie(path, mode) : next(resolved.Get(), mode);
+}
+
+}  // namespace
+
+extern "C" {
+
+int open(const char* path, int flags, ...) {
+  NEXT(open);
+  va_list arguments;
+  va_start(arguments, flags);
+  const mode_t mode = ModeArgument(flags, arguments);
+  va_end(arguments);
+  return Open(next, path, flags, mode);
+}
+
+int open64(const char* path, int flags, ...) {
+  NEXT(open64);
+  va_list arguments;
+  va_start(arguments, flags);
+  const mode_t mode = ModeArgument(flags, arguments);
+  va_end(arguments);
+  return Open(next, path, flags, mode);
+}
+
+int openat(int folder, const char* path, int flags, ...) {
+  NEXT(openat);
+  va_list arguments;
+  va_start(arguments, flags);
+  const mode_t mode = ModeArgument(flags, arguments);
+  va_end(arguments);
+  return OpenAt(next, folder, path, flags, mode);
+}
+
+int openat64(int folder, const char* path, int flags, ...) {
+  NEXT(openat64);
+  va_list arguments;
+  va_start(arguments, flags);
+  const mode_t mode = ModeArgument(flags, arguments);
+  va_end(arguments);
+  return OpenAt(next, folder, path, flags, mode);
+}
+
+FILE* fopen(const char* path, const char* mode) {
+  NEXT(fopen);
+  return Fopen(next, path, mode);
+}
+
+FILE* fopen64(const char* path, const char* mode) {
+  NEXT(fopen64);
+  return Fopen(next, path, mode);
+}
+
+int mkdir(const char* path, mode_t mode) {
+  NEXT(mkdir);
+  const TreePath resolved(path);
+  if (resolved.IsOnDevice() && Judge(Call::kMkdir).fails) {
+    return -1;
+  }
+  return next(resolved.Get(), mode);
+}
+
+int unlink(const char* path) {
+  NEXT(unlink);
+  const TreePath resolved(path);
+  if (resolved.IsOnDevice() && Judge(Call::kUnlink).fails) {
+    return -1;
+  }
+  return next(resolved.Get());
+}
+
+ssize_t read(int fd, void* buffer, size_t size) {
+  NEXT(read);
+  if (fp_host::IsTracked(fd)) {
+    const fp_host::Verdict verdict = Judge(Call::kRead);
+    if (verdict.fails) {
+      return -1;
+    }
+    if (verdict.limit >= 0) {
+      size = std::min(size, static_cast<size_t>(verdict.limit));
+    }
+  }
+  return next(fd, buffer, size);
+}
+
+ssize_t write(int fd, const void* buffer, size_t size) {
+  NEXT(write);
+  if (fp_host::IsTracked(fd)) {
+    const fp_host::Verdict verdict = Judge(Call::kWrite);
+    if (verdict.fails) {
+      return -1;
+    }
+    if (verdict.limit >= 0) {
+      size = std::min(size, static_cast<size_t>(verdict.limit));
+    }
+  }
+  return next(fd, buffer, size);
+}
+
+int close(int fd) {
+  NEXT(close);
+  fp_host::Untrack(fd);
+  return next(fd);
+}
+
+}  // extern "C"

@@ -1,0 +1,87 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "device/tree.h"
+
+#include <dlfcn.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <mutex>
+
+#include "control/device.h"
+
+namespace fp_host {
+namespace {
+
+// Children find the root here; the preloaded library reads it on its first call.
+constexpr char kRootVariable[] = "FP_DEVICE_ROOT";
+
+constexpr const char* kDevicePrefixes[] = {"/data/vendor", "/dev/fth_fd", "/dev/trusty-log0",
+                                           "/sys/firmware/devicetree"};
+
+// What the device's init creates; platform/device has the lines.
+constexpr const char* kBootFolders[] = {"/data/vendor/fingerprint",
+                                        "/data/vendor/tombstones/fingerprint", "/dev",
+                                        "/sys/firmware/devicetree/base/chosen/plat"};
+
+char root[PATH_MAX] = "";
+std::once_flag root_read;
+
+const char* Root() {
+  std::call_once(root_read, [] {
+    const char* value = getenv(kRootVariable);
+    if (value != nullptr && root[0] == '\0') {
+      snprintf(root, sizeof root, "%s", value);
+    }
+  });
+  return root[0] == '\0' ? "/nonexistent" : root;
+}
+
+bool BeginsWithComponent(const char* path, const char* prefix) {
+  const size_t length = strlen(prefix);
+  return strncmp(path, prefix, length) == 0 && (path[length] == '\0' || path[length] == '/');
+}
+
+bool IsDevicePath(const char* path) {
+  for (const char* prefix : kDevicePrefixes) {
+    if (BeginsWithComponent(path, prefix)) {
+      return true;
+    }
+  }
+  return false;
+}
+
+// Shells and other children of the program see the same device.
+void PreloadIntoChildren() {
+  Dl_info self = {};
+  if (dladdr(reinterpret_cast<void*>(&SetDeviceRoot), &self) != 0 && self.dli_fname != nullptr) {
+    setenv("LD_PRELOAD", std::filesystem::absolute(self.dli_fname).c_str(), 1);
+  }
+}
+
+}  // namespace
+
+TreePath::TreePath(const char* path)
+    : original_(path), redirected_(path != nullptr && IsDevicePath(path)) {
+  if (redirected_) {
+    snprintf(buffer_, sizeof buffer_, "%s%s", Root(), path);
+  }
+}
+
+void SetDeviceRoot(const std::string& new_root) {
+  const std::string absolute = std::filesystem::absolute(new_root);
+  snprintf(root, sizeof root, "%s", absolute.c_str());
+  setenv(kRootVariable, root, 1);
+  PreloadIntoChildren();
+}
+
+std::string HostPath(const std::string& device_path) { return Root() + device_path; }
+
+void BootDevice() {
+  for (const char* folder : kBootFolders) {
+    std::filesystem::create_directories(HostPath(folder));
+  }
+}
+
+}  // namespace fp_host

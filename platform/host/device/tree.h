@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <climits>
+
+namespace fp_host {
+
+// The host path of a path given to a system call, in a buffer of its own.
+class TreePath {
+ public:
+  explicit TreePath(const char* path);
+
+  const char* Get() const { return redirected_ ? buffer_ : original_; }
+  bool IsOnDevice() const { return redirected_; }
+
+ private:
+  const char* original_;
+  bool redirected_;
+  char buffer_[PATH_MAX];
+};
+
+}  // namespace fp_host

@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <algorithm>
+#include <cstdarg>
+#include <cstddef>
+#include <cstdio>
+#include <string>
+
+namespace android::fp_utils {
+
+// Text built by formatted writes into a buffer of N bytes; what does not fit is cut silently.
+template <size_t N>
+class BoundedText {
+ public:
+  BoundedText() { buffer_[0] = '\0'; }
+
+  __attribute__((format(printf, 2, 3))) void Append(const char* format, ...) {
+    va_list arguments;
+    va_start(arguments, format);
+    const int wanted = vsnprintf(buffer_ + length_, N - length_, format, arguments);
+    va_end(arguments);
+    if (wanted > 0) {
+      length_ = std::min(length_ + static_cast<size_t>(wanted), N - 1);
+    }
+  }
+
+  std::string ToString() const { return {buffer_, length_}; }
+
+ private:
+  char buffer_[N];
+  size_t length_ = 0;
+};
+
+}  // namespace android::fp_utils

@@ -1,0 +1,18 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "common/local_time.h"
+
+namespace android::fp_utils {
+
+std::string LocalTimeText(time_t seconds) {
+  // localtime() would read the zone anew as tzset() does here, but it shares its result between
+  // threads, and dumps may come from several.
+  tzset();
+  tm parts = {};
+  if (localtime_r(&seconds, &parts) == nullptr) {
+    return std::to_string(seconds);
+  }
+  char text[64];
+  return {text, strftime(text, sizeof text, "%Y-%m-%d %H:%M:%S", &parts)};
+}
+
+}  // namespace android::fp_utils

@@ -1,0 +1,213 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <cerrno>
+#include <cstdio>
+
+#include "common/bounded_text.h"
+#include "common/log.h"
+#include "fp_utils/auth_event.h"
+#include "history/auth_event_text.h"
+#include "history/record_text.h"
+
+namespace android::fp_utils {
+namespace {
+
+constexpr size_t kTextSize = 1024;
+constexpr int8_t kAcquiredPartial = 2;
+constexpr char kLoadSignature[] =
+    "virtual bool android::fp_utils::AuthEventG7::LoadFromBackupString(std::string &)";
+
+// Result codes of the matcher that name the failure themselves.
+constexpr uint32_t kRcTooDark = 1164;
+constexpr uint32_t kRcImagePartial = 1013;
+constexpr uint32_t kRcLowQuality = 1014;
+constexpr uint32_t kRcSpoof = 1137;
+constexpr uint32_t kRcResidual = 1138;
+constexpr uint32_t kRcTooBright = 1513;
+
+// A raw mean this far below the reference is a dark image whatever the matcher says.
+constexpr int32_t kDarkRawmeanDelta = -1001;
+
+// From this much of the third metric's A part on, the finger was on target and the cause is open.
+constexpr uint32_t kOnTargetMetric = 119;
+
+// The three values of a packed metric. A negative value turns up as a very large one and so passes
+// every lower bound: the matcher's limits were tuned with that.
+struct Metric {
+  explicit Metric(int32_t packed)
+      : a(static_cast<uint32_t>(packed / 1000000)),
+        b(static_cast<uint32_t>(packed % 1000000 / 1000)),
+        c(static_cast<uint32_t>(packed % 1000)) {}
+
+  uint32_t a, b, c;
+};
+
+bool IsOnTarget(const Metric& first, const Metric& second) {
+  return first.a >= 225 && first.b >= 220 && first.c >= 215 && second.a >= 83 && second.b >= 205 &&
+         second.c >= 205;
+}
+
+const char* ReasonOfMetrics(const AuthEventG7& event) {
+  if (!IsOnTarget(Metric(event.packed_metric_1), Metric(event.packed_metric_2))) {
+    return "Off target";
+  }
+  if (event.foreign_matter_count >= 1) {
+    return "Foreign matter";
+  }
+  return Metric(event.packed_metric_3).a > kOnTargetMetric ? "Unknown" : "Partial off target";
+}
+
+// The capitals differ from phrase to phrase; the tools that count reasons match them as they are.
+const char* Reason(const AuthEventG7& event) {
+  if (event.rc == kRcTooDark || event.rawmean_delta <= kDarkRawmeanDelta) {
+    return "Too Dark";
+  }
+  switch (event.rc) {
+    case kRcImagePartial:
+      return "Image Partial";
+    case kRcLowQuality:
+      return "Low quality";
+    case kRcSpoof:
+      return "Spoof";
+    case kRcResidual:
+      return "Residual";
+    case kRcTooBright:
+      return "Too bright";
+    default:
+      return ReasonOfMetrics(event);
+  }
+}
+
+// The tail in the form in which ToBackupString() writes it. False leaves the record alone.
+bool LoadWrittenTail(AuthEventG7& event, const std::string& text) {
+  RecordReader reader(text);
+  float t_cov = 0;
+  float t_dist = 0;
+  uint32_t lptw = 0;
+  uint32_t rc = 0;
+  if (!reader.Comma() || !reader.FixedPoint(&t_cov) || !reader.Comma() ||
+      !reader.FixedPoint(&t_dist) || !reader.Comma() || !reader.Decimal(&lptw) || !reader.Comma() ||
+      !reader.Hex(&rc)) {
+    return false;
+  }
+  std::array<int32_t, 7> metrics;
+  std::array<int32_t, AuthEventG7::kStitchSlots> nums;
+  std::array<int32_t, AuthEventG7::kStitchSlots> areas;
+  const auto read_all = [&reader](auto& fields) {
+    for (int32_t& field : fields) {
+      if (!reader.Comma() || !reader.Hex(&field)) {
+        return false;
+      }
+    }
+    return true;
+  };
+  if (!read_all(metrics) || !read_all(nums) || !read_all(areas)) {
+    return false;
+  }
+  event.t_cov = t_cov;
+  event.t_dist = t_dist;
+  event.lptw = lptw;
+  event.rc = rc;
+  event.rawmean_delta = metrics[0];
+  event.packed_metric_1 = metrics[1];
+  event.packed_metric_2 = metrics[2];
+  event.packed_metric_3 = metrics[3];
+  event.extra_metric = metrics[4];
+  event.foreign_matter_count = metrics[5];
+  event.match_score = metrics[6];
+  event.stitch_img_num_ = nums;
+  event.stitch_img_area_ = areas;
+  return true;
+}
+
+// Any tail that scanf takes, straight into the record.
+bool LoadScannedTail(AuthEventG7& event, const std::string& text) {
+  constexpr int kFields = 21;
+  auto& num = event.stitch_img_num_;
+  auto& area = event.stitch_img_area_;
+  return sscanf(text.c_str(),
+                ",%f,%f,%u,0x%x,0x%x,0x%x,0x%x,0x%x,0x%x,0x%x,0x%x,0x%x,0x%x,0x%x,0x%x,0x%x,0x%x,"
+                "0x%x,0x%x,0x%x,0x%x",
+                &event.t_cov, &event.t_dist, &event.lptw, &event.rc,
+                AsUnsigned(&event.rawmean_delta), AsUnsigned(&event.packed_metric_1),
+                AsUnsigned(&event.packed_metric_2), AsUnsigned(&event.packed_metric_3),
+                AsUnsigned(&event.extra_metric), AsUnsigned(&event.foreign_matter_count),
+                AsUnsigned(&event.match_score), AsUnsigned(&num[0]), AsUnsigned(&num[1]),
+                AsUnsigned(&num[2]), AsUnsigned(&num[3]), AsUnsigned(&num[4]), AsUnsigned(&area[0]),
+                AsUnsigned(&area[1]), AsUnsigned(&area[2]), AsUnsigned(&area[3]),
+                AsUnsigned(&area[4])) == kFields;
+}
+
+}  // namespace
+
+AuthEventG7::AuthEventG7() = default;
+
+AuthEventG7::~AuthEventG7() = default;
+
+std::string AuthEventG7::ToDebugString() const {
+  BoundedText<kTextSize> text;
+  text.Append(", rc:%u, lptw:%u", rc, lptw);
+  if (acquired_info == kAcquiredGood) {
+    text.Append(", t_cov:%.0f%%, t_dist:%.1fmm, rawmean_delta:%d, match_score:%d", t_cov, t_dist,
+                rawmean_delta, match_score);
+    if (rc != 0) {
+      text.Append(", %s", GetAuthFailureReason().c_str());
+    } else {
+      const auto& num = stitch_img_num_;
+      const auto& area = stitch_img_area_;
+      text.Append(", stitch_img_num_:%d_%d_%d_%d_%d", num[0], num[1], num[2], num[3], num[4]);
+      text.Append(", stitch_img_area_:%d_%d_%d_%d_%d", area[0], area[1], area[2], area[3], area[4]);
+    }
+  } else if (acquired_info == kAcquiredPartial) {
+    text.Append(", t_cov:%.0f%%, t_dist:%.1fmm", t_cov, t_dist);
+  }
+  return AuthEvent::ToDebugString() + text.ToString();
+}
+
+std::string AuthEventG7::ToBackupString() const {
+  RecordBuffer buffer;
+  return {buffer, WriteAuthEventG7(buffer, *this)};
+}
+
+char* WriteAuthEventG7(char* out, const AuthEventG7& event) {
+  out = WriteAuthEvent(out, event);
+  *out++ = ',';
+  out = WriteFixedPoint(out, event.t_cov);
+  *out++ = ',';
+  out = WriteFixedPoint(out, event.t_dist);
+  *out++ = ',';
+  out = WriteDecimal(out, event.lptw);
+  out = WriteHexField(out, event.rc);
+  for (const int32_t value :
+       {event.rawmean_delta, event.packed_metric_1, event.packed_metric_2, event.packed_metric_3,
+        event.extra_metric, event.foreign_matter_count, event.match_score}) {
+    out = WriteHexField(out, static_cast<uint32_t>(value));
+  }
+  for (const auto* slots : {&event.stitch_img_num_, &event.stitch_img_area_}) {
+    for (const int32_t value : *slots) {
+      out = WriteHexField(out, static_cast<uint32_t>(value));
+    }
+  }
+  return out;
+}
+
+bool AuthEventG7::LoadFromBackupString(std::string& text) {
+  if (!AuthEvent::LoadFromBackupString(text)) {
+    FP_LOG_ERROR(log_tag::kAuthEventG7, "[%s] AuthEvent failed to load '%s'", kLoadSignature,
+                 text.c_str());
+    return false;
+  }
+  if (LoadWrittenTail(*this, text) || LoadScannedTail(*this, text)) {
+    return true;
+  }
+  FP_LOG_ERROR(log_tag::kAuthEventG7, "[%s] failed to parse str:'%s' with error %d", kLoadSignature,
+               text.c_str(), -errno);
+  return false;
+}
+
+std::string AuthEventG7::GetClassName() { return "AuthEventG7"; }
+
+std::string AuthEventG7::GetAuthFailureReason() const {
+  return std::string("reason:") + Reason(*this);
+}
+
+}  // namespace android::fp_utils

@@ -1,0 +1,103 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The demo as its user runs it.
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <regex>
+#include <string>
+
+namespace fp_service {
+namespace {
+
+namespace fs = std::filesystem;
+
+struct Result {
+  int exit_code;
+  std::string output;
+};
+
+class FpServiceTest : public ::testing::Test {
+ protected:
+  FpServiceTest() {
+    std::string pattern = fs::temp_directory_path() / "fp_service.XXXXXX";
+    folder_ = mkdtemp(pattern.data());
+  }
+  ~FpServiceTest() override { fs::remove_all(folder_); }
+
+  Result Run(const std::string& options) const {
+    const std::string command =
+        std::string(FP_SERVICE) + " --device-root " + (folder_ / "device").string() + " " + options;
+    FILE* pipe = popen((command + " 2>&1").c_str(), "r");
+    std::string output;
+    char buffer[4096];
+    for (size_t size; (size = fread(buffer, 1, sizeof buffer, pipe)) > 0;) {
+      output.append(buffer, size);
+    }
+    return {WEXITSTATUS(pclose(pipe)), output};
+  }
+
+  static size_t Count(const std::string& text, const std::string& pattern) {
+    const std::regex regex(pattern);
+    return static_cast<size_t>(
+        std::distance(std::sregex_iterator(text.begin(), text.end(), regex), {}));
+  }
+
+  const std::string day_ = "--scenario " + std::string(SCENARIOS) + "/day.jsonl";
+  fs::path folder_;
+};
+
+TEST_F(FpServiceTest, DayShowsWhatExposureControlDoes) {
+  const Result first = Run(day_);
+  ASSERT_EQ(0, first.exit_code) << first.output;
+  EXPECT_EQ(0u, first.output.find("first start: no history yet\n"));
+  EXPECT_EQ(std::string::npos, first.output.find('\r')) << "no progress in a pipe";
+  EXPECT_NE(std::string::npos, first.output.find("Auth Stats:\n  total_attempts:100, "));
+  EXPECT_GE(Count(first.output, "auth_successful:"), 300u);
+
+  const std::regex effect(
+      R"(: false rejects ([0-9.]+)% before the first of \d+ steps?, ([0-9.]+)% after the last)");
+  size_t phases = 0;
+  for (std::sregex_iterator it(first.output.begin(), first.output.end(), effect), end; it != end;
+       ++it, ++phases) {
+    EXPECT_LT(std::stod((*it)[2]), std::stod((*it)[1]) / 2) << it->str();
+  }
+  EXPECT_GE(phases, 2u);
+
+  const Result second = Run(day_);
+  EXPECT_EQ(0u, second.output.find("found 100 attempts of earlier runs\n"));
+  const Result dump = Run("--dump-only");
+  EXPECT_NE(std::string::npos, dump.output.find("Auth Events:\n  #000 "));
+}
+
+TEST_F(FpServiceTest, IsDeterministicForASeed) {
+  const std::string first = Run(day_ + " --seed 5").output;
+  fs::remove_all(folder_ / "device");
+  EXPECT_EQ(first, Run(day_ + " --seed 5").output);
+  fs::remove_all(folder_ / "device");
+  EXPECT_NE(first, Run(day_ + " --seed 6").output);
+}
+
+TEST_F(FpServiceTest, OptionsAndExitCodes) {
+  EXPECT_EQ(0, Run("--help").exit_code);
+  EXPECT_EQ(2, Run("").exit_code);
+  EXPECT_EQ(2, Run("--nonsense").exit_code);
+  EXPECT_EQ(2, Run("--dump-only --property x").exit_code);
+  EXPECT_EQ(3, Run("--scenario /nowhere.jsonl").exit_code);
+  std::ofstream(folder_ / "bad.jsonl") << "{\"event\": \"nap\"}\n";
+  const Result bad = Run("--scenario " + (folder_ / "bad.jsonl").string());
+  EXPECT_EQ(3, bad.exit_code);
+  EXPECT_EQ((folder_ / "bad.jsonl").string() + ":1: the first event is \"day\"\n", bad.output);
+
+  const Result off =
+      Run("--dump-only --property persist.vendor.udfps.dynamic_exposure_supported=0");
+  EXPECT_NE(std::string::npos, off.output.find("DynamicExposureSupported:0\n"));
+  EXPECT_EQ(std::string::npos, off.output.find("Failed to open"));
+  EXPECT_NE(std::string::npos, Run("--dump-only --log error").output.find("Failed to open"));
+}
+
+}  // namespace
+}  // namespace fp_service

@@ -1,0 +1,269 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "fp_utils/dynamic_exposure.h"
+
+#include <cmath>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <android-base/properties.h>
+
+#include "support/device_test.h"
+
+namespace android::fp_utils {
+namespace {
+
+using fp_test::DumpText;
+using fp_test::Error;
+using fp_test::Info;
+using fp_test::LogLine;
+using fp_test::TakeLog;
+
+constexpr char kSupported[] = "persist.vendor.udfps.dynamic_exposure_supported";
+constexpr char kPrefix[] = "persist.vendor.udfps.dynamic.exposure.";
+
+struct Exposure {
+  float expo, base;
+};
+
+class DynamicExposureTest : public ::testing::Test {
+ protected:
+  DynamicExposureTest() { base::SetProperty(kSupported, "true"); }
+
+  static void Set(const std::string& name, const std::string& value) {
+    base::SetProperty(kPrefix + name, value);
+  }
+
+  // A controller as the service sets it up.
+  DynamicExposure& Calibrated(float expo, float base) {
+    controller_.emplace();
+    controller_->SetExpoChangedCallback(this, [](void* context, float expo, float base) {
+      static_cast<DynamicExposureTest*>(context)->changes_.push_back({expo, base});
+    });
+    controller_->UpdateCaliExpo(expo, base);
+    TakeLog();
+    return *controller_;
+  }
+
+  void Feed(int count, bool successful, int32_t iq, int32_t rawmean_delta) {
+    for (int i = 0; i < count; ++i) {
+      auto event = std::make_shared<AuthEventG7>();
+      event->acquired_info = 1;
+      event->auth_successful = successful;
+      event->iq = iq;
+      event->rawmean_delta = rawmean_delta;
+      controller_->FeedAuthAttempt(event);
+    }
+  }
+
+  std::string Sample() {
+    const std::string dump = DumpText([this](int fd) { controller_->Dump(fd); });
+    return dump.substr(dump.find("  Stats of last"));
+  }
+
+  std::optional<DynamicExposure> controller_;
+  std::vector<Exposure> changes_;
+};
+
+TEST_F(DynamicExposureTest, StepsDownOnBrightPoorSamples) {
+  DynamicExposure& controller = Calibrated(20.0F, 50.0F);
+  Feed(9, false, 20, 3000);
+  EXPECT_TRUE(TakeLog().empty()) << "never before the sample is full";
+  Feed(1, false, 20, 3000);
+  EXPECT_EQ(
+      (std::vector{Info("DynamicExposure", "[FeedAuthAttempt] Adjust exposure DOWN"),
+                   Info("DynamicExposure", "[AdjustExposure] adjustment step:-1, unit:16.667"),
+                   Info("DynamicExposure", "[AdjustExposure] cali expo:20.000, base:50.000"),
+                   Info("DynamicExposure", "[AdjustExposure] adjust to expo:13.333, base:33.333")}),
+      TakeLog());
+  ASSERT_EQ(1u, changes_.size());
+  EXPECT_FLOAT_EQ(13.333333F, changes_[0].expo);
+  EXPECT_FLOAT_EQ(33.333333F, changes_[0].base);
+  EXPECT_EQ(-1, controller.GetStep());
+  EXPECT_EQ(
+      "  Stats of last 0 attempts:\n    FRR: 0.00%\n    Avg IQ: 0.00\n"
+      "    Avg raw mean: 0.00\n  \n",
+      Sample());
+}
+
+TEST_F(DynamicExposureTest, RefusedStepKeepsStepAndSample) {
+  DynamicExposure& controller = Calibrated(10.0F, 50.0F);
+  Feed(10, false, 20, 3000);
+  const std::vector<LogLine> refusal = {
+      Info("DynamicExposure", "[FeedAuthAttempt] Adjust exposure DOWN"),
+      Error("DynamicExposure", "[AdjustExposure] target expo(6.667) < lower bound(10.000), skip")};
+  EXPECT_EQ(refusal, TakeLog());
+  EXPECT_EQ(0, controller.GetStep());
+  EXPECT_EQ(
+      "  Stats of last 10 attempts:\n    FRR: 100.00%\n    Avg IQ: 20.00\n"
+      "    Avg raw mean: 3000.00\n  \n",
+      Sample());
+  Feed(1, false, 20, 3000);
+  EXPECT_EQ(refusal, TakeLog()) << "the next attempt meets the same refusal";
+
+  Set("upper_bound_us", "149999");
+  Calibrated(149.0F, 100.0F);
+  controller_->AdjustExposure(StepAdjustment::kUp);
+  EXPECT_EQ(
+      (std::vector{Error("DynamicExposure",
+                         "[AdjustExposure] target expo(173.833) > upper bound(149.999), skip")}),
+      TakeLog());
+  EXPECT_TRUE(changes_.empty());
+}
+
+// Calibration outside the bounds: a step back towards them is never refused, nor is a
+// recalculation.
+TEST_F(DynamicExposureTest, BoundsHoldOnlyInTheDirectionOfTheStep) {
+  DynamicExposure& controller = Calibrated(200.0F, 100.0F);
+  controller.AdjustExposure(StepAdjustment::kDown);
+  ASSERT_EQ(1u, changes_.size());
+  EXPECT_FLOAT_EQ(166.66667F, changes_[0].expo);
+  controller.UpdateCaliExpo(5.0F, 100.0F);
+  ASSERT_EQ(2u, changes_.size());
+  EXPECT_FLOAT_EQ(4.1666667F, changes_[1].expo);
+  controller.AdjustExposure(StepAdjustment::kUp);
+  ASSERT_EQ(3u, changes_.size());
+  EXPECT_FLOAT_EQ(5.0F, changes_[2].expo);
+  EXPECT_EQ(0, controller.GetStep());
+}
+
+TEST_F(DynamicExposureTest, SampleDecides) {
+  const struct {
+    int good, bad;
+    int32_t iq, rawmean_delta;
+    int step;
+    const char* why;
+  } kCases[] = {
+      {0, 10, 20, 3000, -1, "bright"},
+      {0, 10, 20, 1000, 1, "dark"},
+      {0, 10, 20, 2000, 0, "neither"},
+      {0, 10, 20, 2500, 0, "exactly the high threshold"},
+      {0, 10, 20, 1500, 0, "exactly the low threshold"},
+      {0, 10, 28, 3000, 0, "image quality at its threshold"},
+      {0, 10, 27, 3000, -1, "image quality below it"},
+      {8, 2, 20, 3000, 0, "false rejects at their threshold"},
+      {7, 3, 20, 3000, -1, "false rejects above it"},
+      {0, 9, 20, 3000, 0, "sample not full"},
+  };
+  for (const auto& test : kCases) {
+    Calibrated(60.0F, 300.0F);
+    Feed(test.good, true, test.iq, test.rawmean_delta);
+    Feed(test.bad, false, test.iq, test.rawmean_delta);
+    EXPECT_EQ(test.step, controller_->GetStep()) << test.why;
+  }
+  Calibrated(60.0F, 300.0F);
+  auto unmatched = std::make_shared<AuthEventG7>();
+  for (int i = 0; i < 20; ++i) {
+    controller_->FeedAuthAttempt(unmatched);
+  }
+  EXPECT_EQ(0, controller_->GetStep()) << "no match was attempted";
+}
+
+TEST_F(DynamicExposureTest, CrossedThresholdsGoUp) {
+  Set("high_raw_mean_threshold", "1000");
+  Set("low_raw_mean_threshold", "4000");
+  Calibrated(60.0F, 300.0F);
+  Feed(10, false, 20, 3000);
+  EXPECT_EQ(1, controller_->GetStep());
+  Calibrated(60.0F, 300.0F);
+  Feed(10, false, 20, 4000);
+  EXPECT_EQ(-1, controller_->GetStep());
+}
+
+TEST_F(DynamicExposureTest, NeedsCalibrationAndCallback) {
+  controller_.emplace();
+  controller_->AdjustExposure(StepAdjustment::kUp);
+  controller_->UpdateCaliExpo(20.0F, 0.0F);
+  controller_->AdjustExposure(StepAdjustment::kUp);
+  controller_->UpdateCaliExpo(20.0F, 50.0F);
+  controller_->AdjustExposure(StepAdjustment::kUp);
+  EXPECT_EQ((std::vector{
+                Error("DynamicExposure", "[AdjustExposure] cali_expo is not initialized"),
+                Info("DynamicExposure", "UpdateCaliExpo: cali_expo:20.000, cali_expo_base:0.000"),
+                Error("DynamicExposure", "[AdjustExposure] cali_expo is not initialized"),
+                Info("DynamicExposure", "UpdateCaliExpo: cali_expo:20.000, cali_expo_base:50.000"),
+                Error("DynamicExposure", "[AdjustExposure] expo changed cb is not registered")}),
+            TakeLog());
+  EXPECT_EQ(0, controller_->GetStep());
+}
+
+TEST_F(DynamicExposureTest, NewCalibrationRecalculatesOnlyAfterSteps) {
+  DynamicExposure& controller = Calibrated(20.0F, 50.0F);
+  controller.UpdateCaliExpo(30.0F, 50.0F);
+  EXPECT_TRUE(changes_.empty());
+  Feed(10, false, 20, 3000);
+  changes_.clear();
+  Feed(3, false, 20, 3000);
+  TakeLog();
+  controller.UpdateCaliExpo(12.0F, 50.0F);
+  EXPECT_EQ((std::vector{
+                Info("DynamicExposure", "UpdateCaliExpo: cali_expo:12.000, cali_expo_base:50.000"),
+                Info("DynamicExposure", "UpdateCaliExpo: recalculate new exposure time"),
+                Info("DynamicExposure", "[AdjustExposure] adjustment step:-1, unit:16.667"),
+                Info("DynamicExposure", "[AdjustExposure] cali expo:12.000, base:50.000"),
+                Info("DynamicExposure", "[AdjustExposure] adjust to expo:8.000, base:33.333")}),
+            TakeLog())
+      << "below the lower bound, and applied";
+  EXPECT_EQ(1u, changes_.size());
+  EXPECT_EQ(0u, Sample().find("  Stats of last 0 attempts:\n"));
+}
+
+// What a tuning engineer may set by mistake. 0 and the largest value are accepted, without
+// undefined behaviour; what is not a number in 32 bits gives the default.
+TEST_F(DynamicExposureTest, OddSettings) {
+  Set("number_of_attempts", "0");
+  Set("expo_change_unit_denominator", "0");
+  Set("frr_threshold", "4294967295");
+  Set("image_quality_threshold", "4294967296");
+  Set("high_raw_mean_threshold", "-1");
+  Set("low_raw_mean_threshold", "15k");
+  Set("upper_bound_us", "0x1F");
+  Set("lower_bound_us", "");
+  Calibrated(20.0F, 50.0F);
+  Feed(20, false, 0, 9000);
+  EXPECT_EQ(
+      "DynamicExposureSupported:1\n"
+      "DynamicExposure:\n"
+      "  kNumberOfAttempts: 0\n"
+      "  kExpoChangeUnitDenominator: 0\n"
+      "  kFrrThreshold: -1\n"
+      "  kIqThreshold: 28\n"
+      "  kHighRawMeanThreshold: 2500\n"
+      "  kLowRawMeanThreshold: 1500\n"
+      "  kExpoUpperBoundUs: 31\n"
+      "  kExpoLowerBoundUs: 10000\n"
+      "  Stats of last 0 attempts:\n"
+      "    FRR: 0.00%\n"
+      "    Avg IQ: 0.00\n"
+      "    Avg raw mean: 0.00\n"
+      "  \n",
+      DumpText([this](int fd) { controller_->Dump(fd); }));
+  TakeLog();
+  controller_->AdjustExposure(StepAdjustment::kUp);
+  EXPECT_EQ((std::vector{Error("DynamicExposure",
+                               "[AdjustExposure] target expo(inf) > upper bound(0.031), skip")}),
+            TakeLog());
+  controller_->AdjustExposure(StepAdjustment::kNone);
+  ASSERT_EQ(1u, changes_.size());
+  EXPECT_TRUE(std::isnan(changes_[0].expo));
+}
+
+TEST_F(DynamicExposureTest, SettingsAreReadOnce) {
+  Calibrated(20.0F, 50.0F);
+  Set("number_of_attempts", "1");
+  base::SetProperty(kSupported, "false");
+  Feed(1, false, 20, 3000);
+  EXPECT_EQ(0, controller_->GetStep());
+  EXPECT_TRUE(IsDynamicExposureSupported());
+  EXPECT_EQ(&DynamicExposure::GetInstance(), &DynamicExposure::GetInstance());
+}
+
+TEST(UnsupportedDynamicExposure, DumpsOneLineAndTakesNothing) {
+  EXPECT_FALSE(IsDynamicExposureSupported());
+  DynamicExposure& controller = DynamicExposure::GetInstance();
+  EXPECT_EQ("DynamicExposureSupported:0\n", DumpText([&](int fd) { controller.Dump(fd); }));
+  controller.FeedAuthAttempt(std::make_shared<AuthEventG7>());
+}
+
+}  // namespace
+}  // namespace android::fp_utils

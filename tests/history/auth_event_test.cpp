@@ -1,0 +1,239 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "fp_utils/auth_event.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <limits>
+
+#include "support/log_recorder.h"
+
+namespace android::fp_utils {
+namespace {
+
+using fp_test::Error;
+using fp_test::TakeLog;
+
+constexpr char kBaseSignature[] =
+    "virtual bool android::fp_utils::AuthEvent::LoadFromBackupString(std::string &)";
+constexpr char kG7Signature[] =
+    "virtual bool android::fp_utils::AuthEventG7::LoadFromBackupString(std::string &)";
+
+// 2026-03-04 05:06:07 in UTC.
+constexpr time_t kTime = 1772600767;
+
+class AuthEventTest : public ::testing::Test {
+ protected:
+  AuthEventTest() { setenv("TZ", "UTC", 1); }
+
+  static AuthEventG7 Matched() {
+    AuthEventG7 event;
+    event.timestamp = kTime;
+    event.acquired_info = 1;
+    event.fid = 3;
+    event.latency = 250;
+    event.iq = 80;
+    event.t_cov = 87.5F;
+    event.t_dist = 1.25F;
+    event.lptw = 4000000000;
+    event.rawmean_delta = 2000;
+    event.match_score = -5;
+    event.stitch_img_num_ = {1, 2, 3, 4, 5};
+    event.stitch_img_area_ = {-1, 20, 30, 40, 50};
+    return event;
+  }
+};
+
+TEST_F(AuthEventTest, StartsEmptyAtTheCurrentTime) {
+  const time_t before = time(nullptr);
+  const AuthEventG7 event;
+  EXPECT_LE(before, event.timestamp);
+  EXPECT_GE(time(nullptr), event.timestamp);
+  EXPECT_EQ(event.GetLocalTime() + " acquisition_error:UNKNOWN, rc:0, lptw:0",
+            event.ToDebugString());
+}
+
+TEST_F(AuthEventTest, LocalTimeFollowsTheProcessZone) {
+  AuthEvent event;
+  event.timestamp = kTime;
+  EXPECT_EQ("2026-03-04 05:06:07", event.GetLocalTime());
+  setenv("TZ", "XYZ-05:30", 1);
+  EXPECT_EQ("2026-03-04 10:36:07", event.GetLocalTime());
+  event.timestamp = -1;
+  EXPECT_EQ("1970-01-01 05:29:59", event.GetLocalTime());
+  event.timestamp = std::numeric_limits<time_t>::max();
+  EXPECT_EQ("9223372036854775807", event.GetLocalTime()) << "beyond the calendar";
+}
+
+TEST_F(AuthEventTest, DebugTextNamesTheOutcome) {
+  const struct {
+    int8_t acquired_info;
+    const char* text;
+  } kCases[] = {
+      {0, "acquisition_error:UNKNOWN"},
+      {1, "auth_successful:1, fid:3, latency:250, iq:80"},
+      {2, "acquisition_error:PARTIAL"},
+      {3, "acquisition_error:INSUFFICIENT"},
+      {4, "acquisition_error:SENSOR_DIRTY"},
+      {5, "acquisition_error:TOO_SLOW"},
+      {6, "acquisition_error:TOO_FAST"},
+      {7, "acquisition_error:VENDOR"},
+      {8, "acquisition_error:START"},
+      {9, "acquisition_error:TOO_DARK"},
+      {10, "acquisition_error:TOO_BRIGHT"},
+      {11, "acquisition_error:IMMOBILE"},
+      {12, "acquisition_error:RETRYING_CAPTURE"},
+      {13, "acquisition_error:LIFT_TOO_SOON"},
+      {14, "acquisition_error:POWER_PRESS"},
+      {15, "acquisition_error:15"},
+      {20, "acquisition_error:20"},
+      {-1, "acquisition_error:-1"},
+      {-128, "acquisition_error:-128"},
+  };
+  for (const auto& test : kCases) {
+    AuthEventG7 event = Matched();
+    event.acquired_info = test.acquired_info;
+    event.auth_successful = true;
+    EXPECT_EQ(std::string("2026-03-04 05:06:07 ") + test.text, event.AuthEvent::ToDebugString());
+  }
+}
+
+TEST_F(AuthEventTest, G7DebugTextAddsWhatTheOutcomeCallsFor) {
+  AuthEventG7 event = Matched();
+  const std::string base = event.AuthEvent::ToDebugString();
+  EXPECT_EQ(base +
+                ", rc:0, lptw:4000000000, t_cov:88%, t_dist:1.2mm, rawmean_delta:2000, "
+                "match_score:-5, stitch_img_num_:1_2_3_4_5, stitch_img_area_:-1_20_30_40_50",
+            event.ToDebugString());
+  event.rc = 1013;
+  EXPECT_EQ(base +
+                ", rc:1013, lptw:4000000000, t_cov:88%, t_dist:1.2mm, rawmean_delta:2000, "
+                "match_score:-5, reason:Image Partial",
+            event.ToDebugString());
+  event.acquired_info = 2;
+  EXPECT_EQ(
+      "2026-03-04 05:06:07 acquisition_error:PARTIAL, rc:1013, lptw:4000000000, t_cov:88%, "
+      "t_dist:1.2mm",
+      event.ToDebugString());
+  event.acquired_info = 3;
+  EXPECT_EQ("2026-03-04 05:06:07 acquisition_error:INSUFFICIENT, rc:1013, lptw:4000000000",
+            event.ToDebugString());
+}
+
+TEST_F(AuthEventTest, DebugTextIsCutAtItsBuffer) {
+  AuthEvent event;
+  event.timestamp = std::numeric_limits<int32_t>::max() * 30000000LL;  // a year of nine digits
+  event.acquired_info = 1;
+  event.fid = event.latency = event.iq = std::numeric_limits<int32_t>::min();
+  EXPECT_GE(127u, event.ToDebugString().size());
+}
+
+TEST_F(AuthEventTest, FailureReasons) {
+  constexpr int32_t kGood1 = 225220215;
+  constexpr int32_t kGood2 = 83205205;
+  const struct {
+    uint32_t rc;
+    int32_t rawmean_delta, metric_1, metric_2, metric_3, foreign_matter;
+    const char* reason;
+    const char* why;
+  } kCases[] = {
+      {1164, 0, 0, 0, 0, 0, "Too Dark", "by code"},
+      {0, -1001, 0, 0, 0, 0, "Too Dark", "by raw mean"},
+      {1013, -1001, 0, 0, 0, 0, "Too Dark", "raw mean before code"},
+      {1013, -1000, 0, 0, 0, 0, "Image Partial", "raw mean just bright enough"},
+      {1014, 0, 0, 0, 0, 0, "Low quality", ""},
+      {1137, 0, 0, 0, 0, 0, "Spoof", ""},
+      {1138, 0, 0, 0, 0, 0, "Residual", ""},
+      {1513, 0, 0, 0, 0, 0, "Too bright", ""},
+      {1, 0, kGood1, kGood2, 119000000, 0, "Partial off target", "all at their limits"},
+      {1, 0, kGood1, kGood2, 119999999, 0, "Partial off target", "only the A part counts"},
+      {1, 0, kGood1, kGood2, 120000000, 0, "Unknown", ""},
+      {1, 0, kGood1, kGood2, -1000000, 0, "Unknown", "a negative part is a large one"},
+      {1, 0, kGood1, kGood2, 0, 1, "Foreign matter", ""},
+      {1, 0, kGood1, kGood2, 0, -1, "Partial off target", "the count is signed"},
+      {1, 0, 224220215, kGood2, 0, 0, "Off target", "A1"},
+      {1, 0, 225219215, kGood2, 0, 0, "Off target", "B1"},
+      {1, 0, 225220214, kGood2, 0, 0, "Off target", "C1"},
+      {1, 0, kGood1, 82205205, 0, 1, "Off target", "A2, before foreign matter"},
+      {1, 0, kGood1, 83204205, 0, 0, "Off target", "B2"},
+      {1, 0, kGood1, 83205204, 0, 0, "Off target", "C2"},
+      {0, 0, 0, 0, 0, 0, "Off target", "a success has a reason too"},
+      {1, 0, -225220215, -83205205, 0, 0, "Partial off target", "negative parts pass"},
+      {1, 0, -225220215, -83000205, 0, 0, "Off target", "a zero part does not"},
+  };
+  for (const auto& test : kCases) {
+    AuthEventG7 event;
+    event.rc = test.rc;
+    event.rawmean_delta = test.rawmean_delta;
+    event.packed_metric_1 = test.metric_1;
+    event.packed_metric_2 = test.metric_2;
+    event.packed_metric_3 = test.metric_3;
+    event.foreign_matter_count = test.foreign_matter;
+    EXPECT_EQ(std::string("reason:") + test.reason, event.GetAuthFailureReason())
+        << test.rc << ' ' << test.why;
+  }
+}
+
+TEST_F(AuthEventTest, BackupTextsOfKnownRecords) {
+  AuthEventG7 event = Matched();
+  event.acquired_info = -1;
+  event.auth_successful = true;
+  event.rc = 0xABCDEF01;
+  event.extra_metric = -2;
+  EXPECT_EQ("0x69a7bdbf,0xffffffff,0x1,0x3,0xfa,0x50", event.AuthEvent::ToBackupString());
+  EXPECT_EQ(
+      "0x69a7bdbf,0xffffffff,0x1,0x3,0xfa,0x50,87.50,1.25,4000000000,0xabcdef01,0x7d0,0x0,"
+      "0x0,0x0,0xfffffffe,0x0,0xfffffffb,0x1,0x2,0x3,0x4,0x5,0xffffffff,0x14,0x1e,0x28,0x32",
+      event.ToBackupString());
+  event.timestamp = -2;
+  EXPECT_EQ(0u, event.ToBackupString().find("0xfffffffffffffffe,"));
+}
+
+TEST_F(AuthEventTest, LoadTakesItsPartOutOfTheText) {
+  std::string text = "0x10,0xff,0x2,0x3,0x4,0x5,the rest";
+  AuthEvent event;
+  EXPECT_TRUE(event.LoadFromBackupString(text));
+  EXPECT_EQ(",the rest", text);
+  EXPECT_EQ(16, event.timestamp);
+  EXPECT_EQ(-1, event.acquired_info) << "the low eight bits, signed";
+  EXPECT_TRUE(event.auth_successful) << "any value but 0";
+
+  text = "0x 11,0x1,0x1,0x3,0x4,0x5,0x10,0x1,0x1,0x3,0x4,0x5!";
+  EXPECT_TRUE(event.LoadFromBackupString(text)) << "the scan takes blanks";
+  EXPECT_EQ(17, event.timestamp);
+  EXPECT_EQ("0x 11,,0x1,0x1,0x3,0x4,0x5!", text) << "the pattern does not, and matches further on";
+}
+
+TEST_F(AuthEventTest, FailedLoadsLogAndKeepWhatWasReadable) {
+  AuthEventG7 event = Matched();
+  std::string text = "0x10,0x2,0x1,0x7,0x8";
+  errno = 0;
+  EXPECT_FALSE(event.LoadFromBackupString(text));
+  EXPECT_EQ("0x10,0x2,0x1,0x7,0x8", text);
+  EXPECT_EQ(kTime, event.timestamp);
+  EXPECT_EQ(1, event.acquired_info);
+  EXPECT_EQ(7, event.fid) << "scanned straight into the record";
+  EXPECT_EQ(8, event.latency);
+  EXPECT_EQ(80, event.iq);
+  EXPECT_EQ((std::vector{
+                Error("AuthEvent", "[" + std::string(kBaseSignature) +
+                                       "] failed to parse str:'0x10,0x2,0x1,0x7,0x8' with error 0"),
+                Error("AuthEventG7", "[" + std::string(kG7Signature) +
+                                         "] AuthEvent failed to load '0x10,0x2,0x1,0x7,0x8'")}),
+            TakeLog());
+
+  text = "0x10,0x2,0x1,0x7,0x8,0x9,1.50,2.50,7,0x";
+  errno = 0;
+  EXPECT_FALSE(event.LoadFromBackupString(text));
+  EXPECT_EQ(",1.50,2.50,7,0x", text);
+  EXPECT_EQ(1.5F, event.t_cov);
+  EXPECT_EQ(7u, event.lptw);
+  EXPECT_EQ(2000, event.rawmean_delta);
+  EXPECT_EQ((std::vector{
+                Error("AuthEventG7", "[" + std::string(kG7Signature) +
+                                         "] failed to parse str:',1.50,2.50,7,0x' with error 0")}),
+            TakeLog());
+}
+
+}  // namespace
+}  // namespace android::fp_utils

@@ -1,0 +1,264 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "fp_utils/auth_stats.h"
+
+#include <memory>
+#include <string>
+
+#include "support/device_test.h"
+
+namespace android::fp_utils {
+namespace {
+
+using fp_test::DumpText;
+using fp_test::Error;
+using fp_test::TakeLog;
+
+constexpr char kFile[] = "/data/vendor/fingerprint/AuthStats.0";
+
+std::shared_ptr<AuthEventG7> Attempt(bool successful, int32_t iq = 0, int32_t rawmean_delta = 0) {
+  auto event = std::make_shared<AuthEventG7>();
+  event->acquired_info = 1;
+  event->auth_successful = successful;
+  event->iq = iq;
+  event->rawmean_delta = rawmean_delta;
+  return event;
+}
+
+std::shared_ptr<AuthEventG7> Unmatched() {
+  auto event = Attempt(false, 1000, 1000);
+  event->acquired_info = 3;
+  return event;
+}
+
+class AuthStatsTest : public fp_test::DeviceTest {
+ protected:
+  // A history that has found its file missing.
+  static std::unique_ptr<AuthStatsG7> Fresh(uint32_t capacity = AuthStats::kUnbounded) {
+    auto stats = std::make_unique<AuthStatsG7>("0", capacity, true);
+    stats->Init();
+    TakeLog();
+    return stats;
+  }
+
+  // Whether the next add writes the file.
+  template <typename Add>
+  static bool Saves(Add add) {
+    Remove(kFile);
+    add();
+    return Exists(kFile);
+  }
+};
+
+TEST_F(AuthStatsTest, KeepsTheNewestAndTheirAverages) {
+  AuthStatsG7 stats("0", 3, false);
+  stats.Init();
+  for (int32_t i = 1; i <= 4; ++i) {
+    stats.AddAttempt(Attempt(i != 4, 10 * i, 100 * i));
+  }
+  ASSERT_EQ(3u, stats.GetAttempts().size());
+  EXPECT_EQ(20, stats.GetAttempts().front()->iq);
+  EXPECT_EQ(40, stats.GetAttempts().back()->iq);
+  EXPECT_EQ(
+      "total_attempts:3, auth_attempts:3, auth_rejects:1, frr:33.33%, avg_iq:30.00, "
+      "avg_rawmean_delta:300.00",
+      stats.ToDebugString());
+  stats.AddAttempt(Unmatched());
+  stats.AddAttempt(Unmatched());
+  EXPECT_EQ(
+      "total_attempts:3, auth_attempts:1, auth_rejects:1, frr:100.00%, avg_iq:40.00, "
+      "avg_rawmean_delta:400.00",
+      stats.ToDebugString());
+  stats.AddAttempt(Unmatched());
+  EXPECT_EQ(
+      "total_attempts:3, auth_attempts:0, auth_rejects:0, frr:0.00%, avg_iq:0.00, "
+      "avg_rawmean_delta:0.00",
+      stats.ToDebugString());
+}
+
+// The averages are the incremental single-precision ones, drift included: bit for bit.
+TEST_F(AuthStatsTest, AveragesAreIncrementalInSinglePrecision) {
+  AuthStatsG7 stats("0", 7, false);
+  stats.Init();
+  std::deque<int32_t> held;
+  volatile float avg = 0;
+  for (int32_t i = 0; i < 1000; ++i) {
+    const int32_t value = (i * 7919 + 13) % 16777259;
+    if (held.size() == 7) {
+      avg = avg * 7.0F;
+      avg = avg - static_cast<float>(held.front());
+      avg = avg / 6.0F;
+      held.pop_front();
+    }
+    const auto n = static_cast<float>(held.size());
+    avg = avg * n;
+    avg = avg + static_cast<float>(value);
+    avg = avg / (n + 1);
+    held.push_back(value);
+    stats.AddAttempt(Attempt(true, value, value));
+    ASSERT_EQ(avg, stats.GetAvgIq()) << i;
+    ASSERT_EQ(avg, stats.GetAvgRawmeanDelta()) << i;
+  }
+}
+
+TEST_F(AuthStatsTest, CapacityEdges) {
+  AuthStatsG7 none("0", 0, true);
+  none.Init();
+  none.AddAttempt(Attempt(true));
+  EXPECT_EQ(0u, none.GetTotalAttempts());
+  EXPECT_EQ("", ReadFile(kFile)) << "the empty history is saved as an empty file";
+
+  AuthStats unbounded("1", 0xFFFFFFFF, false);
+  for (int i = 0; i < 1000; ++i) {
+    unbounded.AddAttempt(Attempt(true));
+  }
+  EXPECT_EQ(1000u, unbounded.GetTotalAttempts());
+
+  EXPECT_EQ(nullptr, none.PopAttempt());
+  TakeLog();
+  none.AddAttempt(nullptr);
+  EXPECT_EQ(1u, TakeLog().size());
+}
+
+// A history that was loaded over its capacity does not exist: loading goes through adds. One that
+// got there by pushes shrinks by one for each add, so it stays as long.
+TEST_F(AuthStatsTest, DropsOneRecordPerAdd) {
+  AuthStats stats("0", 2, false);
+  for (int i = 0; i < 5; ++i) {
+    stats.PushAttempt(Attempt(true, i));
+  }
+  stats.AddAttempt(Attempt(true, 5));
+  EXPECT_EQ(5u, stats.GetTotalAttempts());
+  EXPECT_EQ(1, stats.GetAttempts().front()->iq);
+}
+
+TEST_F(AuthStatsTest, SavesSuccessesAndRejectsFromTheFifthInARow) {
+  auto stats = Fresh();
+  auto other = std::make_unique<AuthStatsG7>("other", 10, true);
+  other->Init();
+  const auto reject = [&stats] { stats->AddAttempt(Attempt(false)); };
+  const auto succeed = [&stats] { stats->AddAttempt(Attempt(true)); };
+  for (int i = 1; i <= 3; ++i) {
+    EXPECT_FALSE(Saves(reject)) << i;
+  }
+  EXPECT_FALSE(Saves([&] { stats->AddAttempt(Unmatched()); })) << "never saves, never counts";
+  other->AddAttempt(Attempt(false));
+  EXPECT_TRUE(Saves(reject)) << "the row is counted over all histories";
+  EXPECT_TRUE(Saves(reject));
+  EXPECT_FALSE(Saves([&] { stats->AddAttempt(Unmatched()); }));
+  EXPECT_TRUE(Saves(succeed));
+  EXPECT_FALSE(Saves(reject)) << "a success ends the row";
+
+  // Histories without a file leave the row alone.
+  AuthStats memory_only("0", 10, false);
+  memory_only.Init();
+  memory_only.AddAttempt(Attempt(true));
+  for (int i = 2; i <= 4; ++i) {
+    EXPECT_FALSE(Saves(reject)) << i;
+  }
+  EXPECT_TRUE(Saves(reject));
+}
+
+TEST_F(AuthStatsTest, IsFoundAgainAtTheNextStart) {
+  auto stats = Fresh();
+  for (int32_t i = 0; i < 4; ++i) {
+    auto event = Attempt(i % 2 == 0, i, i);
+    event->t_cov = 12.345F;
+    stats->AddAttempt(event);
+  }
+  stats->AddAttempt(Attempt(true, 4, 4));
+  const std::string saved = ReadFile(kFile);
+  const std::string first = stats->GetAttempts().front()->ToBackupString();
+  EXPECT_EQ(0u, saved.find("0x")) << "no header before the first frame";
+  EXPECT_NE(std::string::npos, saved.find("," + first + "0x")) << "no separator between frames";
+
+  AuthStatsG7 again("0", 3, true);
+  again.Init();
+  EXPECT_TRUE(TakeLog().empty());
+  EXPECT_EQ(3u, again.GetTotalAttempts()) << "the capacity holds for loading";
+  EXPECT_EQ(3.0F, again.GetAvgIq());
+  EXPECT_EQ(1u, again.GetAuthRejects());
+  EXPECT_EQ(saved, ReadFile(kFile)) << "loading does not save";
+
+  AuthStats base("0", 10, true);
+  base.Init();
+  EXPECT_EQ(5u, base.GetTotalAttempts()) << "the base records are the front of the G7 ones";
+}
+
+TEST_F(AuthStatsTest, ResetForgetsRecordsAndFile) {
+  auto stats = Fresh();
+  stats->AddAttempt(Attempt(true, 10, 10));
+  stats->Reset();
+  EXPECT_EQ(
+      "total_attempts:0, auth_attempts:0, auth_rejects:0, frr:0.00%, avg_iq:0.00, "
+      "avg_rawmean_delta:0.00",
+      stats->ToDebugString());
+  EXPECT_TRUE(stats->IsInitialized());
+  EXPECT_TRUE(stats->GetBackupPath().empty());
+  EXPECT_FALSE(Saves([&] { stats->AddAttempt(Attempt(true)); }));
+  stats->Init();
+  EXPECT_TRUE(Saves([&] { stats->AddAttempt(Attempt(true)); })) << "until Init runs again";
+}
+
+TEST_F(AuthStatsTest, InitCreatesTheDirectoryAndLogsWhatFails) {
+  const std::string open_failed =
+      "[LoadAttemptsFromBackupFile] Failed to open \"" + std::string(kFile) + "\" with error ";
+  Remove("/data/vendor/fingerprint");
+  AuthStats stats("0", 10, true);
+  EXPECT_EQ("", stats.GetBackupPath());
+  stats.Init();
+  EXPECT_EQ(kFile, stats.GetBackupPath());
+  EXPECT_EQ(0600u, ModeOf("/data/vendor/fingerprint"));
+  EXPECT_EQ((std::vector{Error("AuthStats", open_failed + "2.")}), TakeLog());
+
+  fp_host::SetFault({.function = "mkdir", .error = EROFS});
+  fp_host::SetFault({.function = "fopen", .calls = 2, .error = EACCES});
+  stats.Init();
+  stats.AddAttempt(Attempt(true));
+  EXPECT_EQ((std::vector{
+                Error("AuthStats",
+                      "[Init] Failed to create directory \"/data/vendor/fingerprint/\" with error "
+                      "30."),
+                Error("AuthStats", open_failed + "13."),
+                Error("AuthStats", "[SaveAttemptsToBackupFile] Failed to open \"" +
+                                       std::string(kFile) + "\" with error 13.")}),
+            TakeLog());
+  EXPECT_EQ(1u, stats.GetTotalAttempts());
+
+  AuthStats memory_only("2", 10, false);
+  memory_only.Init();
+  EXPECT_TRUE(TakeLog().empty());
+  EXPECT_TRUE(memory_only.IsInitialized());
+}
+
+TEST_F(AuthStatsTest, G7RefusesOtherRecords) {
+  auto stats = Fresh();
+  stats->AddAttempt(std::make_shared<AuthEvent>());
+  EXPECT_EQ(0u, stats->GetTotalAttempts());
+  EXPECT_EQ((std::vector{Error("AuthStatsG7",
+                               "[0][virtual void android::fp_utils::AuthStatsG7::AddAttempt("
+                               "std::shared_ptr<AuthEvent>)] AuthEvent is not allowed!")}),
+            TakeLog());
+}
+
+TEST_F(AuthStatsTest, DumpPrintsStatisticsAndRecords) {
+  AuthStats stats("0", 1000, false);
+  const auto dump = [&stats](int fd) { stats.Dump(fd, nullptr, 0); };
+  const std::string empty =
+      "Auth Stats:\n"
+      "  total_attempts:0, auth_attempts:0, auth_rejects:0, frr:0.00%, avg_iq:0.00\n";
+  EXPECT_EQ(empty, DumpText(dump));
+  std::string expected =
+      "Auth Stats:\n"
+      "  total_attempts:2, auth_attempts:1, auth_rejects:1, frr:100.00%, avg_iq:7.00\n"
+      "Auth Events:\n";
+  const auto matched = Attempt(false, 7);
+  const auto unmatched = std::make_shared<AuthEvent>();
+  stats.AddAttempt(matched);
+  stats.AddAttempt(unmatched);
+  expected += "  #000 " + matched->ToDebugString() + "\n";
+  expected += "  #001 " + unmatched->ToDebugString() + "\n";
+  EXPECT_EQ(expected, DumpText(dump));
+}
+
+}  // namespace
+}  // namespace android::fp_utils

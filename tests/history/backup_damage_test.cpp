@@ -1,0 +1,241 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Damaged backup files of every kind of history: no crash, no hang, no wrong record, what stands
+// before the damage is kept, the log tells at most once, and the history goes on and saves.
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <filesystem>
+#include <random>
+
+#include "fp_utils/crc32.h"
+#include "support/device_test.h"
+#include "support/history_kinds.h"
+
+namespace android::fp_utils {
+namespace {
+
+using fp_test::HistoryKind;
+using fp_test::LogLine;
+using fp_test::Share;
+using fp_test::TakeLog;
+using Texts = std::vector<std::string>;
+
+std::string Frame(const std::string& text, uint64_t length) {
+  char header[64];
+  snprintf(header, sizeof header, "0x%x,0x%lx,", crc32(text.data(), text.size()), length);
+  return header + text;
+}
+std::string Frame(const std::string& text) { return Frame(text, text.size()); }
+
+class BackupDamage : public fp_test::DeviceTest, public ::testing::WithParamInterface<HistoryKind> {
+ protected:
+  BackupDamage() {
+    auto history = GetParam().start();
+    for (int number = 1; number <= GetParam().full_size; ++number) {
+      history->AddAndSave(number);
+    }
+    texts_ = history->RecordTexts();
+    content_ = ReadFile(GetParam().path);
+    for (size_t end = 0; const std::string& text : texts_) {
+      end += Frame(text).size();
+      frame_ends_.push_back(end);
+    }
+    TakeLog();
+  }
+
+  static Texts Load(const std::string& content) {
+    WriteFile(GetParam().path, content);
+    return GetParam().start()->RecordTexts();
+  }
+
+  // The file, damaged from `first_damaged` on, loads the records before it and no wrong one.
+  void ExpectSoundPrefix(const std::string& content, size_t first_damaged) {
+    const Texts loaded = Load(content);
+    const size_t intact = static_cast<size_t>(
+        std::upper_bound(frame_ends_.begin(), frame_ends_.end(), first_damaged) -
+        frame_ends_.begin());
+    ASSERT_GE(loaded.size(), intact);
+    ASSERT_LE(loaded.size(), texts_.size());
+    ASSERT_TRUE(std::equal(loaded.begin(), loaded.end(), texts_.begin()));
+    ASSERT_LE(TakeLog().size(), 1u);
+    ++cases_;
+    kept_ += loaded.size();
+  }
+
+  void Report(const char* damage) {
+    const auto average = static_cast<double>(kept_) / static_cast<double>(cases_);
+    printf("%s, %s: %zu cases, on average %.1f of %zu records kept\n", GetParam().name, damage,
+           cases_, average, texts_.size());
+    RecordProperty("cases", static_cast<int>(cases_));
+  }
+
+  Texts texts_;
+  std::string content_;
+  std::vector<size_t> frame_ends_;
+  size_t cases_ = 0;
+  size_t kept_ = 0;
+};
+
+TEST_P(BackupDamage, EveryTruncation) {
+  for (size_t length = 0; length <= content_.size(); ++length) {
+    ASSERT_NO_FATAL_FAILURE(ExpectSoundPrefix(content_.substr(0, length), length)) << length;
+  }
+  Report("truncations");
+}
+
+TEST_P(BackupDamage, EverySingleBit) {
+  const size_t step = static_cast<size_t>(std::max(1, 1000 / std::max(1, Share(1000))));
+  for (size_t bit = 0; bit < content_.size() * 8; bit += step) {
+    std::string damaged = content_;
+    damaged[bit / 8] = static_cast<char>(damaged[bit / 8] ^ 1 << bit % 8);
+    ASSERT_NO_FATAL_FAILURE(ExpectSoundPrefix(damaged, bit / 8)) << bit;
+  }
+  Report("bit flips");
+}
+
+TEST_P(BackupDamage, RandomBursts) {
+  std::mt19937 random(3);
+  for (int i = 0; i < Share(100000); ++i) {
+    std::string damaged = content_;
+    const size_t at = random() % damaged.size();
+    const size_t length = std::min<size_t>(1 + random() % 64, damaged.size() - at);
+    for (size_t k = at; k < at + length; ++k) {
+      damaged[k] = static_cast<char>(random());
+    }
+    ASSERT_NO_FATAL_FAILURE(ExpectSoundPrefix(damaged, at)) << i;
+  }
+  Report("bursts");
+}
+
+TEST_P(BackupDamage, OddLengths) {
+  const std::string first = Frame(texts_[0]);
+  const std::string long_text(1024, 'x');
+  std::string ends_in_zero = long_text;
+  ends_in_zero.back() = '\0';
+  const struct {
+    const char* why;
+    std::string frame;
+    const char* log;  // part of the one line, or null for none
+    bool goes_on;     // with the frame behind it
+  } kCases[] = {
+      {"empty text: its CRC holds, the record does not parse", Frame(""), "failed to parse", true},
+      {"1023 bytes", Frame(long_text.substr(1)), "failed to parse", true},
+      {"1024 bytes: the buffer's end mark is in the CRC", Frame(long_text), "Crc checksum", false},
+      {"1024 bytes that end in the mark", Frame(ends_in_zero), "failed to parse", true},
+      {"1025 bytes", Frame(long_text + "x"), "1025 bytes is too long", false},
+      {"4 GiB", Frame("x", 1UL << 32), "4294967296 bytes is too long", false},
+      {"all ones", Frame("x", ~0UL), "18446744073709551615 bytes is too long", false},
+      {"more digits than a length has", "0x1,0x11111111111111111,x", "is too long", false},
+      {"a negative length", "0x1,0x-1,x", "is too long", false},
+      {"no header", "hello", nullptr, false},
+      {"half a header", "0x12", nullptr, false},
+      {"no comma behind the length", "0x0,0x0;", nullptr, false},
+  };
+  for (const auto& test : kCases) {
+    const Texts loaded = Load(first + test.frame + Frame(texts_[1]));
+    const std::vector<LogLine> log = TakeLog();
+    EXPECT_EQ(test.goes_on ? 2u : 1u, loaded.size()) << test.why;
+    EXPECT_EQ(texts_[0], loaded[0]) << test.why;
+    size_t about_it = 0;
+    for (const LogLine& line : log) {
+      EXPECT_EQ(ANDROID_LOG_ERROR, line.priority);
+      about_it += test.log != nullptr && line.message.find(test.log) != std::string::npos ? 1 : 0;
+    }
+    EXPECT_EQ(test.log != nullptr ? 1u : 0u, about_it) << test.why;
+  }
+}
+
+TEST_P(BackupDamage, OddFiles) {
+  std::mt19937 random(4);
+  std::string binary(100000, '\0');
+  for (char& byte : binary) {
+    byte = static_cast<char>(random());
+  }
+  for (const std::string& content :
+       {std::string(), std::string("\n"), binary, std::string("hello")}) {
+    EXPECT_TRUE(Load(content).empty());
+    EXPECT_TRUE(TakeLog().empty());
+  }
+  const std::string path = fp_host::HostPath(GetParam().path);
+  Load("");
+  ASSERT_EQ(0, truncate(path.c_str(), 1L << 30));
+  EXPECT_TRUE(GetParam().start()->RecordTexts().empty());
+  EXPECT_TRUE(TakeLog().empty()) << "a gigabyte of zeros is no header";
+
+  Remove(GetParam().path);
+  std::filesystem::create_directory(path);
+  GetParam().start()->AddAndSave(1);
+  EXPECT_EQ(2u, TakeLog().size()) << "a directory can be neither read nor written";
+}
+
+// The n-th call fails, for every n that there is: what was read before it is kept, and the next
+// save writes everything again.
+TEST_P(BackupDamage, FailingSystemCalls) {
+  const struct {
+    const char* function;
+    int error;
+    ssize_t shorten_to;
+    size_t log_lines;
+    bool keeps_all;
+  } kCases[] = {
+      {"fopen", EACCES, -1, 1, false}, {"fopen", EMFILE, -1, 1, false}, {"read", EIO, -1, 1, false},
+      {"read", EINTR, -1, 1, false},   {"read", 0, 1, 0, true},         {"read", 0, 37, 0, true},
+  };
+  WriteFile(GetParam().path, content_);
+  for (const auto& test : kCases) {
+    for (int nth = 1;; ++nth) {
+      fp_host::SetFault({.function = test.function,
+                         .first_call = nth,
+                         .calls = test.shorten_to < 0 ? 1 : fp_host::Fault::kForever,
+                         .error = test.error,
+                         .shorten_to = test.shorten_to});
+      const Texts loaded = GetParam().start()->RecordTexts();
+      const bool reached = fp_host::CountedCalls(test.function) >= nth;
+      fp_host::ClearFaults();
+      const bool whole = !reached || test.keeps_all;
+      EXPECT_LE(TakeLog().size(), whole ? 0 : test.log_lines);
+      EXPECT_EQ(whole ? texts_.size() : std::min(loaded.size(), texts_.size()), loaded.size());
+      EXPECT_TRUE(std::equal(loaded.begin(), loaded.end(), texts_.begin()));
+      if (!reached || nth > 100) {
+        break;
+      }
+    }
+  }
+}
+
+TEST_P(BackupDamage, GoesOnAndSavesAgain) {
+  struct Mishap {
+    const char* why;
+    fp_host::Fault fault;
+  };
+  const Mishap kMishaps[] = {
+      {"no rights", {.function = "fopen", .error = EACCES}},
+      {"no space at all",
+       {.function = "write", .calls = fp_host::Fault::kForever, .error = ENOSPC}},
+      {"no space after a page", {.function = "write", .first_call = 2, .error = ENOSPC}},
+      {"short writes", {.function = "write", .calls = fp_host::Fault::kForever, .shorten_to = 7}},
+  };
+  int number = GetParam().full_size;
+  for (const Mishap& mishap : kMishaps) {
+    WriteFile(GetParam().path, content_);
+    auto history = GetParam().start();
+    fp_host::SetFault(mishap.fault);
+    history->AddAndSave(++number);
+    fp_host::ClearFaults();
+    EXPECT_EQ(texts_.size(), history->RecordTexts().size()) << mishap.why;
+    history->AddAndSave(++number);
+    EXPECT_EQ(history->RecordTexts(), GetParam().start()->RecordTexts()) << mishap.why;
+  }
+  WriteFile(GetParam().path, content_.substr(0, content_.size() / 2) + "damaged");
+  auto history = GetParam().start();
+  history->AddAndSave(++number);
+  EXPECT_EQ(history->RecordTexts(), GetParam().start()->RecordTexts());
+}
+
+INSTANTIATE_TEST_SUITE_P(Files, BackupDamage, ::testing::ValuesIn(fp_test::AllHistoryKinds()),
+                         [](const auto& info) { return std::string(info.param.name); });
+
+}  // namespace
+}  // namespace android::fp_utils

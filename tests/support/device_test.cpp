@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "support/device_test.h"
+
+#include <sys/mman.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+namespace fp_test {
+
+namespace fs = std::filesystem;
+
+DeviceTest::DeviceTest() {
+  std::string pattern = fs::temp_directory_path() / "fp_device.XXXXXX";
+  root_ = mkdtemp(pattern.data());
+  fp_host::SetDeviceRoot(root_);
+  fp_host::BootDevice();
+}
+
+DeviceTest::~DeviceTest() {
+  fp_host::ClearFaults();
+  std::error_code ignored;
+  fs::remove_all(root_, ignored);
+}
+
+bool DeviceTest::Exists(const std::string& path) { return fs::exists(fp_host::HostPath(path)); }
+
+std::string DeviceTest::ReadFile(const std::string& path) {
+  std::ostringstream content;
+  content << std::ifstream(fp_host::HostPath(path), std::ios::binary).rdbuf();
+  return content.str();
+}
+
+void DeviceTest::WriteFile(const std::string& path, const std::string& content) {
+  std::ofstream(fp_host::HostPath(path), std::ios::binary) << content;
+}
+
+void DeviceTest::Remove(const std::string& path) { fs::remove_all(fp_host::HostPath(path)); }
+
+unsigned DeviceTest::ModeOf(const std::string& path) {
+  struct stat status = {};
+  EXPECT_EQ(0, stat(fp_host::HostPath(path).c_str(), &status)) << path;
+  return status.st_mode & 07777;
+}
+
+std::string DumpText(const std::function<void(int fd)>& dump) {
+  const int fd = memfd_create("dump", MFD_CLOEXEC);
+  dump(fd);
+  std::string text(static_cast<size_t>(lseek(fd, 0, SEEK_END)), '\0');
+  EXPECT_EQ(static_cast<ssize_t>(text.size()), pread(fd, text.data(), text.size(), 0));
+  close(fd);
+  return text;
+}
+
+int Share(int full) {
+  const char* share = getenv("FP_TEST_SHARE");
+  return share == nullptr ? full : static_cast<int>(full * atof(share));
+}
+
+}  // namespace fp_test

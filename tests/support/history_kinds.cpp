@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "support/history_kinds.h"
+
+#include "fp_utils/auth_stats.h"
+
+namespace fp_test {
+namespace {
+
+using android::fp_utils::AuthEventG7;
+using android::fp_utils::AuthStatsG7;
+
+constexpr int kFullSize = 50;
+
+template <typename Records>
+std::vector<std::string> TextsOf(const Records& records) {
+  std::vector<std::string> texts;
+  for (const auto& record : records) {
+    texts.push_back(record->ToBackupString());
+  }
+  return texts;
+}
+
+class AuthHistory : public HistoryUnderTest {
+ public:
+  AuthHistory() { stats_.Init(); }
+
+  void AddAndSave(int number) override {
+    auto event = std::make_shared<AuthEventG7>();
+    event->timestamp = 1772600767 + number;
+    event->acquired_info = 1;
+    event->auth_successful = true;
+    event->fid = number;
+    event->latency = 200 + number % 100;
+    event->iq = number % 60;
+    event->t_cov = static_cast<float>(number % 400) / 4;
+    event->t_dist = static_cast<float>(number % 7) / 2;
+    event->rawmean_delta = 1000 - number;
+    event->packed_metric_1 = 225220215 + number;
+    event->stitch_img_num_ = {number, 2, 3, 4, 5};
+    stats_.AddAttempt(event);
+  }
+
+  std::vector<std::string> RecordTexts() const override { return TextsOf(stats_.GetAttempts()); }
+
+ private:
+  AuthStatsG7 stats_{"0", kFullSize, true};
+};
+
+}  // namespace
+
+std::vector<HistoryKind> AllHistoryKinds() {
+  return {
+      {"AuthStats", "/data/vendor/fingerprint/AuthStats.0", kFullSize,
+       [] { return std::make_unique<AuthHistory>(); }},
+  };
+}
+
+}  // namespace fp_test

@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include <android/log.h>
+
+namespace fp_test {
+
+struct LogLine {
+  int priority;
+  std::string tag;
+  std::string message;
+
+  bool operator==(const LogLine&) const = default;
+};
+std::ostream& operator<<(std::ostream& out, const LogLine& line);
+
+inline LogLine Debug(std::string tag, std::string message) {
+  return {ANDROID_LOG_DEBUG, std::move(tag), std::move(message)};
+}
+inline LogLine Info(std::string tag, std::string message) {
+  return {ANDROID_LOG_INFO, std::move(tag), std::move(message)};
+}
+inline LogLine Error(std::string tag, std::string message) {
+  return {ANDROID_LOG_ERROR, std::move(tag), std::move(message)};
+}
+
+// What the library logged since the last call, in order. Test programs define
+// __android_log_print(), so every line ends up here.
+std::vector<LogLine> TakeLog();
+
+// Drops lines instead of recording them, for tests that make millions.
+void MuteLog(bool mute);
+
+}  // namespace fp_test
