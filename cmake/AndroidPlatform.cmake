@@ -6,7 +6,7 @@ find_path(ANDROID_INCLUDE_DIR android-base/properties.h
 add_library(fp_utils_android INTERFACE IMPORTED)
 target_include_directories(fp_utils_android SYSTEM INTERFACE "${ANDROID_INCLUDE_DIR}")
 if(NOT FP_UTILS_OBJECTS_ONLY)
-  foreach(library IN ITEMS log base)
+  foreach(library IN ITEMS base utils cutils log)
     find_library(ANDROID_${library}_LIBRARY ${library}
       PATHS /usr/lib/${CMAKE_LIBRARY_ARCHITECTURE}/android NO_DEFAULT_PATH REQUIRED)
     target_link_libraries(fp_utils_android INTERFACE "${ANDROID_${library}_LIBRARY}")

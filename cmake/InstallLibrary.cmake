@@ -2,7 +2,10 @@
 include(CMakePackageConfigHelpers)
 set(package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/fp_utils")
 
-install(TARGETS fp_utils EXPORT fp_utils-targets LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}")
+install(TARGETS fp_utils fp_host_platform EXPORT fp_utils-targets
+  LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}")
+install(DIRECTORY "${PROJECT_SOURCE_DIR}/platform/host/include/"
+  DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/fp_utils_host")
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/include/fp_utils" DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}")
 install(EXPORT fp_utils-targets NAMESPACE fp_utils:: DESTINATION "${package_dir}")
 
