@@ -14,6 +14,7 @@ inline constexpr char kAuthEvent[] = "AuthEvent";
 inline constexpr char kAuthEventG7[] = "AuthEventG7";
 inline constexpr char kAuthStats[] = "AuthStats";
 inline constexpr char kAuthStatsG7[] = "AuthStatsG7";
+inline constexpr char kCriticalErrors[] = "CriticalErrors";
 inline constexpr char kDynamicExposure[] = "DynamicExposure";
 
 }  // namespace android::fp_utils::log_tag
