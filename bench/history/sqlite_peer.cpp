@@ -13,6 +13,8 @@
 namespace fp_bench {
 namespace {
 
+using android::fp_utils::AuthEventG7;
+
 constexpr int kRecords = 100;
 
 class Database {
@@ -59,11 +61,11 @@ void KeepNewest(benchmark::State& state, const char* journal_mode) {
   Database database(journal_mode);
   int number = 0;
   for (; number < kRecords; ++number) {
-    database.Insert(SampleRecord(number)->ToBackupString());
+    database.Insert(Sample<AuthEventG7>(number)->ToBackupString());
   }
   for (auto _ : state) {
     database.Execute("BEGIN");
-    database.Insert(SampleRecord(number++)->ToBackupString());
+    database.Insert(Sample<AuthEventG7>(number++)->ToBackupString());
     database.DeleteOldest();
     database.Execute("COMMIT");
   }
@@ -73,8 +75,8 @@ BENCHMARK_CAPTURE(KeepNewest, sqlite_wal, "WAL");
 BENCHMARK_CAPTURE(KeepNewest, sqlite_rollback, "DELETE");
 
 const bool kPeers[] = {
-    Peer("sqlite_wal_over_save_100", "KeepNewest/sqlite_wal", "Save/100"),
-    Peer("sqlite_rollback_over_save_100", "KeepNewest/sqlite_rollback", "Save/100"),
+    Peer("sqlite_wal_over_save_100", "KeepNewest/sqlite_wal", "AuthSave/100"),
+    Peer("sqlite_rollback_over_save_100", "KeepNewest/sqlite_rollback", "AuthSave/100"),
 };
 
 }  // namespace

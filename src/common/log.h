@@ -15,6 +15,12 @@ inline constexpr char kAuthEventG7[] = "AuthEventG7";
 inline constexpr char kAuthStats[] = "AuthStats";
 inline constexpr char kAuthStatsG7[] = "AuthStatsG7";
 inline constexpr char kCriticalErrors[] = "CriticalErrors";
+inline constexpr char kDevCdtInfo[] = "DevCdtInfo";
 inline constexpr char kDynamicExposure[] = "DynamicExposure";
+inline constexpr char kEnrollEvent[] = "EnrollEvent";
+inline constexpr char kEnrollEventContainer[] = "EnrollEventContainer";
+inline constexpr char kEnrollEventG7[] = "EnrollEventG7";
+inline constexpr char kFingerSizes[] = "FingerSizes";
+inline constexpr char kFpsInitInfo[] = "FpsInitInfo";
 
 }  // namespace android::fp_utils::log_tag

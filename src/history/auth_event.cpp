@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "fp_utils/auth_event.h"
 
-#include <cerrno>
 #include <cstdio>
 #include <iterator>
 #include <typeinfo>
@@ -74,9 +73,9 @@ bool LoadScanned(AuthEvent& event, std::string& text) {
              &stored.acquired_info, &stored.auth_successful, AsUnsigned(&event.fid),
              AsUnsigned(&event.latency), AsUnsigned(&event.iq));
   if (converted < 6) {
-    FP_LOG_ERROR(log_tag::kAuthEvent, "[%s] failed to parse str:'%s' with error %d",
-                 "virtual bool android::fp_utils::AuthEvent::LoadFromBackupString(std::string &)",
-                 text.c_str(), -errno);
+    LogParseFailure(
+        log_tag::kAuthEvent,
+        "virtual bool android::fp_utils::AuthEvent::LoadFromBackupString(std::string &)", text);
     return false;
   }
   stored.StoreInto(event);
@@ -111,11 +110,11 @@ std::string AuthEvent::ToBackupString() const {
 
 char* WriteAuthEvent(char* out, const AuthEvent& event) {
   out = WriteHex(out, static_cast<uint64_t>(event.timestamp));
-  out = WriteHexField(out, static_cast<uint32_t>(event.acquired_info));  // -1 is 0xffffffff
+  out = WriteHexField(out, int32_t{event.acquired_info});  // -1 is 0xffffffff
   out = WriteHexField(out, event.auth_successful ? 1 : 0);
-  for (const int32_t value : {event.fid, event.latency, event.iq}) {
-    out = WriteHexField(out, static_cast<uint32_t>(value));
-  }
+  out = WriteHexField(out, event.fid);
+  out = WriteHexField(out, event.latency);
+  out = WriteHexField(out, event.iq);
   return out;
 }
 

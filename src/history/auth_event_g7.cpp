@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <cerrno>
 #include <cstdio>
 
 #include "common/bounded_text.h"
@@ -92,15 +91,7 @@ bool LoadWrittenTail(AuthEventG7& event, const std::string& text) {
   std::array<int32_t, 7> metrics;
   std::array<int32_t, AuthEventG7::kStitchSlots> nums;
   std::array<int32_t, AuthEventG7::kStitchSlots> areas;
-  const auto read_all = [&reader](auto& fields) {
-    for (int32_t& field : fields) {
-      if (!reader.Comma() || !reader.Hex(&field)) {
-        return false;
-      }
-    }
-    return true;
-  };
-  if (!read_all(metrics) || !read_all(nums) || !read_all(areas)) {
+  if (!reader.HexFields(metrics) || !reader.HexFields(nums) || !reader.HexFields(areas)) {
     return false;
   }
   event.t_cov = t_cov;
@@ -171,20 +162,22 @@ std::string AuthEventG7::ToBackupString() const {
 char* WriteAuthEventG7(char* out, const AuthEventG7& event) {
   out = WriteAuthEvent(out, event);
   *out++ = ',';
-  out = WriteFixedPoint(out, event.t_cov);
+  out = WriteFixedPoint(out, event.t_cov, 2);
   *out++ = ',';
-  out = WriteFixedPoint(out, event.t_dist);
+  out = WriteFixedPoint(out, event.t_dist, 2);
   *out++ = ',';
   out = WriteDecimal(out, event.lptw);
   out = WriteHexField(out, event.rc);
-  for (const int32_t value :
-       {event.rawmean_delta, event.packed_metric_1, event.packed_metric_2, event.packed_metric_3,
-        event.extra_metric, event.foreign_matter_count, event.match_score}) {
-    out = WriteHexField(out, static_cast<uint32_t>(value));
-  }
+  out = WriteHexField(out, event.rawmean_delta);
+  out = WriteHexField(out, event.packed_metric_1);
+  out = WriteHexField(out, event.packed_metric_2);
+  out = WriteHexField(out, event.packed_metric_3);
+  out = WriteHexField(out, event.extra_metric);
+  out = WriteHexField(out, event.foreign_matter_count);
+  out = WriteHexField(out, event.match_score);
   for (const auto* slots : {&event.stitch_img_num_, &event.stitch_img_area_}) {
     for (const int32_t value : *slots) {
-      out = WriteHexField(out, static_cast<uint32_t>(value));
+      out = WriteHexField(out, value);
     }
   }
   return out;
@@ -199,8 +192,7 @@ bool AuthEventG7::LoadFromBackupString(std::string& text) {
   if (LoadWrittenTail(*this, text) || LoadScannedTail(*this, text)) {
     return true;
   }
-  FP_LOG_ERROR(log_tag::kAuthEventG7, "[%s] failed to parse str:'%s' with error %d", kLoadSignature,
-               text.c_str(), -errno);
+  LogParseFailure(log_tag::kAuthEventG7, kLoadSignature, text);
   return false;
 }
 

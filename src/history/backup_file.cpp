@@ -1,15 +1,21 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "history/backup_file.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
-#include <memory>
+#include <cstring>
+#include <utility>
+
+#include <android-base/file.h>
+#include <android-base/unique_fd.h>
 
 #include "common/log.h"
 #include "fp_utils/crc32.h"
+#include "history/record_text.h"
 
 namespace android::fp_utils {
 namespace {
@@ -18,6 +24,22 @@ namespace {
 // real mode long before, and a service that finds none must not open it up.
 constexpr mode_t kDirectoryMode = 0600;
 
+constexpr mode_t kFileMode = 0666;  // less the umask
+
+// A usual frame; guesses that spare growing the block and moving the text behind its header.
+constexpr size_t kTypicalFrameBytes = 256;
+constexpr size_t kUsualHeaderBytes = sizeof("0x12345678,0x12,") - 1;
+constexpr size_t kMaxHeaderBytes = 64;
+
+// Writes the header of `record_text` and returns its length.
+size_t WriteHeader(char* out, std::string_view record_text) {
+  char* end = WriteHex(out, crc32(record_text.data(), record_text.size()));
+  *end++ = ',';
+  end = WriteHex(end, record_text.size());
+  *end++ = ',';
+  return static_cast<size_t>(end - out);
+}
+
 struct FileCloser {
   void operator()(FILE* file) const { fclose(file); }
 };
@@ -25,14 +47,43 @@ using UniqueFile = std::unique_ptr<FILE, FileCloser>;
 
 }  // namespace
 
-void BackupFile::AppendFrame(std::string& content, std::string_view record_text) {
-  char header[48];
-  char* end = WriteHex(header, crc32(record_text.data(), record_text.size()));
-  *end++ = ',';
-  end = WriteHex(end, record_text.size());
-  *end++ = ',';
-  content.append(header, end);
-  content += record_text;
+BackupFrames::BackupFrames(size_t records)
+    : capacity_(records * kTypicalFrameBytes + kMaxHeaderBytes + sizeof(RecordBuffer)),
+      block_(new char[capacity_]) {}  // not zeroed
+
+void BackupFrames::Reserve(size_t more) {
+  if (capacity_ - size_ >= more) {
+    return;
+  }
+  capacity_ = 2 * (size_ + more);
+  std::unique_ptr<char[]> larger(new char[capacity_]);
+  memcpy(larger.get(), block_.get(), size_);
+  block_ = std::move(larger);
+}
+
+char* BackupFrames::OpenFrame() {
+  Reserve(kMaxHeaderBytes + sizeof(RecordBuffer));
+  return block_.get() + size_ + kUsualHeaderBytes;
+}
+
+void BackupFrames::CloseFrame(const char* text_end) {
+  char* const frame = block_.get() + size_;
+  const char* const text = frame + kUsualHeaderBytes;
+  const auto text_bytes = static_cast<size_t>(text_end - text);
+  char header[kMaxHeaderBytes];
+  const size_t header_bytes = WriteHeader(header, {text, text_bytes});
+  if (header_bytes != kUsualHeaderBytes) {
+    memmove(frame + header_bytes, text, text_bytes);
+  }
+  memcpy(frame, header, header_bytes);
+  size_ += header_bytes + text_bytes;
+}
+
+void BackupFrames::AddFrame(std::string_view record_text) {
+  Reserve(kMaxHeaderBytes + record_text.size());
+  size_ += WriteHeader(block_.get() + size_, record_text);
+  memcpy(block_.get() + size_, record_text.data(), record_text.size());
+  size_ += record_text.size();
 }
 
 std::string BackupFile::Prepare(const Wording& wording, const char* directory,
@@ -68,16 +119,17 @@ void BackupFile::LogOversize(uint64_t length) const {
                static_cast<unsigned long long>(length));
 }
 
-void BackupFile::Replace(const std::string& content) const {
-  const UniqueFile file(fopen(path_.c_str(), "we"));
-  if (file == nullptr) {
+void BackupFile::Replace(std::string_view content) const {
+  // What fopen() does for mode "w", without its buffer: there is one write to make.
+  const base::unique_fd file(
+      open(path_.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, kFileMode));
+  if (file < 0) {
     LogOpenFailure(wording_.save_operation);
     return;
   }
-  setvbuf(file.get(), nullptr, _IONBF, 0);
   // Unchecked: the records are still in memory, the next save writes them all again, and the next
   // load stops at whatever a full disk cut off.
-  fwrite(content.data(), 1, content.size(), file.get());
+  base::WriteFully(file, content.data(), content.size());
 }
 
 void BackupFile::Load(const std::function<void(std::string& record_text)>& take) const {

@@ -3,16 +3,38 @@
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <string>
 #include <string_view>
-
-#include "history/record_text.h"
 
 // The backup file of a history: frames laid end to end, each "0x<crc>,0x<length>,<record text>"
 // with the CRC-32 and the length in bytes of the text, lower-case hexadecimal. No separator, header
 // or trailer. docs/backup-file.md describes it for writers of other readers.
 
 namespace android::fp_utils {
+
+// The frames of a whole file, composed in one block of memory.
+class BackupFrames {
+ public:
+  explicit BackupFrames(size_t records);
+
+  // Where the next record text may be composed, with the room of a RecordBuffer; CloseFrame() puts
+  // the header before it.
+  char* OpenFrame();
+  void CloseFrame(const char* text_end);
+
+  // The same for a text that was composed elsewhere.
+  void AddFrame(std::string_view record_text);
+
+  std::string_view GetContent() const { return {block_.get(), size_}; }
+
+ private:
+  void Reserve(size_t more);
+
+  size_t capacity_;
+  std::unique_ptr<char[]> block_;
+  size_t size_ = 0;
+};
 
 // One history's reader and writer of its file, with the names under which the history logs.
 class BackupFile {
@@ -38,33 +60,29 @@ class BackupFile {
   static std::string Prepare(const Wording& wording, const char* directory,
                              const std::string& file_name);
 
-  // Replaces the file by the records in their order. The record class has a WriteOwnRecord().
+  // Replaces the file by the records in their order. Each record class has a
+  // WriteOwnRecord(), which spares a string where nobody has overridden ToBackupString().
   template <typename Records>
   void Save(const Records& records) const {
     // The content is complete before the old one is truncated, and goes out in one write: a service
     // killed meanwhile has the file empty for as short a time as possible.
-    std::string content;
-    content.reserve(records.size() * kTypicalFrameBytes);
+    BackupFrames frames(records.size());
     for (const auto& record : records) {
-      RecordBuffer buffer;
-      if (const char* end = WriteOwnRecord(buffer, *record)) {
-        AppendFrame(content, {buffer, end});
+      const char* const end = WriteOwnRecord(frames.OpenFrame(), *record);
+      if (end != nullptr) {
+        frames.CloseFrame(end);
       } else {
-        AppendFrame(content, record->ToBackupString());
+        frames.AddFrame(record->ToBackupString());
       }
     }
-    Replace(content);
+    Replace(frames.GetContent());
   }
 
   // Hands the record texts to `take` up to the end of the file or the first damage.
   void Load(const std::function<void(std::string& record_text)>& take) const;
 
  private:
-  // What a usual record takes with its header; a guess that spares growing the content.
-  static constexpr size_t kTypicalFrameBytes = 256;
-
-  static void AppendFrame(std::string& content, std::string_view record_text);
-  void Replace(const std::string& content) const;
+  void Replace(std::string_view content) const;
   void LogOpenFailure(const char* operation) const;
   void LogCrcMismatch() const;
   void LogOversize(uint64_t length) const;

@@ -70,7 +70,12 @@ uint32_t crc32(void const* data, unsigned long length) {
     crc = Slice(LoadLittleEndian(bytes) ^ crc, 0);
     bytes += 4;
   }
-  for (length &= 3; length > 0; --length, ++bytes) {
+  if ((length & 2) != 0) {
+    crc ^= static_cast<uint32_t>(bytes[0] | bytes[1] << 8);
+    crc = (crc >> 16) ^ kTables[1][crc & 0xFF] ^ kTables[0][crc >> 8 & 0xFF];
+    bytes += 2;
+  }
+  if ((length & 1) != 0) {
     crc = (crc >> 8) ^ kTables[0][(crc ^ *bytes) & 0xFF];
   }
   return ~crc;

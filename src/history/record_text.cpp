@@ -3,11 +3,14 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <charconv>
 #include <cmath>
 #include <cstdio>
 #include <cstring>
 #include <limits>
+
+#include "common/log.h"
 
 namespace android::fp_utils {
 namespace {
@@ -108,38 +111,31 @@ size_t MatchForms(std::string_view text, size_t from, std::initializer_list<Fiel
 
 }  // namespace
 
-char* WriteHex(char* out, uint64_t value) {
-  *out++ = '0';
-  *out++ = 'x';
-  if (value >> 32 == 0) {
-    return WriteHexDigits(out, static_cast<uint32_t>(value));
-  }
-  // Behind the first half the second has all its eight digits.
-  out = WriteHexDigits(out, static_cast<uint32_t>(value >> 32));
-  const uint64_t digits = HexDigits(static_cast<uint32_t>(value));
-  memcpy(out, &digits, sizeof digits);
-  return out + sizeof digits;
+char* WriteDecimal(char* out, int64_t value) {
+  constexpr ptrdiff_t kLongest = 20;
+  return std::to_chars(out, out + kLongest, value).ptr;
 }
 
-char* WriteDecimal(char* out, int64_t value) { return std::to_chars(out, out + 20, value).ptr; }
-
-char* WriteFixedPoint(char* out, float value) {
+char* WriteFixedPoint(char* out, float value, int decimals) {
   const double magnitude = std::fabs(static_cast<double>(value));
   if (!(magnitude < kFixedPointLimit)) {  // also NaN
-    return out + snprintf(out, 64, "%.2f", value);
+    return out + snprintf(out, 64, "%.*f", decimals, value);
   }
   // Exact, and rounded half to even: what printf does.
-  const double hundredths = magnitude * 100;
-  auto rounded = static_cast<uint32_t>(hundredths);
-  const double rest = hundredths - rounded;
+  const uint32_t scale = decimals == 1 ? 10 : 100;
+  const double scaled = magnitude * scale;
+  auto rounded = static_cast<uint32_t>(scaled);
+  const double rest = scaled - rounded;
   if (rest > 0.5 || (rest == 0.5 && rounded % 2 != 0)) {
     ++rounded;
   }
   *out = '-';
   out += std::signbit(value) ? 1 : 0;
-  out = std::to_chars(out, out + 20, rounded / 100).ptr;
+  out = WriteDecimal(out, rounded / scale);
   *out++ = '.';
-  *out++ = static_cast<char>('0' + rounded / 10 % 10);
+  if (decimals > 1) {
+    *out++ = static_cast<char>('0' + rounded / 10 % 10);
+  }
   *out++ = static_cast<char>('0' + rounded % 10);
   return out;
 }
@@ -234,6 +230,10 @@ bool RecordReader::FixedPoint(float* value) {
   const double magnitude = static_cast<double>(hundredths) / 100;
   *value = static_cast<float>(negative ? -magnitude : magnitude);
   return true;
+}
+
+void LogParseFailure(const char* tag, const char* signature, const std::string& text) {
+  FP_LOG_ERROR(tag, "[%s] failed to parse str:'%s' with error %d", signature, text.c_str(), -errno);
 }
 
 void RemoveFirstMatch(std::string& text, std::initializer_list<FieldForm> forms) {

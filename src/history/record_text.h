@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <array>
 #include <bit>
 #include <cstddef>
 #include <cstdint>
@@ -21,9 +22,8 @@ inline constexpr size_t kMaxRecordText = 1024;
 inline constexpr size_t kScratch = 16;
 using RecordBuffer = char[kMaxRecordText + kScratch];
 
-char* WriteHex(char* out, uint64_t value);      // 0x%lx, and 0x%x of a value in 32 bits
-char* WriteDecimal(char* out, int64_t value);   // %d, %u
-char* WriteFixedPoint(char* out, float value);  // %.2f
+char* WriteDecimal(char* out, int64_t value);                 // %d, %u
+char* WriteFixedPoint(char* out, float value, int decimals);  // %.1f, %.2f
 
 // The eight hexadecimal digits of `value` in the order of memory. All at once: a record has two
 // dozen numbers of unforeseeable lengths, and a loop over digits would mispredict at each.
@@ -48,9 +48,26 @@ inline char* WriteHexDigits(char* out, uint32_t value) {
   return out + sizeof digits - leading_zeros;
 }
 
+inline char* WriteHex(char* out, uint64_t value) {  // 0x%lx, and 0x%x of a value in 32 bits
+  memcpy(out, "0x", 3);
+  out += 2;
+  if (value >> 32 == 0) {
+    return WriteHexDigits(out, static_cast<uint32_t>(value));
+  }
+  // Behind the first half the second has all its eight digits.
+  out = WriteHexDigits(out, static_cast<uint32_t>(value >> 32));
+  const uint64_t digits = HexDigits(static_cast<uint32_t>(value));
+  memcpy(out, &digits, sizeof digits);
+  return out + sizeof digits;
+}
+
 inline char* WriteHexField(char* out, uint32_t value) {  // ,0x%x
   memcpy(out, ",0x", 4);
   return WriteHexDigits(out + 3, value);
+}
+
+inline char* WriteHexField(char* out, int32_t value) {
+  return WriteHexField(out, static_cast<uint32_t>(value));
 }
 
 // Reads fields in exactly the form in which they are written. Where an operation returns false,
@@ -67,6 +84,17 @@ class RecordReader {
   bool Decimal(uint32_t* value);
   bool FixedPoint(float* value);
 
+  // A comma and a number for each field.
+  template <size_t N>
+  bool HexFields(std::array<int32_t, N>& fields) {
+    for (int32_t& field : fields) {
+      if (!Comma() || !Hex(&field)) {
+        return false;
+      }
+    }
+    return true;
+  }
+
   size_t Consumed() const { return static_cast<size_t>(position_ - begin_); }
 
  private:
@@ -77,6 +105,9 @@ class RecordReader {
   const char* end_;
   const char* begin_;
 };
+
+// What every record logs about a text that does not parse; errno says what scanf made of it.
+void LogParseFailure(const char* tag, const char* signature, const std::string& text);
 
 // Where scanf stores a %x of a signed field.
 inline unsigned* AsUnsigned(int32_t* value) { return reinterpret_cast<unsigned*>(value); }

@@ -211,7 +211,8 @@ TEST_F(AuthStatsTest, InitCreatesTheDirectoryAndLogsWhatFails) {
   EXPECT_EQ((std::vector{Error("AuthStats", open_failed + "2.")}), TakeLog());
 
   fp_host::SetFault({.function = "mkdir", .error = EROFS});
-  fp_host::SetFault({.function = "fopen", .calls = 2, .error = EACCES});
+  fp_host::SetFault({.function = "fopen", .error = EACCES});
+  fp_host::SetFault({.function = "open", .error = EACCES});
   stats.Init();
   stats.AddAttempt(Attempt(true));
   EXPECT_EQ((std::vector{

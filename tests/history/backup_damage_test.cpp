@@ -211,7 +211,7 @@ TEST_P(BackupDamage, GoesOnAndSavesAgain) {
     fp_host::Fault fault;
   };
   const Mishap kMishaps[] = {
-      {"no rights", {.function = "fopen", .error = EACCES}},
+      {"no rights", {.function = "open", .error = EACCES}},
       {"no space at all",
        {.function = "write", .calls = fp_host::Fault::kForever, .error = ENOSPC}},
       {"no space after a page", {.function = "write", .first_call = 2, .error = ENOSPC}},

@@ -2,12 +2,18 @@
 #include "support/history_kinds.h"
 
 #include "fp_utils/auth_stats.h"
+#include "fp_utils/enroll_event_container.h"
+#include "fp_utils/finger_sizes.h"
 
 namespace fp_test {
 namespace {
 
 using android::fp_utils::AuthEventG7;
 using android::fp_utils::AuthStatsG7;
+using android::fp_utils::EnrollEventContainer;
+using android::fp_utils::EnrollEventG7;
+using android::fp_utils::FingerSize;
+using android::fp_utils::FingerSizes;
 
 constexpr int kFullSize = 50;
 
@@ -46,12 +52,52 @@ class AuthHistory : public HistoryUnderTest {
   AuthStatsG7 stats_{"0", kFullSize, true};
 };
 
+class EnrollHistory : public HistoryUnderTest {
+ public:
+  EnrollHistory() { container_.Init("EnrollEventG7"); }
+
+  void AddAndSave(int number) override {
+    auto event = std::make_shared<EnrollEventG7>();
+    event->timestamp = 1772600767 + number;
+    event->op = number % 3 == 0 ? EnrollEventG7::kOpDelete : EnrollEventG7::kOpAdd;
+    event->enroll_successful = number % 2 == 0;
+    event->fid = number;
+    event->iq_avg = static_cast<float>(number % 200) / 4;
+    event->rc = number % 5;
+    event->rawmean_delta = static_cast<float>(-number) / 2;
+    event->stitch_img_area_ = {number, 2, 3, 4, 5};
+    container_.AddEvent(event);
+  }
+
+  std::vector<std::string> RecordTexts() const override { return TextsOf(container_.GetEvents()); }
+
+ private:
+  EnrollEventContainer container_;
+};
+
+class FingerHistory : public HistoryUnderTest {
+ public:
+  void AddAndSave(int number) override {
+    const auto size = static_cast<float>(number % 1000) / 2;
+    sizes_.AddFinger(std::make_shared<FingerSize>(number, size, size / 2), true);
+  }
+
+  std::vector<std::string> RecordTexts() const override { return TextsOf(sizes_.GetFingers()); }
+
+ private:
+  FingerSizes sizes_{"0", kFullSize, true};
+};
+
 }  // namespace
 
 std::vector<HistoryKind> AllHistoryKinds() {
   return {
       {"AuthStats", "/data/vendor/fingerprint/AuthStats.0", kFullSize,
        [] { return std::make_unique<AuthHistory>(); }},
+      {"EnrollEventContainer", "/data/vendor/fingerprint/EnrollEventContainer", kFullSize,
+       [] { return std::make_unique<EnrollHistory>(); }},
+      {"FingerSizes", "/data/vendor/fingerprint/FingerSizes.0", kFullSize,
+       [] { return std::make_unique<FingerHistory>(); }},
   };
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "support/record_mutator.h"
 
+#include <algorithm>
 #include <bit>
 #include <iterator>
 #include <limits>
@@ -9,6 +10,7 @@
 namespace fp_test {
 
 using android::fp_utils::AuthEventG7;
+using android::fp_utils::EnrollEventG7;
 
 int32_t RecordMutator::Integer() {
   constexpr int32_t kExtremes[] = {0, 1, -1, 15, 16, 255, 256, INT32_MAX, INT32_MIN, -1001};
@@ -46,8 +48,7 @@ float RecordMutator::Float() {
   }
 }
 
-AuthEventG7 RecordMutator::Event() {
-  AuthEventG7 event;
+void RecordMutator::Fill(AuthEventG7& event) {
   event.timestamp = Below(2) == 0 ? Integer() : static_cast<time_t>(random_());
   event.acquired_info = static_cast<int8_t>(Below(4) == 0 ? Integer() : 1);
   event.auth_successful = Below(2) == 0;
@@ -61,11 +62,23 @@ AuthEventG7 RecordMutator::Event() {
     *field = Integer();
   }
   for (auto* slots : {&event.stitch_img_num_, &event.stitch_img_area_}) {
-    for (int32_t& slot : *slots) {
-      slot = Integer();
-    }
+    std::generate(slots->begin(), slots->end(), [this] { return Integer(); });
   }
-  return event;
+}
+
+void RecordMutator::Fill(EnrollEventG7& event) {
+  event.timestamp = Below(2) == 0 ? Integer() : static_cast<time_t>(random_());
+  event.op = Below(4) == 0 ? static_cast<uint32_t>(Integer()) : static_cast<uint32_t>(Below(2));
+  event.enroll_successful = Below(2) == 0;
+  event.iq_avg = Float();
+  event.rawmean_delta = Float();
+  for (int32_t* field :
+       {&event.gid, &event.fid, &event.capture_count, &event.enrolled_fingers_count, &event.rc}) {
+    *field = Integer();
+  }
+  for (auto* slots : {&event.stitch_img_num_, &event.stitch_img_area_}) {
+    std::generate(slots->begin(), slots->end(), [this] { return Integer(); });
+  }
 }
 
 std::string RecordMutator::Damage(std::string text) {
@@ -88,14 +101,13 @@ std::string RecordMutator::Damage(std::string text) {
   return text;
 }
 
-std::string RecordMutator::Text() {
+std::string RecordMutator::Mutate(std::string text, const std::string& other) {
   // What scanf takes and a writer never makes: blanks, signs, second prefixes, long numbers,
   // exponents, more than one record.
   constexpr const char* kOddities[] = {
       "0x0x1f", "0x 1f", "0x-1", "0x+1", "0x1ffffffff", "0x00000000000000001",
       "1e5",    "0x1p3", "nan",  "-inf", "4294967296",  "-1",
       " 7",     "0X1f",  "1.",   ".5",   "1.005",       "12345678.00"};
-  std::string text = Event().ToBackupString();
   switch (Below(5)) {
     case 0:
     case 1:
@@ -116,7 +128,7 @@ std::string RecordMutator::Text() {
     case 3:
       return Damage(text);
     default:
-      return text.substr(0, Below(text.size() + 1)) + Event().ToBackupString();
+      return text.substr(0, Below(text.size() + 1)) + other;
   }
 }
 

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "fp_utils/auth_event.h"
+#include "fp_utils/enroll_event.h"
 
 namespace fp_test {
 
@@ -14,19 +15,31 @@ class RecordMutator {
  public:
   explicit RecordMutator(uint64_t seed) : random_(seed) {}
 
-  android::fp_utils::AuthEventG7 Event();
+  void Fill(android::fp_utils::AuthEventG7& event);
+  void Fill(android::fp_utils::EnrollEventG7& event);
 
-  // A record text: as written, or with up to three characters changed, dropped or put in, or in one
-  // of the odd spellings that scanf takes.
-  std::string Text();
+  template <typename Record>
+  Record Make() {
+    Record record;
+    Fill(record);
+    return record;
+  }
 
-  // Characters at random places of `text` changed, dropped or doubled.
+  // A record text: as written, or with up to three characters changed, dropped or put in, or with a
+  // field in one of the odd spellings that scanf takes, or two texts run together.
+  template <typename Record>
+  std::string Text() {
+    return Mutate(Make<Record>().ToBackupString(), Make<Record>().ToBackupString());
+  }
+
+  // Characters at random places of `text` changed, dropped or put in.
   std::string Damage(std::string text);
 
  private:
   size_t Below(size_t limit) { return random_() % limit; }
   int32_t Integer();
   float Float();
+  std::string Mutate(std::string text, const std::string& other);
 
   std::mt19937_64 random_;
 };

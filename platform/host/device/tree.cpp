@@ -65,7 +65,12 @@ void PreloadIntoChildren() {
 TreePath::TreePath(const char* path)
     : original_(path), redirected_(path != nullptr && IsDevicePath(path)) {
   if (redirected_) {
-    snprintf(buffer_, sizeof buffer_, "%s%s", Root(), path);
+    // Not by printf: benchmarks of what opens files count this too.
+    const char* const device_root = Root();
+    const size_t length = strlen(device_root);
+    memcpy(buffer_, device_root, length);
+    memccpy(buffer_ + length, path, '\0', sizeof buffer_ - length - 1);
+    buffer_[sizeof buffer_ - 1] = '\0';
   }
 }
 

@@ -1,0 +1,92 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "fp_utils/enroll_event_container.h"
+
+#include <cstdint>
+#include <cstdio>
+#include <utility>
+
+#include "common/log.h"
+#include "history/backup_file.h"
+#include "history/dump.h"
+#include "history/enroll_event_text.h"
+
+namespace android::fp_utils {
+namespace {
+
+constexpr BackupFile::Wording kWording = {
+    .tag = log_tag::kEnrollEventContainer,
+    .create_operation = "Init",
+    .save_operation = "SaveEventsToBackupFile",
+    .load_operation = "LoadEventsFromBackupFile",
+    .load_signature = "void android::fp_utils::EnrollEventContainer::LoadEventsFromBackupFile()",
+};
+
+constexpr uint32_t kMaxEvents = 50;
+constexpr char kEventTypeG7[] = "EnrollEventG7";
+
+// The one file has no instance name, in its path as in its messages.
+constexpr const char* kNoInstance = nullptr;
+
+}  // namespace
+
+EnrollEventContainer::EnrollEventContainer() = default;
+
+EnrollEventContainer::~EnrollEventContainer() = default;
+
+void EnrollEventContainer::Init(char const* event_type) {
+  this->event_type = event_type != nullptr ? event_type : "";
+  backup_path = BackupFile::Prepare(kWording, kBackupDir, "EnrollEventContainer");
+  LoadEventsFromBackupFile();
+  initialized = true;  // last, so that loading did not save
+}
+
+std::shared_ptr<EnrollEvent> EnrollEventContainer::CreateEvent() {
+  if (event_type == kEventTypeG7) {
+    return std::make_shared<EnrollEventG7>();
+  }
+  FP_LOG_ERROR(
+      log_tag::kEnrollEventContainer, "[%s] Unknown event_type:%s",
+      "std::shared_ptr<EnrollEvent> android::fp_utils::EnrollEventContainer::CreateEvent()",
+      event_type.c_str());
+  return nullptr;
+}
+
+void EnrollEventContainer::AddEvent(std::shared_ptr<EnrollEvent> event) {
+  if (event == nullptr) {
+    FP_LOG_ERROR(log_tag::kEnrollEventContainer, "[%s] EnrollEvent is null, ignored", "AddEvent");
+    return;
+  }
+  const std::lock_guard lock(mutex);
+  if (static_cast<uint32_t>(events.size()) >= kMaxEvents) {
+    events.pop_front();
+  }
+  events.push_back(std::move(event));
+  if (initialized && !backup_path.empty()) {
+    SaveEventsToBackupFile();
+  }
+}
+
+// Called by AddEvent() with the lock held.
+void EnrollEventContainer::SaveEventsToBackupFile() const NO_THREAD_SAFETY_ANALYSIS {
+  BackupFile(kWording, kNoInstance, backup_path).Save(events);
+}
+
+void EnrollEventContainer::LoadEventsFromBackupFile() {
+  BackupFile(kWording, kNoInstance, backup_path).Load([this](std::string& record_text) {
+    std::shared_ptr<EnrollEvent> event = CreateEvent();
+    if (event == nullptr) {
+      FP_LOG_ERROR(log_tag::kEnrollEventContainer, "[%s] Failed to create event!",
+                   kWording.load_signature);
+    } else if (event->LoadFromBackupString(record_text)) {
+      AddEvent(std::move(event));
+    }
+  });
+}
+
+void EnrollEventContainer::Dump(int fd, char const** /*args*/, unsigned int /*num_args*/) {
+  const std::lock_guard lock(mutex);
+  dprintf(fd, "Enroll Events:\n");
+  DumpRecords(fd, events);
+}
+
+}  // namespace android::fp_utils

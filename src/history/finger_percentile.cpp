@@ -1,0 +1,99 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <cstdint>
+#include <vector>
+
+#include "fp_utils/finger_sizes.h"
+
+namespace android::fp_utils {
+namespace {
+
+constexpr uint32_t kSignBit = 0x80000000;
+
+// A float as an integer that sorts like it. Integers compare without branches, and give an order to
+// the NaN that a file may hold: beyond the infinity of its sign.
+uint32_t ToKey(float value) {
+  const auto bits = std::bit_cast<uint32_t>(value);
+  return (bits & kSignBit) != 0 ? ~bits : bits | kSignBit;
+}
+
+float FromKey(uint32_t key) {
+  return std::bit_cast<float>((key & kSignBit) != 0 ? key & ~kSignBit : ~key);
+}
+
+// `position` as an index below `count`: cut towards zero, and into the range where the caller's
+// percentile lies outside 0 to 100.
+size_t IndexOf(float position, size_t count) {
+  if (!(position > 0)) {  // also NaN
+    return 0;
+  }
+  return position >= static_cast<float>(count) ? count - 1
+                                               : std::min(static_cast<size_t>(position), count - 1);
+}
+
+// Narrows `keys` down to few of them among which are those at `index` and `index` + 1 of the sorted
+// order, and `index` to the place of the first in the sorted order of these: counts the keys of
+// equal intervals and keeps the intervals in question. No step depends on a comparison's outcome,
+// which no predictor could guess.
+void KeepNeighbourhood(std::vector<uint32_t>& keys, size_t& index) {
+  constexpr int kBucketBits = 7;
+  const auto [min, max] = std::minmax_element(keys.begin(), keys.end());
+  const uint32_t lowest = *min;
+  const int shift = std::max(0, static_cast<int>(std::bit_width(*max - lowest)) - kBucketBits);
+  std::array<uint32_t, 1 << kBucketBits> counts = {};
+  for (const uint32_t key : keys) {
+    ++counts[(key - lowest) >> shift];
+  }
+  size_t below = 0;
+  uint32_t first = 0;
+  for (; below + counts[first] <= index; ++first) {
+    below += counts[first];
+  }
+  uint32_t last = first;
+  for (size_t through = below + counts[first]; through <= index + 1 && through < keys.size();) {
+    through += counts[++last];
+  }
+  auto kept = keys.begin();
+  for (const uint32_t key : keys) {
+    const uint32_t bucket = (key - lowest) >> shift;
+    *kept = key;
+    kept += bucket - first <= last - first ? 1 : 0;
+  }
+  keys.erase(kept, keys.end());
+  index -= below;
+}
+
+}  // namespace
+
+float FingerSizes::GetPercentileValue(FingerSize::Axis axis, float percentile) {
+  const size_t count = fingers.size();
+  if (count == 0) {
+    return 0;
+  }
+  if (count == 1) {
+    return fingers.front()->GetValue(axis);
+  }
+  std::vector<uint32_t> keys;
+  keys.reserve(count);
+  for (const auto& finger : fingers) {
+    keys.push_back(ToKey(finger->GetValue(axis)));
+  }
+  const float position = percentile / 100.0F * static_cast<float>(count - 1);
+  const size_t index = IndexOf(position, count);
+  size_t place = index;
+  KeepNeighbourhood(keys, place);
+  // Two neighbours of the sorted order are wanted, not the order: select the first, and behind it
+  // the second is the smallest.
+  const auto lower = keys.begin() + static_cast<ptrdiff_t>(place);
+  std::nth_element(keys.begin(), lower, keys.end());
+  const float low = FromKey(*lower);
+  if (index + 1 == count) {
+    return low;
+  }
+  const float high = FromKey(*std::min_element(lower + 1, keys.end()));
+  return low + (position - static_cast<float>(index)) * (high - low);
+}
+
+}  // namespace android::fp_utils

@@ -1,0 +1,89 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "fp_utils/finger_sizes.h"
+
+#include <utility>
+
+#include "common/log.h"
+#include "history/backup_file.h"
+#include "history/finger_size_text.h"
+
+namespace android::fp_utils {
+namespace {
+
+constexpr BackupFile::Wording kWording = {
+    .tag = log_tag::kFingerSizes,
+    .create_operation = log_tag::kFingerSizes,  // this class has always given its tag here
+    .save_operation = "SaveFingersToBackupFile",
+    .load_operation = "LoadFingersFromBackupFile",
+    .load_signature = "void android::fp_utils::FingerSizes::LoadFingersFromBackupFile()",
+};
+
+}  // namespace
+
+FingerSizes::FingerSizes(std::string name, unsigned int max_fingers, bool backup_enabled)
+    : name(std::move(name)), max_fingers(max_fingers), backup_enabled(backup_enabled) {
+  if (backup_enabled) {
+    backup_path = BackupFile::Prepare(kWording, kBackupDir, "FingerSizes." + this->name);
+    LoadFingersFromBackupFile();
+  }
+}
+
+FingerSizes::~FingerSizes() = default;
+
+void FingerSizes::Reset() {
+  backup_path.clear();
+  fingers.clear();
+  finger_count = 0;
+  // op1_count and op2_count stay as they are: the service reads them across a reset.
+}
+
+void FingerSizes::AddFinger(std::shared_ptr<FingerSize> finger, bool save) {
+  if (finger == nullptr) {
+    FP_LOG_ERROR(log_tag::kFingerSizes, "[%s] FingerSize is null, ignored", name.c_str());
+    return;
+  }
+  const std::lock_guard lock(mutex);
+  if (max_fingers != kUnbounded && finger_count >= max_fingers) {
+    PopFinger();
+  }
+  if (max_fingers != 0) {
+    PushFinger(std::move(finger));
+  }
+  if (save && backup_enabled && !backup_path.empty()) {
+    SaveFingersToBackupFile();
+  }
+}
+
+void FingerSizes::PushFinger(std::shared_ptr<FingerSize> finger) {
+  op1_count += finger->op == 1 ? 1 : 0;
+  op2_count += finger->op == 2 ? 1 : 0;
+  fingers.push_back(std::move(finger));
+  ++finger_count;
+}
+
+std::shared_ptr<FingerSize> FingerSizes::PopFinger() {
+  if (fingers.empty()) {
+    return nullptr;
+  }
+  std::shared_ptr<FingerSize> finger = std::move(fingers.front());
+  fingers.pop_front();
+  --finger_count;
+  op1_count -= finger->op == 1 ? 1 : 0;
+  op2_count -= finger->op == 2 ? 1 : 0;
+  return finger;
+}
+
+void FingerSizes::LoadFingersFromBackupFile() {
+  BackupFile(kWording, name.c_str(), backup_path).Load([this](std::string& record_text) {
+    auto finger = std::make_shared<FingerSize>();
+    if (finger->LoadFromBackupString(record_text)) {
+      AddFinger(std::move(finger), false);
+    }
+  });
+}
+
+void FingerSizes::SaveFingersToBackupFile() const {
+  BackupFile(kWording, name.c_str(), backup_path).Save(fingers);
+}
+
+}  // namespace android::fp_utils

@@ -1,0 +1,135 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "fp_utils/enroll_event.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+
+#include "support/log_recorder.h"
+
+namespace android::fp_utils {
+namespace {
+
+using fp_test::Error;
+using fp_test::TakeLog;
+
+constexpr char kG7Signature[] =
+    "virtual bool android::fp_utils::EnrollEventG7::LoadFromBackupString(std::string &)";
+
+class EnrollEventTest : public ::testing::Test {
+ protected:
+  EnrollEventTest() { setenv("TZ", "UTC", 1); }
+
+  static EnrollEventG7 Added() {
+    EnrollEventG7 event;
+    event.timestamp = 1772600767;  // 2026-03-04 05:06:07 in UTC
+    event.enroll_successful = true;
+    event.gid = -1;
+    event.fid = 3;
+    event.capture_count = 17;
+    event.iq_avg = 41.256F;
+    event.enrolled_fingers_count = 2;
+    event.rc = -7;
+    event.rawmean_delta = -12.5F;
+    event.stitch_img_num_ = {1, 2, 3, 4, -5};
+    event.stitch_img_area_ = {10, 20, 30, 40, 50};
+    return event;
+  }
+};
+
+TEST_F(EnrollEventTest, DebugTextFollowsTheOperation) {
+  const std::string quality =
+      ", rawmean_delta:-12.50, stitch_img_num_:1_2_3_4_-5, stitch_img_area_:10_20_30_40_50";
+  EnrollEventG7 event = Added();
+  EXPECT_EQ(
+      "2026-03-04 05:06:07 op:ADD, enroll_successful:1, gid:-1, fid:3, capture_count:17, "
+      "iq_avg:41.26, enrolled_fingers_count:2",
+      event.EnrollEvent::ToDebugString());
+  EXPECT_EQ(event.EnrollEvent::ToDebugString() + ", rc:-7" + quality, event.ToDebugString());
+  const struct {
+    int32_t rc;
+    const char* reason;
+  } kReasons[] = {{0, "Unknown"},           {1, "Area Small"}, {2, "Foreign Matter"},
+                  {3, "Low Image Quality"}, {4, "Unknown"},    {-1, "Unknown"}};
+  event.enroll_successful = false;
+  for (const auto& test : kReasons) {
+    event.rc = test.rc;
+    EXPECT_EQ(event.EnrollEvent::ToDebugString() + ", rc:" + std::to_string(test.rc) + quality +
+                  ", reason:" + test.reason,
+              event.ToDebugString());
+  }
+  event.op = 1;
+  EXPECT_EQ("2026-03-04 05:06:07 op:DEL, gid:-1, fid:3, rc:-1", event.ToDebugString());
+  event.op = 2;
+  EXPECT_EQ("2026-03-04 05:06:07 , rc:-1" + quality + ", reason:Unknown", event.ToDebugString());
+}
+
+TEST_F(EnrollEventTest, BackupTexts) {
+  EnrollEventG7 event = Added();
+  EXPECT_EQ("0x69a7bdbf,0,0x1,0xffffffff,0x3,0x11,41.26,0x2", event.EnrollEvent::ToBackupString());
+  EXPECT_EQ(
+      "0x69a7bdbf,0,0x1,0xffffffff,0x3,0x11,41.26,0x2,0xfffffff9,-12.50,0x1,0x2,0x3,0x4,"
+      "0xfffffffb,0xa,0x14,0x1e,0x28,0x32",
+      event.ToBackupString());
+  event.stitch_img_num_.fill(-1);
+  event.stitch_img_area_.fill(-1);
+  EXPECT_EQ(127u, event.ToBackupString().size() - event.EnrollEvent::ToBackupString().size())
+      << "the tail is cut, in the middle of the last number";
+  event.op = 0xFFFFFFFF;
+  EXPECT_EQ(0u, event.ToBackupString().find("0x69a7bdbf,-1,")) << "op is printed signed";
+}
+
+TEST_F(EnrollEventTest, LoadsTakeWhatTheScanTakes) {
+  const std::string tail = ",0x7,-3.25,0x1,0x2,0x3,0x4,0x5,0x6,0x7,0x8,0x9,0xa";
+  const struct {
+    const char* why;
+    std::string base;
+    bool base_loads, all_loads;
+    std::string rest;
+  } kCases[] = {
+      {"as written", "0x10,1,0x0,0x1,0x2,0x3,1.50,0x4", true, true, ""},
+      {"negative average", "0x10,1,0x0,0x1,0x2,0x3,-1.50,0x4", true, true, ""},
+      {"average without a point", "0x10,1,0x0,0x1,0x2,0x3,7,0x4", true, true, ""},
+      {"negative op: outside the pattern", "0x10,-1,0x0,0x1,0x2,0x3,1.50,0x4", true, false, "all"},
+      {"not a number: outside the pattern", "0x10,0,0x0,0x1,0x2,0x3,nan,0x4", true, false, "all"},
+      {"exponent: outside the pattern", "0x10,0,0x0,0x1,0x2,0x3,1e3,0x4", true, false, "all"},
+      {"one field short", "0x10,1,0x0,0x1,0x2,0x3,1.50", false, false, "all"},
+  };
+  fp_test::MuteLog(true);
+  for (const auto& test : kCases) {
+    EnrollEvent base;
+    std::string text = test.base;
+    EXPECT_EQ(test.base_loads, base.LoadFromBackupString(text)) << test.why;
+    EXPECT_EQ(test.rest == "all" ? test.base : test.rest, text) << test.why;
+    EnrollEventG7 event;
+    text = test.base + tail;
+    EXPECT_EQ(test.all_loads, event.LoadFromBackupString(text)) << test.why;
+    if (test.base_loads) {
+      EXPECT_EQ(16, event.timestamp);
+      EXPECT_EQ(4, event.enrolled_fingers_count);
+    }
+    EXPECT_EQ(test.all_loads ? 10 : 0, event.stitch_img_area_[4]);
+  }
+}
+
+TEST_F(EnrollEventTest, FailedLoadsLog) {
+  EnrollEventG7 event;
+  std::string text = "0x10,1,0x0,0x1";
+  errno = 0;
+  EXPECT_FALSE(event.LoadFromBackupString(text));
+  text = "0x10,1,0x0,0x1,0x2,0x3,1.50,0x4";
+  EXPECT_FALSE(event.LoadFromBackupString(text)) << "a base text alone";
+  EXPECT_EQ(
+      (std::vector{
+          Error("EnrollEvent",
+                "[virtual bool android::fp_utils::EnrollEvent::LoadFromBackupString(std::string "
+                "&)] failed to parse str:'0x10,1,0x0,0x1' with error 0"),
+          Error("EnrollEventG7",
+                "[" + std::string(kG7Signature) + "] EnrollEvent failed to load '0x10,1,0x0,0x1'"),
+          Error("EnrollEventG7",
+                "[" + std::string(kG7Signature) + "] failed to parse str:'' with error 0")}),
+      TakeLog());
+}
+
+}  // namespace
+}  // namespace android::fp_utils
