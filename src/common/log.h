@@ -21,6 +21,9 @@ inline constexpr char kEnrollEvent[] = "EnrollEvent";
 inline constexpr char kEnrollEventContainer[] = "EnrollEventContainer";
 inline constexpr char kEnrollEventG7[] = "EnrollEventG7";
 inline constexpr char kFingerSizes[] = "FingerSizes";
+inline constexpr char kFingerState[] = "FingerState";
+inline constexpr char kFpStateTracker[] = "FpStateTracker";
 inline constexpr char kFpsInitInfo[] = "FpsInitInfo";
+inline constexpr char kFpsTouchHandler[] = "FpsTouchHandler";
 
 }  // namespace android::fp_utils::log_tag

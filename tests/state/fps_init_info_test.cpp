@@ -131,7 +131,7 @@ TEST_F(FpsInitInfoTest, ReportsFromManyThreads) {
     threads.emplace_back([this, i] {
       info_.SetState(State::kStarted);
       info_.SetError(i, "x");
-      Dump();
+      DumpText([this](int fd) { info_.Dump(fd); });
     });
   }
   for (std::thread& thread : threads) {

@@ -11,8 +11,9 @@
 namespace fp_test {
 namespace {
 
-std::mutex mutex;
-std::vector<LogLine> lines;
+// Never destroyed: a worker may log while the process ends.
+auto& mutex = *new std::mutex;
+auto& lines = *new std::vector<LogLine>;
 std::atomic<bool> muted = false;
 
 }  // namespace

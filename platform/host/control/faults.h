@@ -12,9 +12,10 @@ namespace fp_host {
 struct Fault {
   static constexpr int kForever = -1;
 
-  // open, fopen, mkdir, unlink, read or write. The calls that take a path fail for device paths,
-  // read and write for descriptors of them, also below a FILE that was opened while a fault of
-  // either was set.
+  // open, fopen, mkdir, unlink, read, write, ioctl, poll, pipe or fcntl. The calls that take a path
+  // fail for device paths; read, write and ioctl for descriptors of them and of pipes, read and
+  // write also below a FILE that was opened while a fault of either was set; poll, pipe and fcntl
+  // for every caller.
   std::string function;
   int first_call = 1;  // counted from when the fault is set
   int calls = 1;       // how many calls in a row fail, or kForever

@@ -14,7 +14,8 @@
 namespace fp_host {
 namespace {
 
-constexpr const char* kNames[] = {"open", "fopen", "mkdir", "unlink", "read", "write"};
+constexpr const char* kNames[] = {"open",  "fopen", "mkdir", "unlink", "read",
+                                  "write", "ioctl", "poll",  "pipe",   "fcntl"};
 constexpr size_t kCalls = std::size(kNames);
 constexpr int kTrackedDescriptors = 65536;
 

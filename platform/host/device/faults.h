@@ -7,7 +7,7 @@
 
 namespace fp_host {
 
-enum class Call { kOpen, kFopen, kMkdir, kUnlink, kRead, kWrite };
+enum class Call { kOpen, kFopen, kMkdir, kUnlink, kRead, kWrite, kIoctl, kPoll, kPipe, kFcntl };
 
 struct Verdict {
   bool fails = false;
@@ -21,7 +21,7 @@ Verdict Judge(Call call);
 // Whether reads or writes are to be disturbed, also those that stdio makes.
 bool AreTransfersFaulty();
 
-// The descriptors whose transfers count: those of device files.
+// The descriptors whose transfers count: those of device files and of pipes.
 void Track(int fd);
 void Untrack(int fd);
 bool IsTracked(int fd);

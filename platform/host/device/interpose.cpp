@@ -18,6 +18,7 @@
 #include <memory>
 
 #include "device/faults.h"
+#include "device/touch.h"
 #include "device/tree.h"
 
 namespace {
@@ -45,13 +46,14 @@ using OpenFunction = int(const char*, int, ...);
 
 int Open(OpenFunction* next, const char* path, int flags, mode_t mode) {
   const TreePath resolved(path);
-  if (!resolved.IsOnDevice()) {
+  const bool is_touch_node = fp_host::IsTouchNode(path);
+  if (!resolved.IsOnDevice() && !is_touch_node) {
     return next(path, flags, mode);
   }
   if (Judge(Call::kOpen).fails) {
     return -1;
   }
-  const int fd = next(resolved.Get(), flags, mode);
+  const int fd = is_touch_node ? fp_host::OpenTouchNode() : next(resolved.Get(), flags, mode);
   fp_host::Track(fd);
   return fd;
 }
@@ -210,9 +212,50 @@ ssize_t write(int fd, const void* buffer, size_t size) {
   return next(fd, buffer, size);
 }
 
+int ioctl(int fd, unsigned long request, ...) {
+  NEXT(ioctl);
+  va_list arguments;
+  va_start(arguments, request);
+  void* const argument = va_arg(arguments, void*);
+  va_end(arguments);
+  if (fp_host::IsTracked(fd) && Judge(Call::kIoctl).fails) {
+    return -1;
+  }
+  return fp_host::IsTouchDescriptor(fd) ? fp_host::TakeTouchRequest(request, argument)
+                                        : next(fd, request, argument);
+}
+
+int poll(pollfd* fds, nfds_t count, int timeout) {
+  NEXT(poll);
+  return Judge(Call::kPoll).fails ? -1 : next(fds, count, timeout);
+}
+
+int pipe(int fds[2]) {
+  NEXT(pipe);
+  if (Judge(Call::kPipe).fails) {
+    return -1;
+  }
+  const int result = next(fds);
+  if (result == 0) {
+    fp_host::Track(fds[0]);
+    fp_host::Track(fds[1]);
+  }
+  return result;
+}
+
+int fcntl(int fd, int command, ...) {
+  NEXT(fcntl);
+  va_list arguments;
+  va_start(arguments, command);
+  void* const argument = va_arg(arguments, void*);
+  va_end(arguments);
+  return Judge(Call::kFcntl).fails ? -1 : next(fd, command, argument);
+}
+
 int close(int fd) {
   NEXT(close);
   fp_host::Untrack(fd);
+  fp_host::ForgetTouchDescriptor(fd);
   return next(fd);
 }
 

@@ -1,0 +1,140 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <array>
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <mutex>
+#include <thread>
+
+#include <utils/StrongPointer.h>
+
+#include "fp_utils/export.h"
+#include "fp_utils/thread_annotations.h"
+
+namespace android::fp_utils {
+
+// Whether the property persist.vendor.udfps.fps_touch_handler_supported was true (the default) when
+// first asked; the answer holds for the life of the process.
+FP_UTILS_EXPORT bool IsFpsTouchHandlerSupported();
+
+// One report of the touch controller. A default one is the cleared form: type -1, the rest zero.
+// What type, info, flags, stamp and the grouping of coords mean is the controller's to say.
+struct TouchEvent {
+  int32_t type = -1;  // 0, 1 or 2; -1: none, or one that is not known
+  uint32_t info = 0;
+  int32_t id = 0;                     // -1: coordinates are not scaled
+  std::array<float, 20> coords = {};  // display coordinates
+  std::array<uint8_t, 10> flags = {};
+  std::array<float, 2> signed_coords = {};  // display coordinates
+  float angle = 0;                          // radians
+  uint64_t stamp = 0;
+};
+
+// Client of the fingerprint touch-handler device: tells it which rectangle of the screen covers the
+// sensor, switches its LPTW event report, and hands its touch reports to a callback.
+//
+// Use: install touch_event_callback_, Configure(), Start(); Stop() when done. Configure() again
+// moves the rectangle.
+//
+// Threading:  Configure, Start, Stop and EnableLptwEventReport lock and may come from any thread,
+// the
+//             callback included. The callback runs on the worker thread without a lock.
+// Ownership:  the device stays open and the worker object is reused for the life of the handler.
+//             Stop() before destroying a handler of one's own: the destructor does not.
+// Blocking:   ioctl; Stop() waits for a running callback, so its caller must hold no lock that the
+//             callback takes. It returns only after the last callback, unless called from inside
+//             one: then the worker ends when that callback returns, the rest of its buffer is
+//             dropped, and only another thread can Start() it again.
+// Errors:     logged and returned as false. A device that is gone or fails is logged once and
+// looked
+//             at again after 10 ms, then ever less often up to once a second, until it works.
+// Units:      display coordinates in pixels; the device counts resolution_scaling_factor as many.
+class FP_UTILS_EXPORT FpsTouchHandler {
+ public:
+  class TouchPollingWorkerThread;
+
+  // The sensing area in display coordinates.
+  struct TouchConfig {
+    int32_t left;
+    int32_t top;
+    int32_t right;
+    int32_t bottom;
+  };
+
+  // The instance of the process, made on first use and never destroyed.
+  static FpsTouchHandler& GetInstance() {
+    static FpsTouchHandler* const instance = new FpsTouchHandler;
+    return *instance;
+  }
+
+  FpsTouchHandler();
+  ~FpsTouchHandler();
+  FpsTouchHandler(const FpsTouchHandler&) = delete;
+  FpsTouchHandler& operator=(const FpsTouchHandler&) = delete;
+
+  // Opens the device if need be and gives it the sensing area.
+  bool Configure(const TouchConfig& config);
+
+  // Runs the worker. False before a successful Configure().
+  bool Start();
+
+  // Ends the worker. Always true.
+  bool Stop();
+
+  bool EnableLptwEventReport(bool enable);
+
+  // Reads one buffer of reports and delivers them; the worker calls it. False if the device gave
+  // nothing.
+  bool ReadTouchEvent();
+
+  // The last report delivered, or the cleared form, from any thread.
+  TouchEvent GetTouchEvent() const;
+  void ClearTouchEvent();
+
+  bool IsConfigured() const { return configured_; }
+  uint32_t GetResolutionScalingFactor() const { return resolution_scaling_factor_; }
+
+ private:
+  friend class TouchPollingWorkerThread;
+
+  bool OpenTouchDevice() REQUIRES(mutex_);
+  bool CreateWorker() REQUIRES(mutex_);
+  void WaitForWorkerEndingItself() REQUIRES(mutex_);
+  std::unique_lock<std::mutex> LockUnlessStopping();
+  bool IsOnWorker() const;
+  void Deliver(const TouchEvent& event);
+
+  android::sp<TouchPollingWorkerThread> touch_polling_worker_thread_ GUARDED_BY(mutex_);
+  mutable std::mutex mutex_;
+  std::atomic<bool> configured_ = false;  // never false again; the worker reads it without the lock
+  bool started_ GUARDED_BY(mutex_) = false;
+
+  // A callback has told its own worker to end, and nobody has waited for that yet.
+  bool ending_itself_ GUARDED_BY(mutex_) = false;
+  std::atomic<bool> dropping_rest_ = false;  // ... so the reports behind this one are not delivered
+
+  // Stop() holds the lock and waits for the worker: what the lock guards stands still meanwhile.
+  std::atomic<bool> stopping_ = false;
+
+  std::atomic<std::thread::id> worker_id_ = std::thread::id();  // while it runs
+
+ public:
+  // Installed by the service before Start(); calling an empty one aborts the process.
+  std::function<void(const TouchEvent&)> touch_event_callback_;
+
+ private:
+  std::atomic<int32_t> touch_fd_ = -1;
+  const uint32_t resolution_scaling_factor_;
+
+  // Held for a copy only.
+  mutable std::mutex touch_event_mutex_;
+
+ public:
+  // The last report. Read it inside the callback; elsewhere, GetTouchEvent().
+  TouchEvent touch_event_;
+};
+
+}  // namespace android::fp_utils

@@ -1,0 +1,68 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace fp_host {
+
+// One record as the touch controller reports it.
+struct TouchRecord {
+  uint64_t stamp = 0;
+  std::array<uint16_t, 20> coords = {};
+  std::array<int32_t, 2> signed_coords = {};
+  int32_t angle = 0;  // 8192 is pi
+  int32_t id = 0;
+  uint32_t type = 0;
+  uint32_t info = 0;
+  uint8_t valid = 1;
+  std::array<uint8_t, 10> flags = {};
+};
+
+// A buffer of records as one read of the device returns it.
+std::string EncodeTouchRecords(const std::vector<TouchRecord>& records);
+
+// The simulated touch-handler device: a node that programs linked with the simulated device open by
+// its path, with a real descriptor behind it. One node at a time.
+//
+// Threading:  every operation from any thread, while the device is in use too.
+class TouchNode {
+ public:
+  struct Request {
+    unsigned long number;
+    std::vector<uint8_t> argument;  // 32 bytes, or none with a null argument
+
+    bool operator==(const Request&) const = default;
+  };
+
+  explicit TouchNode(const std::string& path = "/dev/fth_fd");
+  ~TouchNode();
+  TouchNode(const TouchNode&) = delete;
+  TouchNode& operator=(const TouchNode&) = delete;
+
+  // Sends one buffer; blocks while the reader is far behind. False once the device is gone.
+  bool Push(const std::vector<TouchRecord>& records);
+  bool PushBytes(const std::string& buffer);
+
+  // The same, but drops the buffer where Push() would block.
+  bool TryPushBytes(const std::string& buffer);
+
+  // The device goes away under its users: reads find the end, polls a hang-up. Plug() brings it
+  // back behind the same descriptors.
+  void HangUp();
+  void Plug();
+
+  // What requests with this number return from now on; 0 is success.
+  void Answer(unsigned long number, int result);
+
+  // The requests since the last call, in order.
+  std::vector<Request> TakeRequests();
+
+  // Descriptors of this node that are open.
+  int OpenDescriptors() const;
+};
+
+}  // namespace fp_host

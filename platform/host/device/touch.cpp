@@ -1,0 +1,184 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "device/touch.h"
+
+#include <fcntl.h>
+#include <sys/socket.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <map>
+#include <mutex>
+#include <set>
+#include <utility>
+
+#include "control/touch_node.h"
+
+namespace fp_host {
+namespace {
+
+constexpr size_t kArgumentBytes = 32;
+
+// The node's two ends: the device's, which its users have duplicates of, and the controller's.
+struct Node {
+  std::string path;
+  int device_end = -1;
+  int controller_end = -1;
+  std::set<int> descriptors;
+  std::map<unsigned long, int> answers;
+  std::vector<TouchNode::Request> requests;
+};
+
+std::mutex mutex;
+Node* node = nullptr;  // guarded by mutex; leaked with a process that exits in between
+
+// Each message of a sequenced-packet socket is one report buffer: one read, one buffer.
+void Connect(Node& node) {
+  int ends[2];
+  if (socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends) != 0) {
+    abort();
+  }
+  node.device_end = ends[0];
+  node.controller_end = ends[1];
+}
+
+// Not by close() and fcntl(), which are interposed.
+void CloseQuietly(int fd) { syscall(SYS_close, fd); }
+int Duplicate(int fd) { return dup(fd); }  // NOLINT(android-cloexec-dup)
+
+template <typename Value>
+void Append(std::string& bytes, const Value& value) {
+  bytes.append(reinterpret_cast<const char*>(&value), sizeof value);
+}
+
+bool Send(const std::string& buffer, int flags) {
+  int end = -1;
+  {
+    const std::lock_guard lock(mutex);
+    end = node->controller_end < 0 ? -1 : Duplicate(node->controller_end);
+  }
+  const bool sent = end >= 0 && send(end, buffer.data(), buffer.size(), flags | MSG_NOSIGNAL) >= 0;
+  if (end >= 0) {
+    CloseQuietly(end);
+  }
+  return sent;
+}
+
+}  // namespace
+
+bool IsTouchNode(const char* path) {
+  const std::lock_guard lock(mutex);
+  return node != nullptr && path != nullptr && node->path == path;
+}
+
+int OpenTouchNode() {
+  const std::lock_guard lock(mutex);
+  const int fd = Duplicate(node->device_end);
+  node->descriptors.insert(fd);
+  return fd;
+}
+
+bool IsTouchDescriptor(int fd) {
+  const std::lock_guard lock(mutex);
+  return node != nullptr && node->descriptors.contains(fd);
+}
+
+void ForgetTouchDescriptor(int fd) {
+  const std::lock_guard lock(mutex);
+  if (node != nullptr) {
+    node->descriptors.erase(fd);
+  }
+}
+
+int TakeTouchRequest(unsigned long number, const void* argument) {
+  const std::lock_guard lock(mutex);
+  TouchNode::Request request = {number, {}};
+  if (argument != nullptr) {
+    const auto* bytes = static_cast<const uint8_t*>(argument);
+    request.argument.assign(bytes, bytes + kArgumentBytes);
+  }
+  node->requests.push_back(std::move(request));
+  const auto answer = node->answers.find(number);
+  return answer == node->answers.end() ? 0 : answer->second;
+}
+
+std::string EncodeTouchRecords(const std::vector<TouchRecord>& records) {
+  std::string bytes;
+  Append(bytes, static_cast<uint32_t>(records.size()));
+  Append(bytes, uint32_t{0});
+  for (const TouchRecord& record : records) {
+    Append(bytes, record.stamp);
+    Append(bytes, record.coords);
+    Append(bytes, record.signed_coords);
+    Append(bytes, record.angle);
+    Append(bytes, record.id);
+    Append(bytes, record.type);
+    Append(bytes, record.info);
+    Append(bytes, record.valid);
+    Append(bytes, record.flags);
+    bytes.append(5, '\0');
+  }
+  return bytes;
+}
+
+TouchNode::TouchNode(const std::string& path) {
+  auto* fresh = new Node{.path = path};
+  Connect(*fresh);
+  const std::lock_guard lock(mutex);
+  if (node != nullptr) {
+    abort();
+  }
+  node = fresh;
+}
+
+TouchNode::~TouchNode() {
+  HangUp();
+  const std::lock_guard lock(mutex);
+  CloseQuietly(node->device_end);
+  delete std::exchange(node, nullptr);
+}
+
+bool TouchNode::Push(const std::vector<TouchRecord>& records) {
+  return PushBytes(EncodeTouchRecords(records));
+}
+
+bool TouchNode::PushBytes(const std::string& buffer) { return Send(buffer, 0); }
+
+bool TouchNode::TryPushBytes(const std::string& buffer) { return Send(buffer, MSG_DONTWAIT); }
+
+void TouchNode::HangUp() {
+  const std::lock_guard lock(mutex);
+  if (node->controller_end >= 0) {
+    shutdown(node->controller_end, SHUT_RDWR);
+    CloseQuietly(std::exchange(node->controller_end, -1));
+  }
+}
+
+void TouchNode::Plug() {
+  HangUp();
+  const std::lock_guard lock(mutex);
+  CloseQuietly(node->device_end);
+  Connect(*node);
+  for (const int fd : node->descriptors) {
+    dup2(node->device_end, fd);
+  }
+}
+
+void TouchNode::Answer(unsigned long number, int result) {
+  const std::lock_guard lock(mutex);
+  node->answers[number] = result;
+}
+
+std::vector<TouchNode::Request> TouchNode::TakeRequests() {
+  const std::lock_guard lock(mutex);
+  return std::exchange(node->requests, {});
+}
+
+int TouchNode::OpenDescriptors() const {
+  const std::lock_guard lock(mutex);
+  return static_cast<int>(node->descriptors.size());
+}
+
+}  // namespace fp_host

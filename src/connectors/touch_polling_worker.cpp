@@ -1,0 +1,160 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "connectors/touch_polling_worker.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <thread>
+
+#include "common/log.h"
+
+namespace android::fp_utils {
+namespace {
+
+constexpr const char* kTag = log_tag::kFpsTouchHandler;
+constexpr char kThreadName[] = "TouchPollingWorkerThread";
+
+// How long a device that fails is left alone: at first hardly, in the end so that a dead one costs
+// nothing that a battery would show.
+constexpr int kFirstBackoffMs = 10;
+constexpr int kLongestBackoffMs = 1000;
+
+}  // namespace
+
+FpsTouchHandler::TouchPollingWorkerThread::TouchPollingWorkerThread(FpsTouchHandler* handler)
+    : handler_(handler) {}
+
+FpsTouchHandler::TouchPollingWorkerThread::~TouchPollingWorkerThread() {
+  FP_LOG_DEBUG(kTag, "%s", "~TouchPollingWorkerThread");
+  for (const int32_t fd : cancel_pipe_fds_) {
+    if (fd >= 0) {
+      close(fd);
+    }
+  }
+}
+
+bool FpsTouchHandler::TouchPollingWorkerThread::Init() {
+  if (!CreateCancelPipe()) {
+    FP_LOG_ERROR(kTag, "%s: failed to create stop pipe", "Init");
+    return false;
+  }
+  return true;
+}
+
+bool FpsTouchHandler::TouchPollingWorkerThread::Start() {
+  if (!isRunning()) {
+    run(kThreadName, 0, 0);
+  }
+  return true;
+}
+
+bool FpsTouchHandler::TouchPollingWorkerThread::Stop() {
+  if (isRunning()) {
+    requestExit();
+    WriteCancelEvent();
+    requestExitAndWait();
+  }
+  return true;
+}
+
+void FpsTouchHandler::TouchPollingWorkerThread::RequestEnd() {
+  requestExit();
+  WriteCancelEvent();
+}
+
+bool FpsTouchHandler::TouchPollingWorkerThread::CreateCancelPipe() {
+  int fds[2];
+  // NOLINTNEXTLINE(android-cloexec-pipe): children inherit it, as they always did
+  if (pipe(fds) != 0) {
+    FP_LOG_ERROR(kTag, "%s: could not create stop pipe: %s", "CreateCancelPipe", strerror(errno));
+    return false;
+  }
+  cancel_pipe_fds_ = {fds[0], fds[1]};
+  if (fcntl(cancel_pipe_fds_[0], F_SETFL, O_NONBLOCK) != 0) {
+    FP_LOG_ERROR(kTag, "%s: could not make stop read pipe non-blocking: %s", "CreateCancelPipe",
+                 strerror(errno));
+    return false;
+  }
+  if (fcntl(cancel_pipe_fds_[1], F_SETFL, O_NONBLOCK) != 0) {
+    FP_LOG_ERROR(kTag, "%s: could not make stop write pipe non-blocking: %s", "CreateCancelPipe",
+                 strerror(errno));
+    return false;
+  }
+  return true;
+}
+
+void FpsTouchHandler::TouchPollingWorkerThread::WriteCancelEvent() {
+  FP_LOG_INFO(kTag, "%s: write cancel event", "WriteCancelEvent");
+  if (cancel_pipe_fds_[1] < 0) {
+    FP_LOG_ERROR(kTag, "%s: invalid fd\n", "WriteCancelEvent");
+    return;
+  }
+  if (write(cancel_pipe_fds_[1], "W", 1) < 1) {
+    FP_LOG_ERROR(kTag, "%s: failed to write cancel event(errno=%d)\n", "WriteCancelEvent", errno);
+  }
+}
+
+void FpsTouchHandler::TouchPollingWorkerThread::ReadAndClearCancelEvent() {
+  if (cancel_pipe_fds_[0] < 0) {
+    FP_LOG_ERROR(kTag, "%s: invalid fd\n", "ReadAndClearCancelEvent");
+    return;
+  }
+  char chunk[16];
+  while (read(cancel_pipe_fds_[0], chunk, sizeof chunk) == sizeof chunk) {
+  }
+}
+
+void FpsTouchHandler::TouchPollingWorkerThread::pollFds() {
+  pollfd fds[2] = {{.fd = handler_->touch_fd_, .events = POLLIN, .revents = 0},
+                   {.fd = cancel_pipe_fds_[0], .events = POLLIN, .revents = 0}};
+  const int result = poll(fds, 2, -1);
+  if (result < 0) {
+    FP_LOG_ERROR(kTag, "%s: poll failed (errno=%d)\n", "pollFds", errno);
+    BackOff();
+  } else if (result == 0) {
+    FP_LOG_INFO(kTag, "%s: timed out", "pollFds");
+  } else if ((fds[1].revents & POLLIN) != 0) {
+    FP_LOG_INFO(kTag, "%s: received cancel event", "pollFds");
+    ReadAndClearCancelEvent();
+  } else if ((fds[0].revents & POLLIN) != 0 && handler_->ReadTouchEvent()) {
+    backoff_ms_ = 0;
+  } else {
+    if (backoff_ms_ == 0) {
+      FP_LOG_ERROR(kTag, "%s: touch device failed (revents=0x%x)", "pollFds", fds[0].revents);
+    }
+    BackOff();
+  }
+}
+
+// A device that has hung up stays ready for ever: without a pause the loop would keep a core busy.
+// The pipe still ends the pause at once.
+void FpsTouchHandler::TouchPollingWorkerThread::BackOff() {
+  backoff_ms_ = std::clamp(2 * backoff_ms_, kFirstBackoffMs, kLongestBackoffMs);
+  pollfd cancel = {.fd = cancel_pipe_fds_[0], .events = POLLIN, .revents = 0};
+  if (poll(&cancel, 1, backoff_ms_) < 0 && !exitPending()) {
+    usleep(kFirstBackoffMs * 1000);
+  }
+}
+
+bool FpsTouchHandler::TouchPollingWorkerThread::threadLoop() {
+  handler_->worker_id_ = std::this_thread::get_id();
+  backoff_ms_ = 0;
+  FP_LOG_DEBUG(kTag, "%s starting", "threadLoop");
+  if (handler_->configured_) {
+    do {
+      if (exitPending()) {
+        break;
+      }
+      pollFds();
+    } while (handler_->configured_);
+  }
+  FP_LOG_DEBUG(kTag, "%s exiting", "threadLoop");
+  handler_->worker_id_ = std::thread::id();
+  return true;  // the exit that is pending ends the thread
+}
+
+}  // namespace android::fp_utils

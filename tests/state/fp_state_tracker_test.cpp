@@ -1,0 +1,191 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "fp_utils/fp_state_tracker.h"
+
+#include <sys/time.h>
+
+#include <atomic>
+#include <cerrno>
+#include <regex>
+#include <thread>
+#include <vector>
+
+#include "support/device_test.h"
+#include "support/recorder.h"
+
+namespace android::fp_utils {
+namespace {
+
+using fp_test::Debug;
+using fp_test::Error;
+using fp_test::Eventually;
+using fp_test::LogLine;
+using fp_test::TakeLog;
+using std::chrono::steady_clock;
+
+constexpr char kTag[] = "FpStateTracker";
+
+constexpr fp_state_t State(uint32_t value) { return fp_state_t{value}; }
+
+class FpStateTrackerTest : public ::testing::Test {
+ protected:
+  // Waits until a thread is inside a wait, by its log line.
+  void AwaitWaiters(size_t count) {
+    ASSERT_TRUE(Eventually([&] {
+      for (const LogLine& line : TakeLog()) {
+        waiting_ += line.message.find("waiting for state") != std::string::npos ? 1 : 0;
+      }
+      return waiting_ >= count;
+    }));
+  }
+
+  std::string FingerDownTime() {
+    char text[64];
+    EXPECT_EQ(23, tracker_.GetFingerDownTime(text, sizeof text));
+    return text;
+  }
+
+  FpStateTracker tracker_;
+  size_t waiting_ = 0;
+};
+
+TEST_F(FpStateTrackerTest, AnswersAtOnceWhereItCan) {
+  EXPECT_EQ(0, tracker_.WaitForState(State(0), 1000)) << "the state before the first update";
+  tracker_.UpdateState(State(0xABC));
+  EXPECT_EQ(0, tracker_.WaitForState(State(0xABC), 0));
+  EXPECT_EQ(-110, tracker_.WaitForState(State(0xABD), 0));
+  EXPECT_EQ(0, tracker_.WaitForState(State(0xABC), 4294967295));
+  EXPECT_EQ(State(0xABC), tracker_.GetState());
+  EXPECT_EQ((std::vector{Debug(kTag, "WaitForState: state is already 0x0"),
+                         Debug(kTag, "UpdateState: state_:0xabc"),
+                         Debug(kTag, "WaitForState: state is already 0xabc"),
+                         Error(kTag, "WaitForState: Timeout waiting for state change"),
+                         Debug(kTag, "WaitForState: state is already 0xabc")}),
+            TakeLog());
+}
+
+TEST_F(FpStateTrackerTest, WaitsForExactlyItsState) {
+  int result = 1;
+  std::thread waiter([&] { result = tracker_.WaitForState(State(0x201), 4294967295); });
+  AwaitWaiters(1);
+  tracker_.UpdateState(State(0x101));
+  AwaitWaiters(2);
+  tracker_.UpdateState(State(0x201));
+  waiter.join();
+  EXPECT_EQ(0, result);
+  const auto log = TakeLog();
+  EXPECT_EQ(Debug(kTag, "WaitForState: state is changed to 0x201"), log.back());
+}
+
+TEST_F(FpStateTrackerTest, TimesOutAtItsDeadlineWhateverWakesIt) {
+  std::atomic<bool> done = false;
+  std::thread noise([&] {
+    for (uint32_t i = 1; !done; ++i) {
+      tracker_.UpdateState(State(i % 2));
+      std::this_thread::yield();
+    }
+  });
+  const auto begin = steady_clock::now();
+  EXPECT_EQ(-ETIMEDOUT, tracker_.WaitForState(State(7), 50));
+  const auto elapsed = steady_clock::now() - begin;
+  done = true;
+  noise.join();
+  EXPECT_LE(std::chrono::milliseconds(49), elapsed) << "both clocks count whole milliseconds";
+}
+
+TEST_F(FpStateTrackerTest, ManyWaitersEachGetTheirState) {
+  constexpr uint32_t kWaiters = 8;
+  std::vector<std::thread> waiters;
+  std::array<std::atomic<int>, kWaiters> results = {};
+  for (uint32_t i = 0; i < kWaiters; ++i) {
+    results[i] = 1;
+    waiters.emplace_back([&, i] { results[i] = tracker_.WaitForState(State(0x10 + i), 30000); });
+  }
+  AwaitWaiters(kWaiters);
+  for (uint32_t i = kWaiters; i-- > 0;) {
+    tracker_.UpdateState(State(0x10 + i));
+    ASSERT_TRUE(Eventually([&] { return results[i] == 0; }));
+  }
+  for (std::thread& waiter : waiters) {
+    waiter.join();
+  }
+}
+
+TEST_F(FpStateTrackerTest, StateReachedAndLeftMayBeMissed) {
+  std::thread waiter([&] { tracker_.WaitForState(State(5), 20); });
+  AwaitWaiters(1);
+  tracker_.UpdateState(State(5));
+  tracker_.UpdateState(State(6));
+  waiter.join();  // with either result
+}
+
+TEST_F(FpStateTrackerTest, RecordsWhenTheFingerCameDown) {
+  setenv("TZ", "UTC", 1);
+  tzset();
+  EXPECT_EQ("1970-01-01-00-00-00-000", FingerDownTime());
+  EXPECT_EQ(0, tracker_.GetFingerDownSteadyTime().time_since_epoch().count());
+  for (const uint32_t state : {0x101u, 0x201u}) {
+    timeval before = {};
+    gettimeofday(&before, nullptr);
+    const auto steady_before = steady_clock::now();
+    tracker_.UpdateState(State(state));
+    timeval after = {};
+    gettimeofday(&after, nullptr);
+    const std::string text = FingerDownTime();
+    tm parts = {};
+    int milliseconds = 0;
+    ASSERT_EQ(7,
+              sscanf(text.c_str(), "%d-%d-%d-%d-%d-%d-%d", &parts.tm_year, &parts.tm_mon,
+                     &parts.tm_mday, &parts.tm_hour, &parts.tm_min, &parts.tm_sec, &milliseconds));
+    parts.tm_year -= 1900;
+    parts.tm_mon -= 1;
+    const int64_t recorded = timegm(&parts) * 1000L + milliseconds;
+    EXPECT_LE(before.tv_sec * 1000L + before.tv_usec / 1000, recorded);
+    EXPECT_GE(after.tv_sec * 1000L + after.tv_usec / 1000, recorded);
+    EXPECT_LE(steady_before, tracker_.GetFingerDownSteadyTime());
+    EXPECT_GE(steady_clock::now(), tracker_.GetFingerDownSteadyTime());
+  }
+  const std::string down = FingerDownTime();
+  const auto steady_down = tracker_.GetFingerDownSteadyTime();
+  EXPECT_EQ(0, tracker_.GetState205SteadyTime().time_since_epoch().count());
+  tracker_.UpdateState(State(0x205));
+  tracker_.UpdateState(State(0x102));
+  EXPECT_EQ(down, FingerDownTime());
+  EXPECT_EQ(steady_down, tracker_.GetFingerDownSteadyTime());
+  EXPECT_LE(steady_down, tracker_.GetState205SteadyTime());
+}
+
+TEST_F(FpStateTrackerTest, FingerDownTimeFitsEveryBuffer) {
+  const std::string whole = FingerDownTime();
+  for (size_t size = 0; size <= 30; ++size) {
+    std::vector<char> buffer(31, '#');
+    EXPECT_EQ(23, tracker_.GetFingerDownTime(buffer.data(), size));
+    const std::string expected = size == 0 ? "" : whole.substr(0, size - 1) + std::string(1, '\0');
+    const std::string written(buffer.data(), expected.size());
+    EXPECT_EQ(expected, written);
+    EXPECT_TRUE(std::all_of(buffer.begin() + static_cast<ptrdiff_t>(expected.size()), buffer.end(),
+                            [](char c) { return c == '#'; }));
+  }
+  EXPECT_EQ(23, tracker_.GetFingerDownTime(nullptr, 0));
+}
+
+TEST_F(FpStateTrackerTest, UpdatesAndReadsFromManyThreads) {
+  fp_test::MuteLog(true);
+  std::vector<std::thread> threads;
+  for (int i = 0; i < 4; ++i) {
+    threads.emplace_back([this, i] {
+      char text[32];
+      for (int k = 0; k < 1000; ++k) {
+        tracker_.UpdateState(State(i % 2 == 0 ? 0x101 : 0x205));
+        tracker_.GetFingerDownTime(text, sizeof text);
+        tracker_.WaitForState(State(0x101), 1);
+      }
+    });
+  }
+  for (std::thread& thread : threads) {
+    thread.join();
+  }
+  EXPECT_EQ(&FpStateTracker::GetInstance(), &FpStateTracker::GetInstance());
+}
+
+}  // namespace
+}  // namespace android::fp_utils
