@@ -197,11 +197,11 @@ bool FpsTouchHandler::EnableLptwEventReport(bool enable) {
 }
 
 bool FpsTouchHandler::ReadTouchEvent() {
-  touch_device::Reports reports = {};
   if (!configured_) {
     FP_LOG_ERROR(kTag, "%s: configuration has not been completed", "ReadTouchEvent");
     return false;
   }
+  touch_device::Reports reports;  // not zeroed: most reads fill little of it
   ssize_t bytes = 0;
   {
     const std::unique_lock lock = LockUnlessStopping();
@@ -212,13 +212,12 @@ bool FpsTouchHandler::ReadTouchEvent() {
       FP_LOG_ERROR(kTag, "%s: invalid fd", "ReadTouchEvent");
       return false;
     }
-    // Whatever comes short leaves zeros, which count no record or an invalid one.
     bytes = read(touch_fd_, &reports, sizeof reports);
   }
   if (bytes <= 0) {
     return bytes < 0 && (errno == EINTR || errno == EAGAIN);
   }
-  const uint32_t count = std::min(reports.count, touch_device::kMaxRecords);
+  const uint32_t count = touch_device::CompleteWithZeros(reports, static_cast<size_t>(bytes));
   for (uint32_t i = 0; i < count && !dropping_rest_; ++i) {
     if (touch_device::IsValid(reports.records[i])) {
       Deliver(touch_device::Decode(reports.records[i], resolution_scaling_factor_));

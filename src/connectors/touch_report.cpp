@@ -2,6 +2,7 @@
 #include "connectors/touch_report.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace android::fp_utils::touch_device {
 namespace {
@@ -18,6 +19,20 @@ float ToRadians(int32_t angle) {
 }
 
 }  // namespace
+
+uint32_t CompleteWithZeros(Reports& reports, size_t bytes) {
+  auto* const buffer = reinterpret_cast<uint8_t*>(&reports);
+  const auto zero_up_to = [&](size_t end) {
+    if (bytes < end) {
+      memset(buffer + bytes, 0, end - bytes);
+      bytes = end;
+    }
+  };
+  zero_up_to(sizeof reports.count);
+  const uint32_t count = std::min(reports.count, kMaxRecords);
+  zero_up_to(offsetof(Reports, records) + count * sizeof(Record));
+  return count;
+}
 
 TouchEvent Decode(const Record& record, uint32_t scaling_factor) {
   const float divisor = record.id == kUnscaledId ? 1.0F : static_cast<float>(scaling_factor);

@@ -68,6 +68,10 @@ struct Reports {
 static_assert(sizeof(Reports) == 11272);
 static_assert(offsetof(Reports, records) == 8);
 
+// Makes what a read of only `bytes` has left of the records that are counted zero, which is invalid
+// records, and returns how many there are to look at.
+uint32_t CompleteWithZeros(Reports& reports, size_t bytes);
+
 inline bool IsValid(const Record& record) { return (record.valid & 1) != 0; }
 
 // The report in display coordinates, of which the device has `scaling_factor` to the pixel.

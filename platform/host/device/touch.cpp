@@ -53,16 +53,25 @@ void Append(std::string& bytes, const Value& value) {
   bytes.append(reinterpret_cast<const char*>(&value), sizeof value);
 }
 
-bool Send(const std::string& buffer, int flags) {
+bool TrySend(int end, const std::string& buffer) {
+  return send(end, buffer.data(), buffer.size(), MSG_DONTWAIT | MSG_NOSIGNAL) >= 0;
+}
+
+// Waits until the reader has made room; the node may hang up meanwhile.
+bool SendBlocking(const std::string& buffer) {
   int end = -1;
   {
     const std::lock_guard lock(mutex);
-    end = node->controller_end < 0 ? -1 : Duplicate(node->controller_end);
+    if (node->controller_end < 0) {
+      return false;
+    }
+    if (TrySend(node->controller_end, buffer)) {
+      return true;
+    }
+    end = Duplicate(node->controller_end);
   }
-  const bool sent = end >= 0 && send(end, buffer.data(), buffer.size(), flags | MSG_NOSIGNAL) >= 0;
-  if (end >= 0) {
-    CloseQuietly(end);
-  }
+  const bool sent = send(end, buffer.data(), buffer.size(), MSG_NOSIGNAL) >= 0;
+  CloseQuietly(end);
   return sent;
 }
 
@@ -144,9 +153,12 @@ bool TouchNode::Push(const std::vector<TouchRecord>& records) {
   return PushBytes(EncodeTouchRecords(records));
 }
 
-bool TouchNode::PushBytes(const std::string& buffer) { return Send(buffer, 0); }
+bool TouchNode::PushBytes(const std::string& buffer) { return SendBlocking(buffer); }
 
-bool TouchNode::TryPushBytes(const std::string& buffer) { return Send(buffer, MSG_DONTWAIT); }
+bool TouchNode::TryPushBytes(const std::string& buffer) {
+  const std::lock_guard lock(mutex);
+  return node->controller_end >= 0 && TrySend(node->controller_end, buffer);
+}
 
 void TouchNode::HangUp() {
   const std::lock_guard lock(mutex);
