@@ -2,8 +2,9 @@
 # The project's commands. Each installs what it lacks, configures its CMake preset and builds.
 
 .DEFAULT_GOAL := help
-.PHONY: help build demo test check bench lint format stats clean test-clang test-asan test-tsan device-like bench-build
+.PHONY: help build demo test check bench fuzz lint format stats clean test-clang test-asan test-tsan device-like bench-build
 
+FUZZ_SECONDS ?= 60
 JOBS ?= $(shell nproc)
 CTEST = ctest --output-on-failure --no-tests=error -j$(JOBS)
 DEMO = build/release/examples/fp_service/fp_service --device-root build/demo/device
@@ -60,6 +61,11 @@ bench: build  ## measure against the plain alternatives and print the ratios
 	@scripts/setup build bench
 	$(call build,bench)
 	build/bench/bench/fp_bench --benchmark_color=false
+
+fuzz: build  ## run every fuzz target for FUZZ_SECONDS (60)
+	@scripts/setup build test clang
+	$(call build,fuzz)
+	scripts/fuzz build/fuzz $(FUZZ_SECONDS)
 
 lint: build  ## format, include direction, exported symbols, clang-tidy
 	@scripts/setup build test lint clang

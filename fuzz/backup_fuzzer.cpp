@@ -1,0 +1,94 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// A backup file of any content, loaded by the history named FUZZED_HISTORY: no crash, and what was
+// loaded is saved and loaded again unchanged.
+#include <algorithm>
+#include <cstdint>
+#include <cstdlib>
+#include <fstream>
+
+#include "fp_utils/crc32.h"
+#include "fuzzed_device.h"
+#include "support/history_kinds.h"
+
+using fp_test::HistoryKind;
+
+namespace {
+
+const HistoryKind& Kind() {
+  static const HistoryKind kind = [] {
+    for (const HistoryKind& candidate : fp_test::AllHistoryKinds()) {
+      if (candidate.name == std::string(FUZZED_HISTORY)) {
+        return candidate;
+      }
+    }
+    abort();
+  }();
+  return kind;
+}
+
+std::string Frame(const std::string& text) {
+  char header[64];
+  snprintf(header, sizeof header, "0x%x,0x%zx,", android::fp_utils::crc32(text.data(), text.size()),
+           text.size());
+  return header + text;
+}
+
+// The record texts of what still looks like frames, whatever their CRC.
+std::vector<std::string> FramedTexts(const std::string& file) {
+  std::vector<std::string> texts;
+  size_t at = 0;
+  unsigned crc = 0;
+  unsigned long length = 0;
+  int header = 0;
+  while (at < file.size() &&
+         sscanf(file.c_str() + at, "0x%x,0x%lx,%n", &crc, &length, &header) == 2 && header > 0) {
+    at += static_cast<size_t>(header);
+    texts.push_back(file.substr(std::min(at, file.size()), std::min(length, 2000UL)));
+    at += texts.back().size();
+    header = 0;
+  }
+  return texts;
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  fp_fuzz::BootInMemory();
+  std::ofstream(fp_host::HostPath(Kind().path), std::ios::binary)
+      .write(reinterpret_cast<const char*>(data), static_cast<std::streamsize>(size));
+  auto history = Kind().start();
+  history->AddAndSave(1);
+  const auto saved = history->RecordTexts();
+  const auto loaded = Kind().start()->RecordTexts();
+  // A record that the scan takes may be written in a form that it does not take whole, so some may
+  // be missing; none may be new.
+  if (loaded.empty() || loaded.size() > saved.size() || loaded.back() != saved.back()) {
+    abort();
+  }
+  return 0;
+}
+
+extern "C" size_t LLVMFuzzerMutate(uint8_t* data, size_t size, size_t max_size);
+
+// Mutations of the whole file seldom get past the CRC: half of the time one record is mutated and
+// its frame repaired.
+extern "C" size_t LLVMFuzzerCustomMutator(uint8_t* data, size_t size, size_t max_size,
+                                          unsigned int random) {
+  std::vector<std::string> texts =
+      FramedTexts(std::string(reinterpret_cast<const char*>(data), size));
+  if (texts.empty() || random % 2 == 0) {
+    return LLVMFuzzerMutate(data, size, max_size);
+  }
+  std::string& text = texts[random / 2 % texts.size()];
+  const size_t old_size = text.size();
+  text.resize(old_size + 64);
+  text.resize(LLVMFuzzerMutate(reinterpret_cast<uint8_t*>(text.data()), old_size, old_size + 64));
+  std::string file;
+  for (const std::string& each : texts) {
+    file += Frame(each);
+  }
+  file.resize(std::min(file.size(), max_size));
+  std::copy(file.begin(), file.end(), data);
+  return file.size();
+}
