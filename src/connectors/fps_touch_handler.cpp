@@ -2,15 +2,15 @@
 #include "fp_utils/fps_touch_handler.h"
 
 #include <fcntl.h>
-#include <pthread.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <cstring>
-#include <ctime>
 #include <string>
+#include <thread>
 
 #include <android-base/properties.h>
 
@@ -31,18 +31,6 @@ uint32_t ScalingFactor() {
 // Wraps around in 32 bits, as the device's own arithmetic does.
 int32_t Scale(int32_t value, uint32_t factor) {
   return static_cast<int32_t>(static_cast<uint32_t>(value) * factor);
-}
-
-// Waits for `mutex` for a millisecond at most.
-bool LockForAMoment(std::mutex& mutex) {
-  timespec end = {};
-  clock_gettime(CLOCK_REALTIME, &end);
-  constexpr long kMomentNs = 1000000;
-  constexpr long kSecondNs = 1000000000;
-  end.tv_nsec += kMomentNs;
-  end.tv_sec += end.tv_nsec / kSecondNs;
-  end.tv_nsec %= kSecondNs;
-  return pthread_mutex_timedlock(mutex.native_handle(), &end) == 0;
 }
 
 }  // namespace
@@ -169,11 +157,11 @@ bool FpsTouchHandler::IsOnWorker() const { return worker_id_.load() == std::this
 // The lock, or none when Stop() holds it to wait for the worker. Whoever is on the worker, or holds
 // what a callback on the worker is waiting for, must not wait for that Stop() in turn.
 std::unique_lock<std::mutex> FpsTouchHandler::LockUnlessStopping() {
+  // Not a timed lock: its deadline would move with the wall clock.
+  constexpr std::chrono::microseconds kMoment{100};
   std::unique_lock lock(mutex_, std::try_to_lock);
-  while (!lock.owns_lock() && !stopping_) {
-    if (LockForAMoment(mutex_)) {
-      lock = std::unique_lock(mutex_, std::adopt_lock);
-    }
+  while (!lock.owns_lock() && !stopping_ && !lock.try_lock()) {
+    std::this_thread::sleep_for(kMoment);
   }
   return lock;
 }
