@@ -38,6 +38,14 @@ Function* Next(const char* name) {
 }
 #define NEXT(name) static auto* const next = Next<decltype(name)>(#name)
 
+// Looked up when the library is loaded: the thread sanitizer makes a pipe to the program that names
+// functions for its reports, at a moment at which dlsym() crashes it.
+decltype(pipe)* NextPipe() {
+  NEXT(pipe);
+  return next;
+}
+[[maybe_unused]] decltype(pipe)* const kNextPipe = NextPipe();
+
 mode_t ModeArgument(int flags, va_list arguments) {
   return (flags & (O_CREAT | O_TMPFILE)) != 0 ? va_arg(arguments, mode_t) : 0;
 }
@@ -231,7 +239,7 @@ int poll(pollfd* fds, nfds_t count, int timeout) {
 }
 
 int pipe(int fds[2]) {
-  NEXT(pipe);
+  auto* const next = NextPipe();
   if (Judge(Call::kPipe).fails) {
     return -1;
   }
