@@ -2,8 +2,12 @@
 include(CMakePackageConfigHelpers)
 set(package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/fp_utils")
 
+get_property(fp_host_libraries GLOBAL PROPERTY FP_HOST_LIBRARIES)
 install(TARGETS fp_utils fp_host_platform EXPORT fp_utils-targets
   LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}")
+# In a folder of their own: they must never be taken for the platform's.
+install(TARGETS ${fp_host_libraries} EXPORT fp_utils-targets
+  LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}/fp_utils_host")
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/platform/host/include/"
   DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/fp_utils_host")
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/include/fp_utils" DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}")

@@ -24,6 +24,9 @@ inline LogLine Debug(std::string tag, std::string message) {
 inline LogLine Info(std::string tag, std::string message) {
   return {ANDROID_LOG_INFO, std::move(tag), std::move(message)};
 }
+inline LogLine Warn(std::string tag, std::string message) {
+  return {ANDROID_LOG_WARN, std::move(tag), std::move(message)};
+}
 inline LogLine Error(std::string tag, std::string message) {
   return {ANDROID_LOG_ERROR, std::move(tag), std::move(message)};
 }

@@ -1,0 +1,17 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <aidl/com/norvan/hardware/kestra/display/IDisplay.h>
+
+namespace aidl::com::norvan::hardware::kestra::display {
+
+class BnDisplay : public ::ndk::BnCInterface<IDisplay> {
+ public:
+  BnDisplay();
+  virtual ~BnDisplay();
+
+ protected:
+  ::ndk::SpAIBinder createBinder() override;
+};
+
+}  // namespace aidl::com::norvan::hardware::kestra::display

@@ -1,0 +1,16 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <aidl/com/norvan/hardware/kestra/display/IDisplay.h>
+
+namespace aidl::com::norvan::hardware::kestra::display {
+
+class BpDisplay : public ::ndk::BpCInterface<IDisplay> {
+ public:
+  explicit BpDisplay(const ::ndk::SpAIBinder& binder);
+  virtual ~BpDisplay();
+
+  ::ndk::ScopedAStatus setLhbmState(bool in_enabled) override;
+};
+
+}  // namespace aidl::com::norvan::hardware::kestra::display

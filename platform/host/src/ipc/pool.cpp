@@ -1,0 +1,74 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "ipc/pool.h"
+
+#include <chrono>
+#include <thread>
+#include <utility>
+
+namespace fp_host::ipc {
+
+void Pool::Start() {
+  const std::lock_guard lock(mutex_);
+  if (threads_ == 0) {
+    AddThread();
+  }
+}
+
+void Pool::SetMaxMoreThreads(uint32_t count) {
+  const std::lock_guard lock(mutex_);
+  max_more_threads_ = count;
+}
+
+bool Pool::IsStarted() const {
+  const std::lock_guard lock(mutex_);
+  return threads_ > 0;
+}
+
+void Pool::Post(std::function<void()> work) {
+  const std::lock_guard lock(mutex_);
+  work_.push_back(std::move(work));
+  if (threads_ > 0 && idle_ < work_.size() && threads_ < 1 + max_more_threads_) {
+    AddThread();
+  }
+  work_arrived_.notify_one();
+}
+
+bool Pool::WaitUntilIdle() const {
+  std::unique_lock lock(mutex_);
+  return became_idle_.wait_for(lock, std::chrono::seconds(10),
+                               [this] { return work_.empty() && idle_ == threads_; });
+}
+
+void Pool::AddThread() {
+  ++threads_;
+  ++idle_;
+  std::thread([this] { Serve(); }).detach();
+}
+
+void Pool::Serve() {
+  std::unique_lock lock(mutex_);
+  while (true) {
+    work_arrived_.wait(lock, [this] { return !work_.empty(); });
+    std::function<void()> work = std::move(work_.front());
+    work_.pop_front();
+    --idle_;
+    lock.unlock();
+    work();
+    work = nullptr;  // what it holds is released by this thread, not under the lock
+    lock.lock();
+    ++idle_;
+    became_idle_.notify_all();
+  }
+}
+
+Pool& BinderPool() {
+  static auto* const pool = new Pool(15);
+  return *pool;
+}
+
+Pool& HidlPool() {
+  static auto* const pool = new Pool(0);
+  return *pool;
+}
+
+}  // namespace fp_host::ipc

@@ -1,0 +1,91 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "ipc/registry.h"
+
+#include <utility>
+
+#include <android/log.h>
+
+namespace fp_host::ipc {
+
+// Never destroyed: a thread may wait for a service while the process exits.
+Registry& Registry::Get() {
+  static auto* const registry = new Registry;
+  return *registry;
+}
+
+void Registry::Declare(const std::string& name, bool declared) {
+  const std::lock_guard lock(mutex_);
+  if (declared) {
+    declared_.insert(name);
+  } else {
+    declared_.erase(name);
+  }
+}
+
+bool Registry::IsDeclared(const std::string& name) const {
+  const std::lock_guard lock(mutex_);
+  if (failing_) {
+    __android_log_print(ANDROID_LOG_ERROR, "ServiceManager", "Failed to get isDeclared for %s",
+                        name.c_str());
+    return false;
+  }
+  return declared_.contains(name);
+}
+
+void Registry::Add(const std::string& name, std::shared_ptr<void> object) {
+  const std::lock_guard lock(mutex_);
+  objects_[name] = std::move(object);
+  changed_.notify_all();
+}
+
+void Registry::Remove(const std::string& name, const std::shared_ptr<void>& object) {
+  std::shared_ptr<void> removed;  // released after the lock
+  const std::lock_guard lock(mutex_);
+  const auto entry = objects_.find(name);
+  if (entry != objects_.end() && entry->second == object) {
+    removed = std::move(entry->second);
+    objects_.erase(entry);
+  }
+}
+
+std::shared_ptr<void> Registry::Check(const std::string& name) const {
+  const std::lock_guard lock(mutex_);
+  return failing_ ? nullptr : Find(name);
+}
+
+std::shared_ptr<void> Registry::Wait(const std::string& name) const {
+  std::unique_lock lock(mutex_);
+  ++waiting_;
+  changed_.notify_all();
+  changed_.wait_for(lock, delay_, [this] { return failing_; });
+  const auto is_decided = [&] { return failing_ || Find(name) != nullptr; };
+  while (!changed_.wait_for(lock, std::chrono::seconds(1), is_decided)) {
+    __android_log_print(ANDROID_LOG_WARN, "ServiceManager", "Waited one second for %s",
+                        name.c_str());
+  }
+  --waiting_;
+  return failing_ ? nullptr : Find(name);
+}
+
+std::shared_ptr<void> Registry::Find(const std::string& name) const {
+  const auto entry = objects_.find(name);
+  return entry == objects_.end() ? nullptr : entry->second;
+}
+
+void Registry::SetFailing(bool failing) {
+  const std::lock_guard lock(mutex_);
+  failing_ = failing;
+  changed_.notify_all();
+}
+
+void Registry::SetDelay(std::chrono::milliseconds delay) {
+  const std::lock_guard lock(mutex_);
+  delay_ = delay;
+}
+
+bool Registry::WaitForWaiting(int threads) const {
+  std::unique_lock lock(mutex_);
+  return changed_.wait_for(lock, std::chrono::seconds(10), [&] { return waiting_ >= threads; });
+}
+
+}  // namespace fp_host::ipc

@@ -1,0 +1,51 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <chrono>
+#include <condition_variable>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <set>
+#include <string>
+
+namespace fp_host::ipc {
+
+// The device's manifest and its service managers: names and what they stand for. The names of AIDL
+// and HIDL services differ in form, so one table holds both.
+class Registry {
+ public:
+  static Registry& Get();
+
+  void Declare(const std::string& name, bool declared);
+  bool IsDeclared(const std::string& name) const;
+
+  void Add(const std::string& name, std::shared_ptr<void> object);
+  // Forgets `object`, if that is what the name stands for.
+  void Remove(const std::string& name, const std::shared_ptr<void>& object);
+
+  // Null if there is nothing by that name.
+  std::shared_ptr<void> Check(const std::string& name) const;
+  // Waits until there is; null if the service manager fails. Logs every second.
+  std::shared_ptr<void> Wait(const std::string& name) const;
+
+  // See control/services.h.
+  void SetFailing(bool failing);
+  void SetDelay(std::chrono::milliseconds delay);
+  bool WaitForWaiting(int threads) const;
+
+ private:
+  std::shared_ptr<void> Find(const std::string& name) const;  // with mutex_ held
+
+  mutable std::mutex mutex_;
+  mutable std::condition_variable changed_;
+
+  // Guarded by mutex_.
+  std::set<std::string> declared_;
+  std::map<std::string, std::shared_ptr<void>> objects_;
+  bool failing_ = false;
+  std::chrono::milliseconds delay_{0};
+  mutable int waiting_ = 0;
+};
+
+}  // namespace fp_host::ipc

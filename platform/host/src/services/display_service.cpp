@@ -1,0 +1,77 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "control/display_service.h"
+
+#include <mutex>
+#include <optional>
+#include <utility>
+
+#include <aidl/com/norvan/hardware/kestra/display/BnDisplay.h>
+
+#include "services/aidl_objects.h"
+
+namespace fp_host {
+
+using aidl::com::norvan::hardware::kestra::display::BnDisplay;
+
+struct DisplayService::State {
+  std::mutex mutex;
+
+  // Guarded by mutex.
+  bool lhbm_on = false;
+  std::vector<bool> requests;
+  std::function<ndk::ScopedAStatus()> refusal;
+};
+
+class DisplayService::Implementation : public BnDisplay {
+ public:
+  explicit Implementation(std::shared_ptr<State> state) : state_(std::move(state)) {}
+
+  ndk::ScopedAStatus setLhbmState(bool in_enabled) override {
+    const std::lock_guard lock(state_->mutex);
+    state_->requests.push_back(in_enabled);
+    if (state_->refusal != nullptr) {
+      return state_->refusal();
+    }
+    state_->lhbm_on = in_enabled;
+    return ndk::ScopedAStatus::ok();
+  }
+
+ private:
+  const std::shared_ptr<State> state_;
+};
+
+DisplayService::DisplayService()
+    : RemoteService(BnDisplay::makeServiceName("default")), state_(std::make_shared<State>()) {}
+
+DisplayService::~DisplayService() = default;
+
+void DisplayService::Refuse(std::function<ndk::ScopedAStatus()> refusal) {
+  const std::lock_guard lock(state_->mutex);
+  state_->refusal = std::move(refusal);
+}
+
+void DisplayService::Accept() { Refuse(nullptr); }
+
+bool DisplayService::IsLhbmOn() const {
+  const std::lock_guard lock(state_->mutex);
+  return state_->lhbm_on;
+}
+
+std::vector<bool> DisplayService::GetRequests() const {
+  const std::lock_guard lock(state_->mutex);
+  return state_->requests;
+}
+
+std::shared_ptr<void> DisplayService::MakeService(const std::shared_ptr<ipc::Process>& process) {
+  {
+    const std::lock_guard lock(state_->mutex);
+    state_->lhbm_on = false;
+  }
+  return Publish(ndk::SharedRefBase::make<Implementation>(state_)->asBinder(), process);
+}
+
+std::shared_ptr<void> DisplayService::MakeImpostor(const std::shared_ptr<ipc::Process>& process) {
+  return PublishStranger(process);
+}
+
+}  // namespace fp_host
