@@ -16,6 +16,7 @@ inline constexpr char kAuthStats[] = "AuthStats";
 inline constexpr char kAuthStatsG7[] = "AuthStatsG7";
 inline constexpr char kCriticalErrors[] = "CriticalErrors";
 inline constexpr char kDevCdtInfo[] = "DevCdtInfo";
+inline constexpr char kDisplayController[] = "DisplayController";
 inline constexpr char kDynamicExposure[] = "DynamicExposure";
 inline constexpr char kEnrollEvent[] = "EnrollEvent";
 inline constexpr char kEnrollEventContainer[] = "EnrollEventContainer";

@@ -1,0 +1,69 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <mutex>
+
+#include "fp_utils/export.h"
+#include "fp_utils/thread_annotations.h"
+
+struct AIBinder_DeathRecipient;
+
+namespace aidl::com::norvan::hardware::kestra::display {
+class IDisplay;
+}  // namespace aidl::com::norvan::hardware::kestra::display
+
+namespace android::fp_utils {
+
+// Switches the display's local high-brightness mode (LHBM), which lights the area over the sensor
+// while a finger is captured. Connects to the display HAL when it first needs it and again after
+// the HAL has died.
+//
+// Threading:  SetLhbm() and BinderDied() lock; the lock is held across connection and service call.
+//             The process needs a started binder thread pool, on which the HAL's death arrives.
+// Ownership:  may be destroyed while connected: the connection is given up, and a notification of
+//             death that is under way is waited for. No call may be under way, and BinderOnDeath()
+//             must not be what destroys it.
+// Blocking:   the first switch after a start or a death waits until the display HAL is up; every
+//             switch waits for the HAL's answer.
+// Errors:     logged, and returned as negative codes; a failed switch-on also becomes a critical
+//             error. The known state changes by successful switches only.
+// Units:      milliseconds.
+class FP_UTILS_EXPORT DisplayController {
+ public:
+  DisplayController();
+  ~DisplayController();
+  DisplayController(const DisplayController&) = delete;
+  DisplayController& operator=(const DisplayController&) = delete;
+
+  // Returns 0 when the mode is, or already was, as wanted; -ENODEV when the display HAL cannot be
+  // reached; FAILED_TRANSACTION when it refused or the call failed. `elapsed`, if not null, gets
+  // what a successful switch took, connecting included, and 0 otherwise.
+  int SetLhbm(bool on, unsigned int* elapsed);
+
+  // Connects unless connected. Returns 0 or -ENODEV; 0 also on a device without the display HAL,
+  // which is not this client's fault. Called with the lock held.
+  int ConnectDisplayHal() REQUIRES(mutex_);
+
+  // What the binder calls on the HAL's death; `cookie` is the controller. One that was destroyed
+  // meanwhile is left alone.
+  static void BinderOnDeath(void* cookie);
+
+  // Forgets the connection. The state stays: after a restart of the HAL a switch to the same state
+  // is still answered as done.
+  void BinderDied();
+
+ private:
+  bool Switch(bool on) REQUIRES(mutex_);
+
+  std::mutex mutex_;
+
+  // Guarded by mutex_.
+  std::shared_ptr<aidl::com::norvan::hardware::kestra::display::IDisplay> display_
+      GUARDED_BY(mutex_);  // null: not connected
+  AIBinder_DeathRecipient* death_recipient_ GUARDED_BY(mutex_) = nullptr;
+  int32_t lhbm_state_ GUARDED_BY(mutex_) = 0;  // the last one set successfully
+};
+
+}  // namespace android::fp_utils

@@ -1,0 +1,293 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "fp_utils/display_controller.h"
+
+#include <cerrno>
+#include <memory>
+#include <optional>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <android/binder_manager.h>
+#include <android/binder_process.h>
+#include <utils/Errors.h>
+
+#include "control/display_service.h"
+#include "fp_utils/critical_errors.h"
+#include "support/device_test.h"
+#include "support/platform_calls.h"
+
+namespace android::fp_utils {
+namespace {
+
+using fp_test::Call;
+using fp_test::Debug;
+using fp_test::Error;
+using fp_test::LogLine;
+using fp_test::TakeLog;
+using ndk::ScopedAStatus;
+using std::chrono::milliseconds;
+
+constexpr char kTag[] = "DisplayController";
+constexpr char kInstance[] = "com.norvan.hardware.kestra.display.IDisplay/default";
+constexpr unsigned kUntouched = 4711;
+
+const LogLine kConnected =
+    Debug(kTag, "[ConnectDisplayHal] Successfully connected to IDisplay service.");
+const LogLine kNoConnection = Error(kTag, "[SetLhbm] Failed to connect to displayHAL");
+const LogLine kTurningOn = Debug(kTag, "[SetLhbm]: Turning on lhbm");
+const LogLine kDied = Debug(kTag, "[BinderDied] Display HAL has died.");
+
+LogLine Turned(const char* state, unsigned elapsed) {
+  return Debug(kTag, std::string("[SetLhbm]: Successfully turned ") + state + " lhbm, elapsed " +
+                         std::to_string(elapsed) + " ms");
+}
+
+std::string CriticalErrorDump() {
+  return fp_test::DumpText([](int fd) { CriticalErrors::GetInstance().Dump(fd, nullptr, 0); });
+}
+
+class DisplayControllerTest : public ::testing::Test {
+ protected:
+  DisplayControllerTest() {
+    ABinderProcess_startThreadPool();
+    service_.Declare();
+    service_.Start();
+  }
+
+  int Set(bool on) {
+    elapsed_ = kUntouched;
+    return controller_->SetLhbm(on, &elapsed_);
+  }
+  void Kill() {
+    service_.Kill();
+    ASSERT_TRUE(fp_host::WaitForPools());
+  }
+  // References to the service's proxy, this function's own and the service manager's not counted.
+  int CountRefs() const {
+    const ndk::SpAIBinder binder(AServiceManager_checkService(kInstance));
+    return AIBinder_debugGetRefCount(binder.get()) - 2;
+  }
+
+  fp_host::DisplayService service_;
+  std::unique_ptr<DisplayController> controller_ = std::make_unique<DisplayController>();
+  unsigned elapsed_ = kUntouched;
+};
+
+TEST_F(DisplayControllerTest, ConnectsAndSwitchesInThisOrder) {
+  service_.Refuse([] {
+    fp_test::RecordCall("setLhbmState");
+    return ScopedAStatus::ok();
+  });
+  fp_test::RecordCalls(true);
+  EXPECT_EQ(0, Set(true));
+  const unsigned turning_on = elapsed_;
+  EXPECT_EQ(0, Set(false));
+  EXPECT_EQ(
+      (std::vector{Call(std::string("isDeclared ") + kInstance),
+                   Call(std::string("waitForService ") + kInstance), Call("DeathRecipient_new"),
+                   Call("linkToDeath"), kConnected, kTurningOn, Call("setLhbmState"),
+                   Turned("on", turning_on), Debug(kTag, "[SetLhbm]: Turning off lhbm"),
+                   Call("setLhbmState"), Turned("off", elapsed_)}),
+      TakeLog());
+  EXPECT_EQ((std::vector{true, false}), service_.GetRequests());
+  EXPECT_EQ(1, CountRefs()) << "the connection's; the one that came with the binder is released";
+
+  Kill();
+  EXPECT_EQ((std::vector{kDied, Call("DeathRecipient_delete")}), TakeLog());
+  service_.Start();
+  EXPECT_EQ(0, Set(true));
+  EXPECT_EQ(8u, TakeLog().size()) << "as on the first connection";
+  controller_ = nullptr;
+  EXPECT_EQ((std::vector{Call("DeathRecipient_delete")}), TakeLog());
+  EXPECT_EQ(0, CountRefs());
+}
+
+TEST_F(DisplayControllerTest, StateReachedIsNotAskedForAgain) {
+  EXPECT_EQ(0, Set(false));
+  EXPECT_EQ(0u, elapsed_);
+  EXPECT_EQ((std::vector{Debug(kTag, "[SetLhbm] Lhbm is already 0")}), TakeLog())
+      << "off from the start, without a connection";
+  EXPECT_EQ(0, controller_->SetLhbm(true, nullptr));
+  TakeLog();
+  EXPECT_EQ(0, Set(true));
+  EXPECT_EQ(0u, elapsed_);
+  EXPECT_EQ((std::vector{Debug(kTag, "[SetLhbm] Lhbm is already 1")}), TakeLog());
+  EXPECT_EQ((std::vector{true}), service_.GetRequests());
+}
+
+TEST_F(DisplayControllerTest, StateSurvivesTheDeathOfTheService) {
+  EXPECT_EQ(0, Set(true));
+  Kill();
+  service_.Start();
+  EXPECT_FALSE(service_.IsLhbmOn());
+  TakeLog();
+  EXPECT_EQ(0, Set(true));
+  EXPECT_EQ((std::vector{Debug(kTag, "[SetLhbm] Lhbm is already 1")}), TakeLog());
+  EXPECT_FALSE(service_.IsLhbmOn());
+  EXPECT_EQ(0, Set(false));
+  EXPECT_EQ(0, Set(true));
+  EXPECT_TRUE(service_.IsLhbmOn());
+}
+
+TEST_F(DisplayControllerTest, FailedSwitches) {
+  EXPECT_EQ("Critical Errors:\n", CriticalErrorDump());
+  service_.Refuse([] { return ScopedAStatus::fromServiceSpecificError(1); });
+  EXPECT_EQ(FAILED_TRANSACTION, Set(true));
+  EXPECT_EQ(0u, elapsed_);
+  EXPECT_EQ(
+      (std::vector{kConnected, kTurningOn, Error(kTag, "[SetLhbm] Failed to setLhbmState 1")}),
+      TakeLog());
+  const std::string dump = CriticalErrorDump();
+  EXPECT_EQ(0u, dump.find("Critical Errors:\n  #000 ")) << dump;
+  EXPECT_NE(std::string::npos, dump.find(" failed to enable lhbm\n")) << dump;
+
+  service_.Accept();
+  EXPECT_EQ(0, Set(true)) << "the failure changed no state";
+  service_.Refuse([] { return ScopedAStatus::fromStatus(STATUS_TIMED_OUT); });
+  TakeLog();
+  EXPECT_EQ(FAILED_TRANSACTION, Set(false));
+  EXPECT_EQ((std::vector{Debug(kTag, "[SetLhbm]: Turning off lhbm"),
+                         Error(kTag, "[SetLhbm] Failed to setLhbmState 0")}),
+            TakeLog());
+  EXPECT_EQ(dump, CriticalErrorDump()) << "only a failed switch-on is critical";
+  EXPECT_EQ(0, Set(true)) << "still on";
+}
+
+TEST_F(DisplayControllerTest, DeviceWithoutTheService) {
+  Kill();
+  service_.Undeclare();
+  EXPECT_EQ(FAILED_TRANSACTION, Set(true));
+  EXPECT_EQ(0u, elapsed_);
+  EXPECT_EQ(
+      (std::vector{Error(kTag, std::string("IDisplay service ") + kInstance + " is not declared."),
+                   kTurningOn, Error(kTag, "[SetLhbm] Failed to setLhbmState 1")}),
+      TakeLog());
+  EXPECT_NE("Critical Errors:\n", CriticalErrorDump());
+  EXPECT_EQ(0, controller_->ConnectDisplayHal()) << "not this client's fault";
+}
+
+TEST_F(DisplayControllerTest, ConnectionThatFailsKeepsNothing) {
+  Kill();
+  service_.StartImpostor();
+  EXPECT_EQ(-ENODEV, Set(true));
+  EXPECT_EQ(0u, elapsed_);
+  EXPECT_EQ((std::vector{
+                Error(kTag, std::string("Failed to get IDisplay service for ") + kInstance + "!"),
+                kNoConnection}),
+            TakeLog());
+  EXPECT_EQ(0, CountRefs());
+
+  Kill();
+  std::thread failing([] {
+    EXPECT_TRUE(fp_host::WaitForWaitingThreads(1));
+    fp_host::SetServiceManagerFailing(true);
+  });
+  EXPECT_EQ(-ENODEV, Set(true));
+  failing.join();
+  EXPECT_EQ(
+      (std::vector{Error(kTag, std::string("Failed to get IDisplay binder for ") + kInstance + "!"),
+                   kNoConnection}),
+      TakeLog());
+  fp_host::SetServiceManagerFailing(false);
+  EXPECT_EQ("Critical Errors:\n", CriticalErrorDump()) << "no switch was tried";
+
+  service_.Start();
+  EXPECT_EQ(0, Set(true));
+  EXPECT_TRUE(service_.IsLhbmOn());
+}
+
+TEST_F(DisplayControllerTest, ElapsedTimeIncludesConnecting) {
+  fp_host::SetLookUpDelay(milliseconds(40));
+  service_.SetDelay(milliseconds(20));
+  EXPECT_EQ(0, Set(true));
+  EXPECT_GE(elapsed_, 60u);
+  EXPECT_EQ((std::vector{kConnected, kTurningOn, Turned("on", elapsed_)}), TakeLog());
+  EXPECT_EQ(0, Set(false));
+  EXPECT_GE(elapsed_, 20u);
+  EXPECT_EQ(0, controller_->SetLhbm(true, nullptr));
+}
+
+TEST_F(DisplayControllerTest, IsTracedWithInputAndHal) {
+  fp_test::RecordCalls(true);
+  const std::vector<LogLine> kSection = {Call("begin of trace section SetLhbm"),
+                                         Debug(kTag, "[SetLhbm] Lhbm is already 0"),
+                                         Call("end of trace section")};
+  for (const uint64_t tags : {0x4u, 0x800u, 0x804u}) {
+    fp_test::SetTraceTags(tags);
+    Set(false);
+    EXPECT_EQ(kSection, TakeLog()) << tags;
+  }
+  fp_test::SetTraceTags(~uint64_t{0x804});
+  Set(false);
+  EXPECT_EQ(1u, TakeLog().size());
+
+  // Every way out closes the section.
+  fp_test::SetTraceTags(0x800);
+  service_.Refuse([] { return ScopedAStatus::fromStatus(STATUS_BAD_VALUE); });
+  const std::function<void()> kWays[] = {[this] { Set(true); },
+                                         [this] {
+                                           service_.Accept();
+                                           Set(true);
+                                         },
+                                         [this] {
+                                           Kill();
+                                           service_.StartImpostor();
+                                           TakeLog();
+                                           Set(false);
+                                         }};
+  for (const auto& way : kWays) {
+    way();
+    const std::vector<LogLine> log = TakeLog();
+    EXPECT_EQ(kSection.front(), log.front());
+    EXPECT_EQ(kSection.back(), log.back());
+  }
+}
+
+// The HAL dies while a switch waits for its answer: the switch fails, and the notification, which
+// waits for it, makes the next one connect again.
+TEST_F(DisplayControllerTest, DeathDuringASwitch) {
+  service_.Hold();
+  std::thread dying([this] {
+    EXPECT_TRUE(service_.WaitForHeldCalls(1));
+    service_.Kill();
+    service_.Release();
+    service_.Start();
+  });
+  EXPECT_EQ(FAILED_TRANSACTION, Set(true));
+  dying.join();
+  ASSERT_TRUE(fp_host::WaitForPools());
+  EXPECT_EQ(0, Set(true));
+  EXPECT_TRUE(service_.IsLhbmOn());
+  const std::vector<LogLine> log = TakeLog();
+  EXPECT_EQ(2, std::count(log.begin(), log.end(), kConnected));
+  EXPECT_EQ(1, std::count(log.begin(), log.end(), kDied));
+}
+
+TEST_F(DisplayControllerTest, SwitchWaitsUntilTheServiceIsUp) {
+  Kill();
+  std::thread starting([this] {
+    EXPECT_TRUE(fp_host::WaitForWaitingThreads(1));
+    service_.Start();
+  });
+  EXPECT_EQ(0, Set(true));
+  starting.join();
+  EXPECT_TRUE(service_.IsLhbmOn());
+}
+
+TEST_F(DisplayControllerTest, EndsWhileConnected) {
+  Set(true);
+  controller_ = nullptr;
+  TakeLog();
+  Kill();
+  EXPECT_TRUE(TakeLog().empty()) << "nobody left to tell";
+  DisplayController::BinderOnDeath(this);
+  DisplayController::BinderOnDeath(nullptr);
+  EXPECT_TRUE(TakeLog().empty()) << "not controllers";
+  DisplayController other;
+  DisplayController::BinderOnDeath(&other);
+  EXPECT_EQ((std::vector{kDied}), TakeLog());
+}
+
+}  // namespace
+}  // namespace android::fp_utils
