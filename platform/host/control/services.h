@@ -23,7 +23,7 @@ void SetServiceManagerFailing(bool failing);
 // How long looking up a service takes at least, for callers that would wait for it.
 void SetLookUpDelay(std::chrono::milliseconds delay);
 
-// Whether, within a bound, at least `threads` threads came to wait for services.
+// Whether, within a bound, the number of threads that wait for services comes to be `threads`.
 bool WaitForWaitingThreads(int threads);
 
 // Whether this program's pools have run all that had arrived for them when this was called.

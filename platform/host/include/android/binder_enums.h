@@ -9,7 +9,7 @@ namespace internal {
 
 // Specialised for each enumeration by the header that declares it, with a std::array of all values.
 template <typename EnumType>
-constexpr void* enum_values;
+constexpr void* enum_values = nullptr;
 
 }  // namespace internal
 

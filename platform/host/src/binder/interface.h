@@ -40,12 +40,11 @@ ndk::ScopedAStatus Transact(AIBinder* binder, const Serve& serve);
 // A call that nobody waits for: it runs on the binder pool, after the earlier ones on the object.
 ndk::ScopedAStatus TransactOneway(AIBinder* binder, Serve serve);
 
-// Both for a proxy's method `method`, whose result, if it has one, is its last parameter. As on the
-// wire, the result is written only by success.
-template <typename INTERFACE, typename RESULT, typename... PARAMETERS>
-ndk::ScopedAStatus Query(ndk::BpCInterface<INTERFACE>& proxy,
-                         ndk::ScopedAStatus (INTERFACE::*method)(PARAMETERS..., RESULT*),
-                         RESULT* result, std::type_identity_t<PARAMETERS>... arguments) {
+// A call of a proxy's method whose last parameter is its result. As on the wire, the result is
+// written by success only.
+template <typename INTERFACE, typename METHOD, typename RESULT, typename... ARGUMENTS>
+ndk::ScopedAStatus Query(ndk::BpCInterface<INTERFACE>& proxy, METHOD method, RESULT* result,
+                         const ARGUMENTS&... arguments) {
   RESULT answer{};
   ndk::ScopedAStatus status = Transact(proxy.asBinder().get(), [&](ndk::ICInterface& object) {
     return (static_cast<INTERFACE&>(object).*method)(arguments..., &answer);

@@ -15,6 +15,7 @@ const AIBinder_Class* DisplayClass() {
 }  // namespace
 
 const char* IDisplay::descriptor = "com.norvan.hardware.kestra.display.IDisplay";
+const int32_t IDisplay::version;
 
 IDisplay::IDisplay() = default;
 IDisplay::~IDisplay() = default;

@@ -64,6 +64,7 @@ std::shared_ptr<void> Registry::Wait(const std::string& name) const {
                         name.c_str());
   }
   --waiting_;
+  changed_.notify_all();
   return failing_ ? nullptr : Find(name);
 }
 
@@ -85,7 +86,7 @@ void Registry::SetDelay(std::chrono::milliseconds delay) {
 
 bool Registry::WaitForWaiting(int threads) const {
   std::unique_lock lock(mutex_);
-  return changed_.wait_for(lock, std::chrono::seconds(10), [&] { return waiting_ >= threads; });
+  return changed_.wait_for(lock, std::chrono::seconds(10), [&] { return waiting_ == threads; });
 }
 
 }  // namespace fp_host::ipc

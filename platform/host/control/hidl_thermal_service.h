@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <android/hardware/thermal/2.0/types.h>
+
+#include "control/services.h"
+
+namespace fp_host {
+
+// The HIDL thermal HAL 2.0, with the temperatures alone: it knows of no thresholds, cooling devices
+// or CPU usages, and reports nothing by itself.
+class HidlThermalService : public RemoteService {
+ public:
+  using Temperature = android::hardware::thermal::V2_0::Temperature;
+
+  HidlThermalService();
+  ~HidlThermalService() override;
+
+  void SetTemperatures(std::vector<Temperature> temperatures);
+
+  // Calls are answered with FAILURE and `message`, until Accept().
+  void Refuse(std::string message);
+  void Accept();
+
+  // How often a call is answered: a server that does not do so once is ended by its transport.
+  void SetAnswersPerCall(int answers);
+
+ protected:
+  std::shared_ptr<void> MakeService(const std::shared_ptr<ipc::Process>& process) override;
+  // HIDL's service manager lets nothing else in: the name stays free.
+  std::shared_ptr<void> MakeImpostor(const std::shared_ptr<ipc::Process>& process) override;
+
+ private:
+  struct State;
+  class Implementation;
+
+  const std::shared_ptr<State> state_;
+};
+
+}  // namespace fp_host

@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <android/hardware/thermal/2.0/types.h>
+#include <android/hidl/base/1.0/IBase.h>
+#include <hidl/Status.h>
+
+namespace android::hardware::thermal::V2_0 {
+
+struct IThermalChangedCallback : public ::android::hidl::base::V1_0::IBase {
+  static const char* descriptor;
+
+  // Oneway: nobody waits for it.
+  virtual ::android::hardware::Return<void> notifyThrottling(
+      const ::android::hardware::thermal::V2_0::Temperature& temperature) = 0;
+
+  ::android::hardware::Return<void> interfaceChain(interfaceChain_cb _hidl_cb) override;
+  ::android::hardware::Return<void> interfaceDescriptor(interfaceDescriptor_cb _hidl_cb) override;
+};
+
+}  // namespace android::hardware::thermal::V2_0

@@ -1,0 +1,139 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <array>
+#include <cstdint>
+
+#include <android/hardware/thermal/1.0/types.h>
+#include <hidl/HidlSupport.h>
+
+namespace android::hardware::thermal::V2_0 {
+
+enum class TemperatureType : int32_t {
+  UNKNOWN = -1,
+  CPU = 0,
+  GPU = 1,
+  BATTERY = 2,
+  SKIN = 3,
+  USB_PORT = 4,
+  POWER_AMPLIFIER = 5,
+  BCL_VOLTAGE = 6,
+  BCL_CURRENT = 7,
+  BCL_PERCENTAGE = 8,
+  NPU = 9,
+};
+
+enum class CoolingType : uint32_t {
+  FAN = 0,
+  BATTERY = 1,
+  CPU = 2,
+  GPU = 3,
+  MODEM = 4,
+  NPU = 5,
+  COMPONENT = 6,
+};
+
+enum class ThrottlingSeverity : uint32_t {
+  NONE = 0,
+  LIGHT = 1,
+  MODERATE = 2,
+  SEVERE = 3,
+  CRITICAL = 4,
+  EMERGENCY = 5,
+  SHUTDOWN = 6,
+};
+
+// From where on a sensor counts as throttling, by ThrottlingSeverity; NaN where a severity has
+// none.
+struct TemperatureThreshold final {
+  TemperatureType type;
+  ::android::hardware::hidl_string name;
+  ::android::hardware::hidl_array<float, 7> hotThrottlingThresholds;
+  ::android::hardware::hidl_array<float, 7> coldThrottlingThresholds;
+  float vrThrottlingThreshold;
+};
+
+static inline bool operator==(const TemperatureThreshold& lhs, const TemperatureThreshold& rhs) {
+  return lhs.type == rhs.type && lhs.name == rhs.name &&
+         lhs.hotThrottlingThresholds == rhs.hotThrottlingThresholds &&
+         lhs.coldThrottlingThresholds == rhs.coldThrottlingThresholds &&
+         lhs.vrThrottlingThreshold == rhs.vrThrottlingThreshold;
+}
+static inline bool operator!=(const TemperatureThreshold& lhs, const TemperatureThreshold& rhs) {
+  return !(lhs == rhs);
+}
+
+// Degrees Celsius, or for the kinds BCL_* millivolts, milliamperes or percent.
+struct Temperature final {
+  TemperatureType type;
+  ::android::hardware::hidl_string name;
+  float value;
+  ThrottlingSeverity throttlingStatus;
+};
+
+static inline bool operator==(const Temperature& lhs, const Temperature& rhs) {
+  return lhs.type == rhs.type && lhs.name == rhs.name && lhs.value == rhs.value &&
+         lhs.throttlingStatus == rhs.throttlingStatus;
+}
+static inline bool operator!=(const Temperature& lhs, const Temperature& rhs) {
+  return !(lhs == rhs);
+}
+
+struct CoolingDevice final {
+  CoolingType type;
+  ::android::hardware::hidl_string name;
+  uint64_t value;
+};
+
+static inline bool operator==(const CoolingDevice& lhs, const CoolingDevice& rhs) {
+  return lhs.type == rhs.type && lhs.name == rhs.name && lhs.value == rhs.value;
+}
+static inline bool operator!=(const CoolingDevice& lhs, const CoolingDevice& rhs) {
+  return !(lhs == rhs);
+}
+
+}  // namespace android::hardware::thermal::V2_0
+
+namespace android::hardware::details {
+
+template <>
+constexpr inline std::array<::android::hardware::thermal::V2_0::TemperatureType, 11>
+    hidl_enum_values<::android::hardware::thermal::V2_0::TemperatureType> = {
+        ::android::hardware::thermal::V2_0::TemperatureType::UNKNOWN,
+        ::android::hardware::thermal::V2_0::TemperatureType::CPU,
+        ::android::hardware::thermal::V2_0::TemperatureType::GPU,
+        ::android::hardware::thermal::V2_0::TemperatureType::BATTERY,
+        ::android::hardware::thermal::V2_0::TemperatureType::SKIN,
+        ::android::hardware::thermal::V2_0::TemperatureType::USB_PORT,
+        ::android::hardware::thermal::V2_0::TemperatureType::POWER_AMPLIFIER,
+        ::android::hardware::thermal::V2_0::TemperatureType::BCL_VOLTAGE,
+        ::android::hardware::thermal::V2_0::TemperatureType::BCL_CURRENT,
+        ::android::hardware::thermal::V2_0::TemperatureType::BCL_PERCENTAGE,
+        ::android::hardware::thermal::V2_0::TemperatureType::NPU,
+};
+
+template <>
+constexpr inline std::array<::android::hardware::thermal::V2_0::CoolingType, 7>
+    hidl_enum_values<::android::hardware::thermal::V2_0::CoolingType> = {
+        ::android::hardware::thermal::V2_0::CoolingType::FAN,
+        ::android::hardware::thermal::V2_0::CoolingType::BATTERY,
+        ::android::hardware::thermal::V2_0::CoolingType::CPU,
+        ::android::hardware::thermal::V2_0::CoolingType::GPU,
+        ::android::hardware::thermal::V2_0::CoolingType::MODEM,
+        ::android::hardware::thermal::V2_0::CoolingType::NPU,
+        ::android::hardware::thermal::V2_0::CoolingType::COMPONENT,
+};
+
+template <>
+constexpr inline std::array<::android::hardware::thermal::V2_0::ThrottlingSeverity, 7>
+    hidl_enum_values<::android::hardware::thermal::V2_0::ThrottlingSeverity> = {
+        ::android::hardware::thermal::V2_0::ThrottlingSeverity::NONE,
+        ::android::hardware::thermal::V2_0::ThrottlingSeverity::LIGHT,
+        ::android::hardware::thermal::V2_0::ThrottlingSeverity::MODERATE,
+        ::android::hardware::thermal::V2_0::ThrottlingSeverity::SEVERE,
+        ::android::hardware::thermal::V2_0::ThrottlingSeverity::CRITICAL,
+        ::android::hardware::thermal::V2_0::ThrottlingSeverity::EMERGENCY,
+        ::android::hardware::thermal::V2_0::ThrottlingSeverity::SHUTDOWN,
+};
+
+}  // namespace android::hardware::details

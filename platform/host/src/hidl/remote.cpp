@@ -1,0 +1,94 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "hidl/remote.h"
+
+#include <cstdlib>
+
+#include <android/log.h>
+#include <hidl/HidlTransportSupport.h>
+
+#include "ipc/pool.h"
+
+namespace fp_host::hidl {
+
+Status Remote::Call(const std::function<void()>& serve) const {
+  if (home_ == nullptr) {
+    serve();
+    return Status::ok();
+  }
+  return Status::fromStatusT(home_->Call(serve) ? android::OK : android::DEAD_OBJECT);
+}
+
+Status Remote::CallOneway(std::function<void()> serve) const {
+  if (home_ != nullptr && !home_->IsAlive()) {
+    return Status::fromStatusT(android::DEAD_OBJECT);
+  }
+  ipc::HidlPool().Start();  // whoever receives calls has a pool
+  ipc::HidlPool().Post(std::move(serve));
+  return Status::ok();
+}
+
+bool Remote::Link(const wp<IBase>& proxy, const wp<hidl_death_recipient>& recipient,
+                  uint64_t cookie) {
+  if (home_ == nullptr || !home_->IsAlive()) {
+    return false;
+  }
+  ipc::HidlPool().Start();
+  const std::lock_guard lock(links_->mutex);
+  if (links_->recipients.empty()) {
+    home_->OnDeath([links = links_, proxy] {
+      ipc::HidlPool().Post([links, proxy] { Announce(*links, proxy); });
+    });
+  }
+  links_->recipients.emplace_back(recipient, cookie);
+  return true;
+}
+
+bool Remote::Unlink(const wp<hidl_death_recipient>& recipient) {
+  const std::lock_guard lock(links_->mutex);
+  auto& recipients = links_->recipients;
+  for (auto link = recipients.rbegin(); link != recipients.rend(); ++link) {
+    if (link->first == recipient) {
+      recipients.erase(std::next(link).base());
+      return true;
+    }
+  }
+  return false;
+}
+
+void Remote::Announce(Links& links, const wp<IBase>& proxy) {
+  std::vector<std::pair<wp<hidl_death_recipient>, uint64_t>> recipients;
+  {
+    const std::lock_guard lock(links.mutex);
+    recipients.swap(links.recipients);
+  }
+  for (const auto& [weak_recipient, cookie] : recipients) {
+    if (const sp<hidl_death_recipient> recipient = weak_recipient.promote()) {
+      recipient->serviceDied(cookie, proxy);
+    }
+  }
+}
+
+void CheckAnswered(bool is_right) {
+  if (!is_right) {
+    __android_log_print(ANDROID_LOG_FATAL, "HidlTransport",
+                        "A HIDL server must call its callback exactly once");
+    abort();
+  }
+}
+
+}  // namespace fp_host::hidl
+
+namespace android::hardware {
+
+bool interfacesEqual(const sp<hidl::base::V1_0::IBase>& left,
+                     const sp<hidl::base::V1_0::IBase>& right) {
+  if (left == nullptr || right == nullptr || !left->isRemote() || !right->isRemote()) {
+    return left == right;
+  }
+  const auto* left_remote = dynamic_cast<const fp_host::hidl::Remote*>(left.get());
+  const auto* right_remote = dynamic_cast<const fp_host::hidl::Remote*>(right.get());
+  return left_remote != nullptr && right_remote != nullptr &&
+         left_remote->GetObject() == right_remote->GetObject();
+}
+
+}  // namespace android::hardware

@@ -1,0 +1,118 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <tuple>
+#include <utility>
+#include <vector>
+
+#include <android/hidl/base/1.0/IBase.h>
+#include <hidl/Status.h>
+
+#include "ipc/process.h"
+
+namespace fp_host::hidl {
+
+using android::sp;
+using android::wp;
+using android::hardware::hidl_death_recipient;
+using android::hardware::hidl_handle;
+using android::hardware::hidl_string;
+using android::hardware::hidl_vec;
+using android::hardware::Return;
+using android::hardware::Status;
+using android::hidl::base::V1_0::IBase;
+
+// A service as its service manager keeps it.
+struct Entry {
+  sp<IBase> object;
+  std::shared_ptr<ipc::Process> home;
+};
+
+// What a proxy knows of the object that it stands for.
+class Remote {
+ public:
+  // `home` is the object's process, null for this one.
+  Remote(sp<IBase> object, std::shared_ptr<ipc::Process> home)
+      : object_(std::move(object)), home_(std::move(home)) {}
+  virtual ~Remote() = default;
+
+  const sp<IBase>& GetObject() const { return object_; }
+
+  // A call on the object: OK or DEAD_OBJECT.
+  Status Call(const std::function<void()>& serve) const;
+  // One that nobody waits for, on the thread of the HIDL pool.
+  Status CallOneway(std::function<void()> serve) const;
+
+ protected:
+  bool Link(const wp<IBase>& proxy, const wp<hidl_death_recipient>& recipient, uint64_t cookie);
+  bool Unlink(const wp<hidl_death_recipient>& recipient);
+
+ private:
+  struct Links {
+    std::mutex mutex;
+    std::vector<std::pair<wp<hidl_death_recipient>, uint64_t>> recipients;  // Guarded by mutex.
+  };
+  static void Announce(Links& links, const wp<IBase>& proxy);
+
+  const sp<IBase> object_;
+  const std::shared_ptr<ipc::Process> home_;
+  const std::shared_ptr<Links> links_ = std::make_shared<Links>();
+};
+
+// Ends the process unless it is right so: a server answers each call exactly once.
+void CheckAnswered(bool is_right);
+
+// A call whose results come back through a callback: once, and not at all if the transport fails.
+template <typename... RESULTS, typename SERVE>
+Return<void> Query(const Remote& remote, const std::function<void(const RESULTS&...)>& callback,
+                   SERVE serve) {
+  std::optional<std::tuple<RESULTS...>> answer;
+  const Status status = remote.Call([&] {
+    const Return<void> result = serve([&](const RESULTS&... results) {
+      CheckAnswered(!answer.has_value());
+      answer.emplace(results...);
+    });
+    CheckAnswered(result.isOk() && answer.has_value());
+  });
+  if (!status.isOk()) {
+    return status;
+  }
+  std::apply(callback, *answer);
+  return android::hardware::Void();
+}
+
+// What the proxies of all interfaces do alike.
+template <typename INTERFACE>
+class Proxy : public INTERFACE, public Remote {
+ public:
+  using Remote::Remote;
+
+  bool isRemote() const override { return true; }
+
+  Return<void> debug(const hidl_handle& fd, const hidl_vec<hidl_string>& options) override {
+    const hidl_handle duplicate = fd;  // the other process gets descriptors of its own
+    return Call([&] { Get().debug(duplicate, options).isOk(); });
+  }
+
+  Return<void> ping() override {
+    return Call([] {});
+  }
+
+  Return<bool> linkToDeath(const sp<hidl_death_recipient>& recipient, uint64_t cookie) override {
+    return recipient != nullptr && Link(wp<IBase>(this), recipient, cookie);
+  }
+
+  Return<bool> unlinkToDeath(const sp<hidl_death_recipient>& recipient) override {
+    return recipient != nullptr && Unlink(recipient);
+  }
+
+ protected:
+  INTERFACE& Get() const { return static_cast<INTERFACE&>(*GetObject()); }
+};
+
+}  // namespace fp_host::hidl

@@ -1,0 +1,226 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "control/thermal_service.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <deque>
+#include <iterator>
+#include <mutex>
+#include <optional>
+#include <utility>
+
+#include <aidl/android/hardware/thermal/BnThermal.h>
+
+#include "services/aidl_objects.h"
+
+namespace fp_host {
+
+using aidl::android::hardware::thermal::BnThermal;
+using aidl::android::hardware::thermal::CoolingType;
+using aidl::android::hardware::thermal::IThermalChangedCallback;
+using aidl::android::hardware::thermal::TemperatureType;
+using ndk::ScopedAStatus;
+
+struct ThermalService::State {
+  using Callback = std::shared_ptr<IThermalChangedCallback>;
+  struct Registration {
+    Callback callback;
+    std::optional<TemperatureType> filter;
+  };
+
+  // Answers a query with those of `records` that are of type `filter`, or all.
+  template <typename Record, typename Type>
+  ScopedAStatus Answer(const char* call, const std::vector<Record> State::*records,
+                       std::optional<Type> filter, std::vector<Record>* answer) {
+    const std::lock_guard lock(mutex);
+    WriteDown(call, filter);
+    if (refusal != nullptr) {
+      return refusal();
+    }
+    const auto& all = this->*records;
+    std::copy_if(all.begin(), all.end(), std::back_inserter(*answer),
+                 [&](const Record& record) { return record.type == filter.value_or(record.type); });
+    return ScopedAStatus::ok();
+  }
+
+  ScopedAStatus Register(const char* call, const Callback& callback,
+                         std::optional<TemperatureType> filter) {
+    const std::lock_guard lock(mutex);
+    WriteDown(call, filter);
+    if (refusal != nullptr) {
+      return refusal();
+    }
+    if (callback == nullptr || Find(callback) != registrations.end()) {
+      return Bad(callback == nullptr ? "Invalid nullptr callback" : "Callback already registered");
+    }
+    registrations.push_back({callback, filter});
+    return ScopedAStatus::ok();
+  }
+
+  ScopedAStatus Unregister(const Callback& callback) {
+    const std::lock_guard lock(mutex);
+    WriteDown("unregisterThermalChangedCallback", std::optional<TemperatureType>());
+    if (refusal != nullptr) {
+      return refusal();
+    }
+    const auto registration = callback == nullptr ? registrations.end() : Find(callback);
+    if (registration == registrations.end()) {
+      return Bad("Callback was not registered");
+    }
+    registrations.erase(registration);
+    return ScopedAStatus::ok();
+  }
+
+  std::mutex mutex;
+
+  // Guarded by mutex.
+  std::vector<Temperature> temperatures;
+  std::vector<TemperatureThreshold> thresholds;
+  std::vector<CoolingDevice> cooling_devices;
+  std::function<ScopedAStatus()> refusal;
+  std::vector<Registration> registrations;
+  std::deque<std::string> calls;
+
+ private:
+  static ScopedAStatus Bad(const char* message) {
+    return ScopedAStatus::fromExceptionCodeWithMessage(EX_ILLEGAL_ARGUMENT, message);
+  }
+
+  std::vector<Registration>::iterator Find(const Callback& callback) {
+    // Each call brings a proxy of its own; their binder says whether they are the same.
+    return std::find_if(registrations.begin(), registrations.end(), [&](const auto& registration) {
+      return registration.callback->asBinder() == callback->asBinder();
+    });
+  }
+
+  template <typename Type>
+  void WriteDown(const char* call, std::optional<Type> filter) {
+    calls.push_back(call);
+    if (filter.has_value()) {
+      calls.back() += " " + std::to_string(static_cast<int32_t>(*filter));
+    }
+    if (calls.size() > 1000) {
+      calls.pop_front();  // a service may run for long with nobody asking
+    }
+  }
+};
+
+class ThermalService::Implementation : public BnThermal {
+ public:
+  explicit Implementation(std::shared_ptr<State> state) : state_(std::move(state)) {}
+
+  ScopedAStatus getCoolingDevices(std::vector<CoolingDevice>* _aidl_return) override {
+    return state_->Answer("getCoolingDevices", &State::cooling_devices,
+                          std::optional<CoolingType>(), _aidl_return);
+  }
+  ScopedAStatus getCoolingDevicesWithType(CoolingType in_type,
+                                          std::vector<CoolingDevice>* _aidl_return) override {
+    return state_->Answer("getCoolingDevicesWithType", &State::cooling_devices,
+                          std::optional(in_type), _aidl_return);
+  }
+  ScopedAStatus getTemperatures(std::vector<Temperature>* _aidl_return) override {
+    return state_->Answer("getTemperatures", &State::temperatures, std::optional<TemperatureType>(),
+                          _aidl_return);
+  }
+  ScopedAStatus getTemperaturesWithType(TemperatureType in_type,
+                                        std::vector<Temperature>* _aidl_return) override {
+    return state_->Answer("getTemperaturesWithType", &State::temperatures, std::optional(in_type),
+                          _aidl_return);
+  }
+  ScopedAStatus getTemperatureThresholds(std::vector<TemperatureThreshold>* _aidl_return) override {
+    return state_->Answer("getTemperatureThresholds", &State::thresholds,
+                          std::optional<TemperatureType>(), _aidl_return);
+  }
+  ScopedAStatus getTemperatureThresholdsWithType(
+      TemperatureType in_type, std::vector<TemperatureThreshold>* _aidl_return) override {
+    return state_->Answer("getTemperatureThresholdsWithType", &State::thresholds,
+                          std::optional(in_type), _aidl_return);
+  }
+  ScopedAStatus registerThermalChangedCallback(
+      const std::shared_ptr<IThermalChangedCallback>& in_callback) override {
+    return state_->Register("registerThermalChangedCallback", in_callback, std::nullopt);
+  }
+  ScopedAStatus registerThermalChangedCallbackWithType(
+      const std::shared_ptr<IThermalChangedCallback>& in_callback,
+      TemperatureType in_type) override {
+    return state_->Register("registerThermalChangedCallbackWithType", in_callback, in_type);
+  }
+  ScopedAStatus unregisterThermalChangedCallback(
+      const std::shared_ptr<IThermalChangedCallback>& in_callback) override {
+    return state_->Unregister(in_callback);
+  }
+
+  binder_status_t dump(int fd, const char** args, uint32_t count) override {
+    dprintf(fd, "thermal");
+    for (uint32_t i = 0; i < count; ++i) {
+      dprintf(fd, " '%s'", args[i]);
+    }
+    dprintf(fd, "\n");
+    return STATUS_OK;
+  }
+
+ private:
+  const std::shared_ptr<State> state_;
+};
+
+ThermalService::ThermalService()
+    : RemoteService(BnThermal::makeServiceName("default")), state_(std::make_shared<State>()) {}
+
+ThermalService::~ThermalService() = default;
+
+void ThermalService::SetTemperatures(std::vector<Temperature> temperatures) {
+  const std::lock_guard lock(state_->mutex);
+  state_->temperatures = std::move(temperatures);
+}
+
+void ThermalService::SetThresholds(std::vector<TemperatureThreshold> thresholds) {
+  const std::lock_guard lock(state_->mutex);
+  state_->thresholds = std::move(thresholds);
+}
+
+void ThermalService::SetCoolingDevices(std::vector<CoolingDevice> devices) {
+  const std::lock_guard lock(state_->mutex);
+  state_->cooling_devices = std::move(devices);
+}
+
+void ThermalService::Refuse(std::function<ScopedAStatus()> refusal) {
+  const std::lock_guard lock(state_->mutex);
+  state_->refusal = std::move(refusal);
+}
+
+void ThermalService::Accept() { Refuse(nullptr); }
+
+void ThermalService::Notify(const Temperature& temperature) {
+  const std::lock_guard lock(state_->mutex);
+  for (const auto& registration : state_->registrations) {
+    if (temperature.type == registration.filter.value_or(temperature.type)) {
+      registration.callback->notifyThrottling(temperature);
+    }
+  }
+}
+
+int ThermalService::CountCallbacks() const {
+  const std::lock_guard lock(state_->mutex);
+  return static_cast<int>(state_->registrations.size());
+}
+
+std::vector<std::string> ThermalService::TakeCalls() {
+  const std::lock_guard lock(state_->mutex);
+  const auto calls = std::exchange(state_->calls, {});
+  return {calls.begin(), calls.end()};
+}
+
+std::shared_ptr<void> ThermalService::MakeService(const std::shared_ptr<ipc::Process>& process) {
+  process->OnDeath([state = state_] {
+    std::vector<State::Registration> forgotten;  // released after the lock
+    const std::lock_guard lock(state->mutex);
+    forgotten.swap(state->registrations);
+  });
+  return Publish(ndk::SharedRefBase::make<Implementation>(state_)->asBinder(), process);
+}
+
+std::shared_ptr<void> ThermalService::MakeImpostor(const std::shared_ptr<ipc::Process>& process) {
+  return PublishStranger(process);
+}
+
+}  // namespace fp_host
