@@ -6,6 +6,7 @@
 // The library logs through __android_log_print alone, one tag per class.
 #define FP_LOG_DEBUG(tag, ...) __android_log_print(ANDROID_LOG_DEBUG, tag, __VA_ARGS__)
 #define FP_LOG_INFO(tag, ...) __android_log_print(ANDROID_LOG_INFO, tag, __VA_ARGS__)
+#define FP_LOG_WARN(tag, ...) __android_log_print(ANDROID_LOG_WARN, tag, __VA_ARGS__)
 #define FP_LOG_ERROR(tag, ...) __android_log_print(ANDROID_LOG_ERROR, tag, __VA_ARGS__)
 
 namespace android::fp_utils::log_tag {
@@ -26,5 +27,6 @@ inline constexpr char kFingerState[] = "FingerState";
 inline constexpr char kFpStateTracker[] = "FpStateTracker";
 inline constexpr char kFpsInitInfo[] = "FpsInitInfo";
 inline constexpr char kFpsTouchHandler[] = "FpsTouchHandler";
+inline constexpr char kThermal[] = "FpThermal";
 
 }  // namespace android::fp_utils::log_tag

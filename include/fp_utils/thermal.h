@@ -1,0 +1,61 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <memory>
+#include <mutex>
+
+#include <utils/StrongPointer.h>
+
+#include "fp_utils/export.h"
+#include "fp_utils/thread_annotations.h"
+
+namespace android::hardware::thermal::V2_0 {
+struct IThermal;
+}  // namespace android::hardware::thermal::V2_0
+
+namespace android::fp_utils {
+
+class Lifeline;
+
+// Tells how hard the device throttles for heat. Reaches the AIDL thermal HAL where the device
+// declares it, the HIDL 2.0 one otherwise; there is one attempt to connect, on a worker thread that
+// the constructor starts, and what it reached, or not, stays for the life of the object.
+//
+// Threading:  GetCpuSeverity() locks, across the HAL's answer.
+// Ownership:  the worker may still wait for a HAL that never comes when the object is destroyed. It
+//             is not stopped and does not touch the object any more; at process exit it just ends.
+// Blocking:   the constructor waits 10 ms at most for the connection, GetCpuSeverity() for the HAL.
+// Errors:     logged; see GetCpuSeverity().
+class FP_UTILS_EXPORT Thermal {
+ public:
+  // The instance of the process, made on first use and destroyed at exit.
+  static Thermal& GetInstance();
+
+  Thermal();
+  ~Thermal();
+  Thermal(const Thermal&) = delete;
+  Thermal& operator=(const Thermal&) = delete;
+
+  // The throttling severity, 0 (none) to 6 (shutdown), of the first skin sensor; 0 also when the
+  // HAL fails or knows no such sensor. -ENODEV while not connected.
+  int32_t GetCpuSeverity();
+
+ private:
+  class ConnectThermalHalThread;
+
+  std::mutex mutex_;
+
+  // Guarded by mutex_.
+  sp<hardware::thermal::V2_0::IThermal> thermal_ GUARDED_BY(mutex_);
+
+  // Constant after construction.
+  sp<ConnectThermalHalThread> connect_thermal_hal_thread_;
+  const std::shared_ptr<Lifeline> lifeline_;  // the worker's way to this object
+
+  // Whether thermal_ is set, for the constructor, which must not wait for the lock.
+  std::atomic<bool> connected_ = false;
+};
+
+}  // namespace android::fp_utils

@@ -1,0 +1,139 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "fp_utils/thermal.h"
+
+#include <unistd.h>
+
+#include <cerrno>
+#include <string>
+#include <utility>
+
+#include <aidl/android/hardware/thermal/IThermal.h>
+#include <android/binder_auto_utils.h>
+#include <android/binder_manager.h>
+#include <android/hardware/thermal/2.0/IThermal.h>
+#include <utils/SystemClock.h>
+#include <utils/Thread.h>
+
+#include "common/log.h"
+#include "connectors/lifeline.h"
+#include "fp_utils/thermal_hidl_wrapper.h"
+
+namespace android::fp_utils {
+namespace {
+
+using hardware::hidl_vec;
+using hardware::thermal::V1_0::ThermalStatus;
+using hardware::thermal::V1_0::ThermalStatusCode;
+using hardware::thermal::V2_0::IThermal;
+using hardware::thermal::V2_0::Temperature;
+using hardware::thermal::V2_0::TemperatureType;
+
+constexpr const char* kTag = log_tag::kThermal;
+
+// The constructor runs inside GetInstance() on a HAL thread and must not hold it up.
+constexpr int64_t kConnectionWaitMs = 10;
+constexpr useconds_t kConnectionPollUs = 1000;
+
+// The AIDL service in the form of the HIDL one, or null.
+sp<IThermal> ConnectAidlService() {
+  using AidlThermal = aidl::android::hardware::thermal::IThermal;
+  const std::string instance = std::string(AidlThermal::descriptor) + "/default";
+  if (!AServiceManager_isDeclared(instance.c_str())) {
+    FP_LOG_WARN(kTag, "Thermal AIDL service is not declared");
+    return nullptr;
+  }
+  std::shared_ptr<AidlThermal> service =
+      AidlThermal::fromBinder(ndk::SpAIBinder(AServiceManager_waitForService(instance.c_str())));
+  if (service == nullptr) {
+    FP_LOG_ERROR(kTag, "Unable to get Thermal AIDL service");
+    return nullptr;
+  }
+  return sp<IThermal>(new aidl::android::hardware::thermal::ThermalHidlWrapper(std::move(service)));
+}
+
+}  // namespace
+
+// Connects once and ends.
+class Thermal::ConnectThermalHalThread : public Thread {
+ public:
+  ConnectThermalHalThread(Thermal* thermal_monitor, std::shared_ptr<Lifeline> lifeline)
+      : thermal_monitor_(thermal_monitor), lifeline_(std::move(lifeline)) {}
+
+ private:
+  bool threadLoop() override {
+    FP_LOG_DEBUG(kTag, "%s starting", "threadLoop");
+    // Both look-ups may wait for a service that never comes: without any lock, or GetCpuSeverity()
+    // would wait with them.
+    sp<IThermal> thermal = ConnectAidlService();
+    if (thermal == nullptr) {
+      thermal = IThermal::getService("default", false);
+    }
+    if (thermal == nullptr) {
+      FP_LOG_ERROR(kTag, "[%s] Failed to connect to Thermal HAL service", "threadLoop");
+      return false;
+    }
+    lifeline_->IfAlive([&] {
+      const std::lock_guard lock(thermal_monitor_->mutex_);
+      thermal_monitor_->thermal_ = std::move(thermal);
+      thermal_monitor_->connected_ = true;
+    });
+    FP_LOG_DEBUG(kTag, "[%s] Successfully connected to Thermal service.", "threadLoop");
+    FP_LOG_DEBUG(kTag, "%s exiting", "threadLoop");
+    return false;
+  }
+
+  Thermal* const thermal_monitor_;  // Not owned; reached through lifeline_ alone.
+  const std::shared_ptr<Lifeline> lifeline_;
+};
+
+Thermal& Thermal::GetInstance() {
+  static Thermal instance;
+  return instance;
+}
+
+Thermal::Thermal() : lifeline_(std::make_shared<Lifeline>()) {
+  connect_thermal_hal_thread_ =
+      sp<ConnectThermalHalThread>(new ConnectThermalHalThread(this, lifeline_));
+  connect_thermal_hal_thread_->run("ConnectThermalHalThread", 0, 0);
+  FP_LOG_DEBUG(kTag, "%s: Waiting for thermal hal connected.", "Thermal");
+  const int64_t start = elapsedRealtime();
+  while (!connected_) {
+    usleep(kConnectionPollUs);
+    if (elapsedRealtime() - start >= kConnectionWaitMs) {
+      FP_LOG_ERROR(kTag, "%s: The thermal hal is not connected.", "Thermal");
+      return;
+    }
+  }
+  FP_LOG_DEBUG(kTag, "%s: The thermal hal is connected.", "Thermal");
+}
+
+// After the cut the worker, which may run on, leaves this object alone. The members then go in
+// reverse order: the worker's pointer, the HAL, the mutex.
+Thermal::~Thermal() { lifeline_->Cut(); }
+
+int32_t Thermal::GetCpuSeverity() {
+  const std::lock_guard lock(mutex_);
+  if (thermal_ == nullptr) {
+    FP_LOG_ERROR(kTag, "[%s] Failed to connect to Thermal HAL", "GetCpuSeverity");
+    return -ENODEV;
+  }
+  int32_t severity = 0;
+  // The skin, despite the name: what the user holds is what the system throttles for.
+  const auto result = thermal_->getCurrentTemperatures(
+      true, TemperatureType::SKIN,
+      [&severity](const ThermalStatus& status, const hidl_vec<Temperature>& temperatures) {
+        if (status.code != ThermalStatusCode::SUCCESS || temperatures.size() == 0) {
+          return;
+        }
+        const Temperature& first = temperatures[0];
+        FP_LOG_DEBUG(kTag, "Name: %s", first.name.c_str());
+        FP_LOG_DEBUG(kTag, "value: %f", first.value);
+        severity = static_cast<int32_t>(first.throttlingStatus);
+        FP_LOG_DEBUG(kTag, "ThrottlingSeverity: %d", severity);
+      });
+  // A dead HAL counts as one that reports nothing; not asking would end the process.
+  static_cast<void>(result.isOk());
+  return severity;
+}
+
+}  // namespace android::fp_utils

@@ -1,0 +1,300 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "fp_utils/thermal.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <chrono>
+#include <memory>
+#include <optional>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <android/binder_process.h>
+
+#include "control/hidl_thermal_service.h"
+#include "control/thermal_service.h"
+#include "support/device_test.h"
+#include "support/platform_calls.h"
+#include "support/recorder.h"
+
+namespace android::fp_utils {
+namespace {
+
+using aidl::android::hardware::thermal::TemperatureType;
+using aidl::android::hardware::thermal::ThrottlingSeverity;
+using fp_host::HidlThermalService;
+using fp_host::ThermalService;
+using fp_test::Call;
+using fp_test::Debug;
+using fp_test::Error;
+using fp_test::Eventually;
+using fp_test::LogLine;
+using fp_test::TakeLog;
+using fp_test::Warn;
+using Death = fp_host::RemoteService::Death;
+using Log = std::vector<LogLine>;
+
+constexpr char kTag[] = "FpThermal";
+constexpr char kAidlInstance[] = "android.hardware.thermal.IThermal/default";
+
+const LogLine kWaiting = Debug(kTag, "Thermal: Waiting for thermal hal connected.");
+const LogLine kIsConnected = Debug(kTag, "Thermal: The thermal hal is connected.");
+const LogLine kIsNotConnected = Error(kTag, "Thermal: The thermal hal is not connected.");
+const LogLine kStarting = Debug(kTag, "threadLoop starting");
+const LogLine kNotDeclared = Warn(kTag, "Thermal AIDL service is not declared");
+const LogLine kSuccess = Debug(kTag, "[threadLoop] Successfully connected to Thermal service.");
+const LogLine kExiting = Debug(kTag, "threadLoop exiting");
+const LogLine kFailed = Error(kTag, "[threadLoop] Failed to connect to Thermal HAL service");
+
+ThermalService::Temperature Reading(const char* name, TemperatureType type, float value,
+                                    int32_t severity) {
+  ThermalService::Temperature reading;
+  reading.name = name;
+  reading.type = type;
+  reading.value = value;
+  reading.throttlingStatus = static_cast<ThrottlingSeverity>(severity);
+  return reading;
+}
+
+HidlThermalService::Temperature HidlSkin(uint32_t severity) {
+  return {hardware::thermal::V2_0::TemperatureType::SKIN, "hidl skin", 35.5F,
+          static_cast<hardware::thermal::V2_0::ThrottlingSeverity>(severity)};
+}
+
+class ThermalTest : public ::testing::Test {
+ protected:
+  ThermalTest() {
+    ABinderProcess_startThreadPool();
+    aidl_.SetTemperatures({Reading("cpu", TemperatureType::CPU, 80, 6),
+                           Reading("front", TemperatureType::SKIN, 41.25F, 2),
+                           Reading("back", TemperatureType::SKIN, 50, 5)});
+    hidl_.SetTemperatures({HidlSkin(3), HidlSkin(4)});
+  }
+
+  static void PutUp(fp_host::RemoteService& service) {
+    service.Declare();
+    service.Start();
+  }
+
+  void Construct() {
+    TakeLog();
+    thermal_.emplace();
+  }
+
+  // Waits for the worker's last words, then the log as that of the two threads: the worker's lines
+  // come at any moment between the constructor's.
+  struct Logs {
+    Log constructor, worker;
+  };
+  static Logs TakeLogs(const LogLine& last_words) {
+    Logs logs;
+    EXPECT_TRUE(Eventually([&] {
+      for (const LogLine& line : TakeLog()) {
+        const bool constructors = line.message.rfind("Thermal:", 0) == 0;
+        (constructors ? logs.constructor : logs.worker).push_back(line);
+      }
+      return !logs.worker.empty() && logs.worker.back() == last_words;
+    }));
+    return logs;
+  }
+
+  void RefuseAll() {
+    aidl_.Refuse([] { return ndk::ScopedAStatus::fromExceptionCode(EX_ILLEGAL_STATE); });
+    hidl_.Refuse("not ready");
+  }
+  void AcceptAll() {
+    aidl_.Accept();
+    hidl_.Accept();
+  }
+
+  int32_t Severity() { return thermal_->GetCpuSeverity(); }
+
+  ThermalService aidl_;
+  HidlThermalService hidl_;
+  std::optional<Thermal> thermal_;
+};
+
+TEST_F(ThermalTest, AsksTheAidlServiceForTheSkin) {
+  PutUp(aidl_);
+  PutUp(hidl_);
+  fp_test::RecordCalls(true);
+  Construct();
+  const std::string instance = kAidlInstance;
+  EXPECT_EQ((Log{kStarting, Call("isDeclared " + instance), Call("waitForService " + instance),
+                 kSuccess, kExiting}),
+            TakeLogs(kExiting).worker);
+  TakeLog();
+  EXPECT_EQ(2, Severity());
+  EXPECT_EQ((Log{Debug(kTag, "Name: front"), Debug(kTag, "value: 41.250000"),
+                 Debug(kTag, "ThrottlingSeverity: 2")}),
+            TakeLog());
+  EXPECT_EQ((std::vector<std::string>{"getTemperaturesWithType 3"}), aidl_.TakeCalls());
+}
+
+TEST_F(ThermalTest, FallsBackToTheHidlService) {
+  const struct {
+    const char* why;
+    std::function<void()> prepare;
+    LogLine reason;
+  } kCases[] = {
+      {"not declared", [] {}, kNotDeclared},
+      {"something else under its name",
+       [this] {
+         aidl_.Declare();
+         aidl_.StartImpostor();
+       },
+       Error(kTag, "Unable to get Thermal AIDL service")},
+  };
+  PutUp(hidl_);
+  for (const auto& test : kCases) {
+    SCOPED_TRACE(test.why);
+    test.prepare();
+    Construct();
+    EXPECT_EQ((Log{kStarting, test.reason, kSuccess, kExiting}), TakeLogs(kExiting).worker);
+    EXPECT_EQ(3, Severity());
+    EXPECT_EQ((Log{Debug(kTag, "Name: hidl skin"), Debug(kTag, "value: 35.500000"),
+                   Debug(kTag, "ThrottlingSeverity: 3")}),
+              TakeLog());
+  }
+}
+
+TEST_F(ThermalTest, DeviceWithoutThermalHalNeverConnects) {
+  const auto start = std::chrono::steady_clock::now();
+  Construct();
+  EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(9));
+  const Logs logs = TakeLogs(kFailed);
+  EXPECT_EQ((Log{kWaiting, kIsNotConnected}), logs.constructor);
+  EXPECT_EQ((Log{kStarting, kNotDeclared, kFailed}), logs.worker);
+  PutUp(aidl_);
+  PutUp(hidl_);
+  for (int i = 0; i < 3; ++i) {
+    EXPECT_EQ(-ENODEV, Severity()) << "one attempt is all";
+  }
+  const LogLine not_connected = Error(kTag, "[GetCpuSeverity] Failed to connect to Thermal HAL");
+  EXPECT_EQ((Log{not_connected, not_connected, not_connected}), TakeLog());
+}
+
+// Whichever service it waits for, nobody waits with it, and it connects when the service comes.
+TEST_F(ThermalTest, LateServiceIsConnectedInTheBackground) {
+  fp_host::RemoteService* const kServices[] = {&aidl_, &hidl_};
+  for (fp_host::RemoteService* service : kServices) {
+    aidl_.Undeclare();
+    service->Declare();
+    Construct();
+    EXPECT_TRUE(fp_host::WaitForWaitingThreads(1));
+    EXPECT_EQ(-ENODEV, Severity());
+    service->Start();
+    EXPECT_TRUE(Eventually([this] { return Severity() >= 0; }));
+    EXPECT_EQ(service == &aidl_ ? 2 : 3, Severity());
+  }
+}
+
+TEST_F(ThermalTest, ConstructorSeesAConnectionInTime) {
+  PutUp(aidl_);
+  // On a machine that is busy enough the 10 ms may pass.
+  ASSERT_TRUE(Eventually([this] {
+    Construct();
+    const Log log = TakeLogs(kExiting).constructor;
+    return log == Log{kWaiting, kIsConnected};
+  }));
+}
+
+TEST_F(ThermalTest, FailuresOfTheHalCountAsNoThrottling) {
+  PutUp(aidl_);
+  Construct();
+  ASSERT_TRUE(Eventually([this] { return Severity() == 2; }));
+  TakeLog();
+  RefuseAll();
+  EXPECT_EQ(0, Severity());
+  AcceptAll();
+  EXPECT_EQ(2, Severity());
+  TakeLog();
+  aidl_.SetTemperatures({Reading("cpu", TemperatureType::CPU, 80, 6)});
+  EXPECT_EQ(0, Severity()) << "success with nothing in it";
+  EXPECT_TRUE(TakeLog().empty());
+  aidl_.Kill();
+  EXPECT_EQ(0, Severity());
+  aidl_.Start();
+  EXPECT_EQ(0, Severity()) << "there is no second connection";
+}
+
+TEST_F(ThermalTest, EveryCallMeetsEveryFault) {
+  using Service = fp_host::RemoteService;
+  const struct {
+    const char* name;
+    std::function<void(Service&)> strike;
+    bool answered;
+    bool dead;
+  } kFaults[] = {
+      {"none", [](Service&) {}, true, false},
+      {"dies before", [](Service& service) { service.DieAtCall(1, Death::kBefore); }, false, true},
+      {"dies during", [](Service& service) { service.DieAtCall(1, Death::kDuring); }, false, true},
+      {"dies after", [](Service& service) { service.DieAtCall(1, Death::kAfter); }, true, true},
+      {"is dead", [](Service& service) { service.Kill(); }, false, true},
+      {"refuses", [this](Service&) { RefuseAll(); }, false, false},
+      {"is slow", [](Service& service) { service.SetDelay(std::chrono::milliseconds(2)); }, true,
+       false},
+      {"came back",
+       [](Service& service) {
+         service.Kill();
+         service.Start();
+       },
+       false, true},
+  };
+  fp_test::MuteLog(true);
+  for (Service* service : {static_cast<Service*>(&aidl_), static_cast<Service*>(&hidl_)}) {
+    for (const auto& fault : kFaults) {
+      SCOPED_TRACE(service->GetInstance() + " " + fault.name);
+      service->DieAtCall(0, Death::kBefore);
+      PutUp(*service);
+      Construct();
+      const int32_t severity = service == &aidl_ ? 2 : 3;
+      ASSERT_TRUE(Eventually([&] { return Severity() == severity; }));
+      fault.strike(*service);
+      EXPECT_EQ(fault.answered ? severity : 0, Severity());
+      service->SetDelay(std::chrono::milliseconds(0));
+      AcceptAll();
+      service->Start();
+      EXPECT_EQ(fault.dead ? 0 : severity, Severity());
+    }
+    service->Undeclare();
+  }
+}
+
+TEST(ThermalLifetime, WorkerMayFindTheMonitorGone) {
+  fp_test::MuteLog(true);
+  for (int i = 0; i < fp_test::Share(30); ++i) {
+    ThermalService service;
+    service.Declare();
+    { const Thermal thermal; }
+    // One worker is left waiting, without anything to come back to.
+    EXPECT_TRUE(fp_host::WaitForWaitingThreads(1));
+    service.Start();
+    EXPECT_TRUE(fp_host::WaitForWaitingThreads(0));
+    std::thread coming([&service] {
+      service.Kill();
+      service.Start();
+    });
+    { const Thermal thermal; }
+    coming.join();
+  }
+}
+
+TEST(ThermalLifetimeDeathTest, ProcessExitsWhileTheWorkerWaits) {
+  ::testing::FLAGS_gtest_death_test_style = "threadsafe";
+  EXPECT_EXIT(
+      {
+        fp_test::MuteLog(true);  // the worker outlives what records
+        static auto* const service = new ThermalService;
+        service->Declare();
+        const bool not_connected = Thermal::GetInstance().GetCpuSeverity() == -ENODEV;
+        const bool waiting = fp_host::WaitForWaitingThreads(1);
+        exit(not_connected && waiting && &Thermal::GetInstance() == &Thermal::GetInstance() ? 0
+                                                                                            : 1);
+      },
+      ::testing::ExitedWithCode(0), "");
+}
+
+}  // namespace
+}  // namespace android::fp_utils
