@@ -1,0 +1,109 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// What the clients of the display and thermal HALs add to a call that is made by hand over the same
+// proxy.
+#include <benchmark/benchmark.h>
+
+#include <memory>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <aidl/android/hardware/thermal/IThermal.h>
+#include <aidl/com/norvan/hardware/kestra/display/IDisplay.h>
+#include <android/binder_manager.h>
+#include <android/binder_process.h>
+
+#include "control/display_service.h"
+#include "control/thermal_service.h"
+#include "fp_utils/display_controller.h"
+#include "fp_utils/thermal.h"
+#include "support/ratios.h"
+
+namespace fp_bench {
+namespace {
+
+using aidl::android::hardware::thermal::IThermal;
+using aidl::android::hardware::thermal::Temperature;
+using aidl::android::hardware::thermal::TemperatureType;
+using aidl::com::norvan::hardware::kestra::display::IDisplay;
+
+// The proxy of a service that has been put up for it.
+template <typename Interface, typename Service>
+std::shared_ptr<Interface> PutUp(Service& service) {
+  ABinderProcess_startThreadPool();
+  service.Declare();
+  service.Start();
+  return Interface::fromBinder(
+      ndk::SpAIBinder(AServiceManager_checkService(service.GetInstance().c_str())));
+}
+
+void SetLhbmByHand(benchmark::State& state) {
+  fp_host::DisplayService service;
+  const std::shared_ptr<IDisplay> display = PutUp<IDisplay>(service);
+  bool on = false;
+  for (auto _ : state) {
+    on = !on;
+    benchmark::DoNotOptimize(display->setLhbmState(on).isOk());
+  }
+}
+
+void SetLhbm(benchmark::State& state) {
+  fp_host::DisplayService service;
+  PutUp<IDisplay>(service);
+  android::fp_utils::DisplayController controller;
+  unsigned elapsed = 0;
+  bool on = false;
+  for (auto _ : state) {
+    on = !on;
+    benchmark::DoNotOptimize(controller.SetLhbm(on, &elapsed));
+  }
+}
+
+// A phone has about twenty sensors, one of them for the skin.
+std::shared_ptr<IThermal> PutUpThermal(fp_host::ThermalService& service) {
+  std::vector<Temperature> temperatures(20);
+  for (Temperature& temperature : temperatures) {
+    temperature.name = "CPU sensor with a name";
+    temperature.type = TemperatureType::CPU;
+  }
+  temperatures.back().type = TemperatureType::SKIN;
+  service.SetTemperatures(temperatures);
+  return PutUp<IThermal>(service);
+}
+
+void SkinSeverityByHand(benchmark::State& state) {
+  fp_host::ThermalService service;
+  const std::shared_ptr<IThermal> thermal = PutUpThermal(service);
+  for (auto _ : state) {
+    std::vector<Temperature> temperatures;
+    benchmark::DoNotOptimize(
+        thermal->getTemperaturesWithType(TemperatureType::SKIN, &temperatures).isOk());
+    benchmark::DoNotOptimize(temperatures.at(0).throttlingStatus);
+  }
+}
+
+void GetCpuSeverity(benchmark::State& state) {
+  fp_host::ThermalService service;
+  PutUpThermal(service);
+  android::fp_utils::Thermal thermal;
+  while (thermal.GetCpuSeverity() < 0) {
+    std::this_thread::yield();
+  }
+  for (auto _ : state) {
+    benchmark::DoNotOptimize(thermal.GetCpuSeverity());
+  }
+}
+
+BENCHMARK(SetLhbm);
+BENCHMARK(SetLhbmByHand);
+BENCHMARK(GetCpuSeverity);
+BENCHMARK(SkinSeverityByHand);
+
+const bool kClaims[] = {
+    Claim("lhbm_switch", "SetLhbm", "SetLhbmByHand", Goal::kAtMost, 2),
+    Claim("cpu_severity", "GetCpuSeverity", "SkinSeverityByHand", Goal::kAtMost, 2),
+};
+
+}  // namespace
+}  // namespace fp_bench
