@@ -10,6 +10,8 @@
 #include <regex>
 #include <string>
 
+#include "support/scratch_folder.h"
+
 namespace fp_service {
 namespace {
 
@@ -23,8 +25,7 @@ struct Result {
 class FpServiceTest : public ::testing::Test {
  protected:
   FpServiceTest() {
-    std::string pattern = fs::temp_directory_path() / "fp_service.XXXXXX";
-    folder_ = mkdtemp(pattern.data());
+    folder_ = fp_test::MakeScratchFolder("fp_service");
   }
   ~FpServiceTest() override { fs::remove_all(folder_); }
 

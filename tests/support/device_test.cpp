@@ -10,13 +10,14 @@
 #include <fstream>
 #include <sstream>
 
+#include "support/scratch_folder.h"
+
 namespace fp_test {
 
 namespace fs = std::filesystem;
 
 DeviceTest::DeviceTest() {
-  std::string pattern = fs::temp_directory_path() / "fp_device.XXXXXX";
-  root_ = mkdtemp(pattern.data());
+  root_ = MakeScratchFolder("fp_device");
   fp_host::SetDeviceRoot(root_);
   fp_host::BootDevice();
 }
