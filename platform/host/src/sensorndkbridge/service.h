@@ -1,0 +1,69 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <condition_variable>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <vector>
+
+#include <android/sensor.h>
+
+#include "control/sensor_service.h"
+#include "sensorndkbridge/handles.h"
+
+namespace fp_host {
+
+// The sensor service and the bridge's connection to it. Handles that have died since the call
+// began are answered like null; none of the calls looks at the looper with the mutex held.
+class SensorService {
+ public:
+  static SensorService& Get();
+
+  void SetSensors(std::vector<FakeSensor> sensors);
+  void Stop(WhileDown while_down);
+  void Start();
+  SensorUsage GetUsage();
+
+  // Queues one event per reading for the sensors that are enabled with the string type.
+  void ReportLux(const std::vector<float>& readings);
+  void ReportLongPresses(int times);
+  void Push(const std::vector<ASensorEvent>& events);
+
+  ASensorManager* Connect();
+  int GetSensorList(ASensorManager* manager, ASensorList* list);
+  const ASensor* GetDefaultSensor(ASensorManager* manager, int type);
+  ASensorEventQueue* CreateQueue(ASensorManager* manager, ALooper_callbackFunc callback,
+                                 void* data);
+  int DestroyQueue(ASensorManager* manager, ASensorEventQueue* queue);
+  int Enable(ASensorEventQueue* queue, const ASensor* sensor);
+  int Disable(ASensorEventQueue* queue, const ASensor* sensor);
+  int HasEvents(ASensorEventQueue* queue);
+  ssize_t GetEvents(ASensorEventQueue* queue, ASensorEvent* events, size_t count);
+  int WantAdditionalInfo(ASensorEventQueue* queue, bool want);
+
+ private:
+  enum class State { kUp, kDown, kAwaited };
+
+  void LoadList(ASensorManager& manager);
+  void ReportReadings(const char* string_type, const std::vector<float>& readings);
+  // Fills each live queue and signals those that `fill` says it has added to.
+  template <typename Fill>
+  void Deliver(Fill fill);
+  // True if the queue took the event.
+  static bool Append(ASensorEventQueue& queue, const ASensorEvent& event);
+  // What a sensor that is being enabled reports at once: true if it does.
+  bool ReportCurrentValue(ASensorEventQueue& queue, const ASensor& sensor);
+
+  std::mutex mutex_;
+  std::condition_variable state_changed_;
+  State state_ = State::kUp;
+  std::vector<FakeSensor> sensors_ = {LightSensor(), LongPressSensor()};
+  std::optional<float> lux_;
+  ASensorManager* manager_ = nullptr;  // of the service that is up, once asked for
+  std::vector<std::unique_ptr<ASensorManager>> managers_;  // the dead ones too
+  std::vector<ASensorEventQueue*> queues_;                 // the live ones
+  std::vector<std::unique_ptr<ASensorEventQueue>> all_queues_;
+};
+
+}  // namespace fp_host

@@ -1,0 +1,300 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The rules of the vendor sensor bridge that the stand-in has to keep.
+#include <dlfcn.h>
+
+#include <atomic>
+#include <cerrno>
+#include <cmath>
+
+#include <android/sensor.h>
+
+#include "support/sensor_test.h"
+
+namespace {
+
+using fp_host::SetLux;
+using fp_test::Eventually;
+
+int Poll(int timeout_ms = 0) { return ALooper_pollOnce(timeout_ms, nullptr, nullptr, nullptr); }
+
+// What a poll on another thread returns.
+int PollElsewhere() {
+  int result = 0;
+  std::thread([&result] { result = Poll(); }).join();
+  return result;
+}
+
+class SensorBridgeTest : public fp_test::SensorTest {
+ protected:
+  ASensorEventQueue* QueueOf(int type, ALooper_callbackFunc callback = nullptr,
+                             void* data = nullptr) {
+    ASensorEventQueue* queue =
+        ASensorManager_createEventQueue(manager_, ALooper_forThread(), 7, callback, data);
+    EXPECT_EQ(0, ASensorEventQueue_registerSensor(queue, SensorOf(type), 20000, 0));
+    return queue;
+  }
+  const ASensor* SensorOf(int type) { return ASensorManager_getDefaultSensor(manager_, type); }
+  static int Take(ASensorEventQueue* queue) {
+    ASensorEvent events[8];
+    return static_cast<int>(ASensorEventQueue_getEvents(queue, events, 8));
+  }
+
+  ASensorManager* const manager_ = ASensorManager_getInstanceForPackage("any");
+};
+
+TEST_F(SensorBridgeTest, LooperIsOneForAllThreads) {
+  ALooper* const looper = ALooper_forThread();
+  EXPECT_NE(nullptr, looper) << "there before it is prepared";
+  ALooper* elsewhere = nullptr;
+  std::thread([&elsewhere] { elsewhere = ALooper_prepare(0); }).join();
+  EXPECT_EQ(looper, elsewhere);
+  EXPECT_EQ(looper, ALooper_prepare(ALOOPER_PREPARE_ALLOW_NON_CALLBACKS));
+  EXPECT_EQ(ALOOPER_POLL_TIMEOUT, PollElsewhere()) << "a thread need not prepare it";
+}
+
+TEST_F(SensorBridgeTest, WakesStickAndDataGoesFirst) {
+  ASensorEventQueue* const queue = QueueOf(ASENSOR_TYPE_LIGHT);
+  EXPECT_EQ(ALOOPER_POLL_TIMEOUT, Poll());
+  EXPECT_EQ(ALOOPER_POLL_TIMEOUT, Poll(1));
+  ALooper_wake(ALooper_forThread());
+  ALooper_wake(ALooper_forThread());
+  SetLux(1);
+  int fd = 5, events = 5;
+  void* data = this;
+  EXPECT_EQ(ALOOPER_POLL_CALLBACK, ALooper_pollOnce(-1, &fd, &events, &data)) << "no ident";
+  EXPECT_EQ(0, fd);
+  EXPECT_EQ(0, events);
+  EXPECT_EQ(nullptr, data);
+  EXPECT_EQ(ALOOPER_POLL_WAKE, Poll(-1));
+  EXPECT_EQ(ALOOPER_POLL_TIMEOUT, Poll()) << "two wakes are one, and data signals once";
+  SetLux(2);
+  EXPECT_EQ(ALOOPER_POLL_CALLBACK, Poll());
+  EXPECT_EQ(2, Take(queue));
+}
+
+TEST_F(SensorBridgeTest, AnyPollTakesWhatIsMeantForOthers) {
+  ASensorEventQueue* const first = QueueOf(ASENSOR_TYPE_LIGHT);
+  ASensorEventQueue* const second = QueueOf(ASENSOR_TYPE_LIGHT);
+  SetLux(1);
+  ALooper_wake(ALooper_forThread());
+  EXPECT_EQ(ALOOPER_POLL_CALLBACK, PollElsewhere()) << "the ready queues, all of them";
+  EXPECT_EQ(ALOOPER_POLL_WAKE, PollElsewhere());
+  EXPECT_EQ(ALOOPER_POLL_TIMEOUT, Poll());
+  EXPECT_EQ(1, Take(first));
+  EXPECT_EQ(1, Take(second));
+  EXPECT_EQ(0, Take(second)) << "0 and no error where nothing is queued";
+}
+
+TEST_F(SensorBridgeTest, WakesOneWaitingThread) {
+  std::atomic<int> returned = 0;
+  const auto poll = [&returned] {
+    EXPECT_EQ(ALOOPER_POLL_WAKE, Poll(-1));
+    ++returned;
+  };
+  std::thread first(poll), second(poll);
+  EXPECT_TRUE(Eventually([] { return fp_host::ArePollersIdle(2); }));
+  ALooper_wake(ALooper_forThread());
+  EXPECT_TRUE(Eventually([&returned] { return returned == 1 && fp_host::ArePollersIdle(1); }));
+  ALooper_wake(ALooper_forThread());
+  first.join();
+  second.join();
+}
+
+TEST_F(SensorBridgeTest, CallbackRunsInThePollUntilItReturnsZero) {
+  struct Seen {
+    ASensorEventQueue* queue = nullptr;
+    int calls = 0;
+    int events = 0;
+    int keep = 1;
+  } seen;
+  seen.queue = QueueOf(
+      ASENSOR_TYPE_LIGHT,
+      [](int fd, int events, void* data) {
+        EXPECT_EQ(-1, fd);
+        EXPECT_EQ(ALOOPER_EVENT_INPUT, events);
+        auto& seen = *static_cast<Seen*>(data);
+        ++seen.calls;
+        seen.events += Take(seen.queue);
+        return seen.keep;
+      },
+      &seen);
+  SetLux(1);
+  EXPECT_EQ(0, seen.calls) << "not before the poll";
+  EXPECT_EQ(ALOOPER_POLL_CALLBACK, Poll());
+  EXPECT_EQ(1, seen.events) << "which lets it take the events";
+  for (const int keep : {0, 1}) {
+    seen.keep = keep;
+    SetLux(1);
+    EXPECT_EQ(ALOOPER_POLL_CALLBACK, Poll());
+  }
+  EXPECT_EQ(2, seen.calls) << "unregistered by its 0";
+  EXPECT_EQ(1, Take(seen.queue)) << "the queue outlives its callback";
+}
+
+TEST_F(SensorBridgeTest, ManagerIsOneAndKeepsItsListUntilTheServiceRestarts) {
+  EXPECT_EQ(manager_, ASensorManager_getInstanceForPackage(nullptr));
+  ASensorList list = nullptr;
+  EXPECT_EQ(2, ASensorManager_getSensorList(manager_, &list));
+  fp_host::SetSensors({fp_host::LightSensor("other")});
+  ASensorList again = nullptr;
+  EXPECT_EQ(2, ASensorManager_getSensorList(manager_, &again));
+  EXPECT_EQ(list, again);
+  EXPECT_EQ(2, ASensorManager_getSensorList(manager_, nullptr));
+  EXPECT_EQ(list[0], SensorOf(ASENSOR_TYPE_LIGHT));
+  EXPECT_EQ(nullptr, SensorOf(ASENSOR_TYPE_PRESSURE));
+  EXPECT_STREQ("light", ASensor_getName(list[0]));
+  EXPECT_EQ(ASENSOR_TYPE_LIGHT, ASensor_getType(list[0]));
+  EXPECT_EQ(20000, ASensor_getMinDelay(list[0]));
+  EXPECT_NE(ASensor_getHandle(list[0]), ASensor_getHandle(list[1]));
+
+  QueueOf(ASENSOR_TYPE_LIGHT);
+  SetLux(1);
+  fp_host::RestartSensorService();
+  EXPECT_EQ(ALOOPER_POLL_TIMEOUT, Poll()) << "queues and their events are gone, too";
+  EXPECT_EQ(fp_host::SensorUsage(), fp_host::GetSensorUsage());
+  ASensorManager* const next = ASensorManager_getInstanceForPackage("");
+  EXPECT_NE(manager_, next);
+  EXPECT_EQ(1, ASensorManager_getSensorList(next, &list));
+  EXPECT_STREQ("other", ASensor_getName(list[0]));
+}
+
+TEST_F(SensorBridgeTest, WithoutServiceTheManagerIsNullOrAwaited) {
+  fp_host::StopSensorService();
+  EXPECT_EQ(nullptr, ASensorManager_getInstanceForPackage(""));
+  fp_host::StopSensorService(fp_host::WhileDown::kWait);
+  std::atomic<ASensorManager*> awaited = nullptr;
+  fp_test::Gate asked;
+  asked.Open();
+  fp_host::OnSensorCall("ASensorManager_getInstanceForPackage", [&asked] { asked.Pass(); });
+  std::thread thread([&awaited] { awaited = ASensorManager_getInstanceForPackage(""); });
+  EXPECT_TRUE(asked.AwaitArrival());
+  EXPECT_EQ(nullptr, awaited.load());
+  fp_host::StartSensorService();
+  thread.join();
+  EXPECT_NE(nullptr, awaited.load());
+}
+
+TEST_F(SensorBridgeTest, NullHandlesAreAnswered) {
+  const ASensor* const light = SensorOf(ASENSOR_TYPE_LIGHT);
+  const struct {
+    ssize_t result;
+    const char* call;
+  } kCalls[] = {
+      {ASensorManager_getSensorList(nullptr, nullptr), "getSensorList"},
+      {ASensorManager_destroyEventQueue(manager_, nullptr), "destroyEventQueue"},
+      {ASensorEventQueue_registerSensor(nullptr, light, 0, 0), "registerSensor"},
+      {ASensorEventQueue_enableSensor(nullptr, light), "enableSensor"},
+      {ASensorEventQueue_setEventRate(nullptr, light, 0), "setEventRate"},
+      {ASensorEventQueue_disableSensor(nullptr, light), "disableSensor"},
+      {ASensorEventQueue_hasEvents(nullptr), "hasEvents"},
+      {ASensorEventQueue_getEvents(nullptr, nullptr, 1), "getEvents"},
+  };
+  for (const auto& call : kCalls) {
+    EXPECT_EQ(-EINVAL, call.result) << call.call;
+  }
+  ALooper* const looper = ALooper_forThread();
+  EXPECT_EQ(nullptr, ASensorManager_getDefaultSensor(nullptr, ASENSOR_TYPE_LIGHT));
+  EXPECT_EQ(nullptr, ASensorManager_createEventQueue(nullptr, looper, 0, nullptr, nullptr));
+  EXPECT_EQ(nullptr, ASensorManager_createEventQueue(manager_, nullptr, 0, nullptr, nullptr));
+  EXPECT_EQ(nullptr, ASensor_getName(nullptr));
+  EXPECT_EQ(nullptr, ASensor_getVendor(nullptr));
+  EXPECT_EQ(nullptr, ASensor_getStringType(nullptr));
+  EXPECT_EQ(ASENSOR_TYPE_INVALID, ASensor_getType(nullptr));
+  EXPECT_TRUE(std::isnan(ASensor_getResolution(nullptr)));
+  EXPECT_EQ(ASENSOR_DELAY_INVALID, ASensor_getMinDelay(nullptr));
+  EXPECT_EQ(-1, ASensor_getFifoMaxEventCount(nullptr));
+  EXPECT_EQ(-1, ASensor_getFifoReservedEventCount(nullptr));
+  EXPECT_EQ(ASENSOR_INVALID, ASensor_getHandle(nullptr));
+}
+
+using SensorBridgeDeathTest = SensorBridgeTest;
+TEST_F(SensorBridgeDeathTest, WhatCrashesOnADeviceAborts) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  ASensorEventQueue* const queue = QueueOf(ASENSOR_TYPE_LIGHT);
+  EXPECT_DEATH(ALooper_wake(nullptr), "ALooper_wake\\(\\) was called with null");
+  EXPECT_DEATH(ASensorEventQueue_registerSensor(queue, nullptr, 0, 0), "null sensor");
+  const ASensor* const light = SensorOf(ASENSOR_TYPE_LIGHT);
+  ASensorManager_destroyEventQueue(manager_, queue);
+  EXPECT_DEATH(Take(queue), "ASensorEventQueue_getEvents\\(\\) was called with queue 1, which is");
+  fp_host::RestartSensorService();
+  EXPECT_DEATH(ASensor_getType(light), "called with light, which is gone");
+  EXPECT_DEATH(SensorOf(ASENSOR_TYPE_LIGHT), "called with manager 1, which is gone");
+  fp_host::CountDeadHandleUses();
+  EXPECT_EQ(ASENSOR_TYPE_INVALID, ASensor_getType(light));
+  EXPECT_EQ(-EINVAL, Take(queue));
+  EXPECT_EQ(2, fp_host::GetDeadHandleUses());
+}
+
+TEST_F(SensorBridgeTest, QueuesTakeTheEventsOfTheirEnabledSensors) {
+  ASensorEventQueue* const queue =
+      ASensorManager_createEventQueue(manager_, ALooper_forThread(), 0, nullptr, nullptr);
+  const ASensor* const light = SensorOf(ASENSOR_TYPE_LIGHT);
+  SetLux(1);
+  EXPECT_EQ(0, ASensorEventQueue_hasEvents(queue)) << "not enabled yet";
+  EXPECT_EQ(0, ASensorEventQueue_enableSensor(queue, light));
+  EXPECT_EQ(1, ASensorEventQueue_hasEvents(queue)) << "an enabled light sensor reports its value";
+  EXPECT_EQ(0, ASensorEventQueue_registerSensor(queue, light, 0, 0));
+  EXPECT_EQ(1, Take(queue)) << "once";
+  SetLux({2, 3});
+  EXPECT_EQ(0, ASensorEventQueue_disableSensor(queue, light));
+  SetLux(4);
+  fp_host::LongPress();
+  ASensorEvent events[4];
+  ASSERT_EQ(2, ASensorEventQueue_getEvents(queue, events, 4)) << "queued events stay queued";
+  EXPECT_EQ(3, events[1].light);
+  EXPECT_EQ(ASENSOR_TYPE_LIGHT, events[1].type);
+  EXPECT_EQ(ASensor_getHandle(light), events[1].sensor);
+  EXPECT_EQ(0, ASensorEventQueue_setEventRate(queue, light, 1000));
+  SetLux(5);
+  EXPECT_EQ(2, Take(queue)) << "setting a rate enables";
+  SetLux(std::vector<float>(1000, 1));
+  EXPECT_EQ(8, Take(queue)) << "no bound but the reader's";
+  EXPECT_EQ(0, ASensorManager_destroyEventQueue(manager_, queue));
+  EXPECT_EQ(ALOOPER_POLL_TIMEOUT, Poll()) << "undelivered events are dropped";
+  EXPECT_EQ(fp_host::SensorUsage(), fp_host::GetSensorUsage());
+}
+
+TEST_F(SensorBridgeTest, AdditionalInfoHasToBeAskedFor) {
+  ASensorEventQueue* const queue = QueueOf(ASENSOR_TYPE_LIGHT);
+  ASensorEvent info = {};
+  info.type = ASENSOR_TYPE_ADDITIONAL_INFO;
+  fp_host::PushSensorEvents({info});
+  EXPECT_EQ(ALOOPER_POLL_TIMEOUT, Poll());
+  EXPECT_EQ(0, ASensorEventQueue_requestAdditionalInfoEvents(queue, true));
+  fp_host::PushSensorEvents({info});
+  EXPECT_EQ(1, Take(queue));
+  EXPECT_EQ(0, ASensorEventQueue_requestAdditionalInfoEvents(nullptr, true));
+}
+
+// Vendor code that uses these does not link on a device.
+TEST_F(SensorBridgeTest, ExportsNoMoreThanTheBridge) {
+  for (const char* name :
+       {"ALooper_addFd", "ALooper_removeFd", "ALooper_pollAll", "ALooper_acquire",
+        "ALooper_release", "ASensor_getReportingMode", "ASensor_isWakeUpSensor",
+        "ASensorManager_getDefaultSensorEx", "ASensorManager_getDynamicSensorList"}) {
+    EXPECT_EQ(nullptr, dlsym(RTLD_DEFAULT, name)) << name;
+  }
+}
+
+TEST_F(SensorBridgeTest, FaultsAndHooksMeetTheirCalls) {
+  ASensorEventQueue* const queue = QueueOf(ASENSOR_TYPE_LIGHT);
+  fp_host::SetSensorFault({.function = "ASensorEventQueue_getEvents", .result = -11, .calls = 2});
+  fp_host::SetSensorFault({.function = "ASensorManager_createEventQueue"});
+  EXPECT_EQ(-11, Take(queue));
+  EXPECT_EQ(-11, Take(queue));
+  EXPECT_EQ(0, Take(queue));
+  EXPECT_EQ(nullptr,
+            ASensorManager_createEventQueue(manager_, ALooper_forThread(), 0, nullptr, nullptr));
+  EXPECT_EQ("ASensorManager_createEventQueue(manager 1, looper, 0, null) = null", MyCalls().back());
+  std::thread waiting([] { EXPECT_EQ(ALOOPER_POLL_ERROR, Poll(-1)); });
+  EXPECT_TRUE(Eventually([] { return fp_host::ArePollersIdle(1); }));
+  fp_host::SetSensorFault(
+      {.function = "ALooper_pollOnce", .result = ALOOPER_POLL_ERROR, .calls = 1});
+  waiting.join();
+  // A queue that dies while it is in use is answered like none: its user could not know.
+  fp_host::OnSensorCall("ASensorEventQueue_getEvents", [] { fp_host::RestartSensorService(); });
+  EXPECT_EQ(-EINVAL, Take(queue));
+}
+
+}  // namespace
