@@ -11,6 +11,7 @@
 
 namespace android::fp_utils::log_tag {
 
+inline constexpr char kAlsMonitor[] = "AlsMonitor";
 inline constexpr char kAuthEvent[] = "AuthEvent";
 inline constexpr char kAuthEventG7[] = "AuthEventG7";
 inline constexpr char kAuthStats[] = "AuthStats";

@@ -1,0 +1,75 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <mutex>
+
+#include <android/looper.h>
+#include <android/sensor.h>
+
+#include "fp_utils/export.h"
+#include "fp_utils/thread_annotations.h"
+
+namespace android::fp_utils {
+
+// The current ambient light, for captures in bright surroundings. The one instance of the process
+// collects light events in a queue between StartSampling() and StopSampling(); GetLight() empties
+// the queue.
+//
+// Threading:  every operation locks. Call StartSampling() and GetLight() on the same thread: the
+//             platform's looper may be one per thread.
+// Ownership:  the class owns the instance. OnSystemServerDeath() deletes it; an operation on the
+//             old pointer that was waiting for the lock fails as one without a connection, later
+//             ones need a new GetInstance().
+// Blocking:   every operation waits for the sensor service while it is being started; GetLight()
+//             also polls, up to 1 ms for each 16 events.
+// Errors:     logged and returned; the last sample is kept.
+// Units:      lux.
+class FP_UTILS_EXPORT AlsMonitor {
+ public:
+  // Made on first use and after the system server has died; never null.
+  static AlsMonitor* GetInstance();
+
+  // Deletes the instance and leaves its queue alone: the service that held it is gone.
+  static void OnSystemServerDeath();
+
+  AlsMonitor(const AlsMonitor&) = delete;
+  AlsMonitor& operator=(const AlsMonitor&) = delete;
+
+  // 0; -ENOMEM without sensor manager, looper or queue; UNEXPECTED_NULL without a light sensor;
+  // else the status of the platform's refusal. Registers again if sampling already.
+  int StartSampling();
+
+  // 0, or -ENOMEM without sensor manager.
+  int StopSampling();
+
+  // 0 and the newest light value, from an earlier call if there was no event since: a steady light
+  // sends none. -ENOMEM without sensor manager, UNKNOWN_ERROR when not sampling or after a poll
+  // error, -EINVAL when there was no event yet or `lux` is null.
+  int GetLight(float* lux);
+
+  // Asks for the sensor manager. Another one than before means that the sensor service has been
+  // restarted: sampling has stopped.
+  bool ConnectSensorManagerIfNeeded();
+
+ private:
+  AlsMonitor() = default;
+  ~AlsMonitor() = default;
+
+  bool Connect() REQUIRES(mutex_);
+  bool ConnectForOperation() REQUIRES(mutex_);
+  int Drain() REQUIRES(mutex_);
+
+  static AlsMonitor* instance_ GUARDED_BY(mutex_);
+  static std::mutex mutex_;
+
+  // Guarded by mutex_. Not owned, but for the queue.
+  ASensorManager* sensor_manager_ GUARDED_BY(mutex_) = nullptr;
+  ALooper* looper_ GUARDED_BY(mutex_) = nullptr;
+  ASensorEventQueue* event_queue_ GUARDED_BY(mutex_) = nullptr;  // null: sampling has stopped
+  const ASensor* sensor_ GUARDED_BY(mutex_) = nullptr;
+  bool started_ GUARDED_BY(mutex_) = false;
+  bool has_sample_ GUARDED_BY(mutex_) = false;
+  float last_lux_ GUARDED_BY(mutex_) = 0;
+};
+
+}  // namespace android::fp_utils

@@ -1,0 +1,300 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "fp_utils/als_monitor.h"
+
+#include <cerrno>
+
+#include <utils/Errors.h>
+
+#include "support/sensor_test.h"
+
+namespace android::fp_utils {
+namespace {
+
+using fp_host::SetLux;
+using fp_test::Debug;
+using fp_test::Error;
+using fp_test::Info;
+using fp_test::LogLine;
+using fp_test::TakeLog;
+using fp_test::Texts;
+
+constexpr char kTag[] = "AlsMonitor";
+constexpr char kGetManager[] = "ASensorManager_getInstanceForPackage() = manager 1";
+constexpr float kUntouched = -1;
+
+const LogLine kConnected = Debug(kTag, "Successfully connected to Sensor Manager.");
+const LogLine kStarted = Debug(kTag, "Sampling is started.");
+const LogLine kStopped = Debug(kTag, "Sampling is stopped.");
+const LogLine kNotStarted = Error(kTag, "Sensor sampler is not started.");
+const LogLine kNoConnection = Error(kTag, "Failed to connect sensor manager.");
+const LogLine kNoManager = Error(kTag, "Failed to get sensor manager.");
+const LogLine kPollError = Error(kTag, "Sensor event looper returned a poll error.");
+const LogLine kNoSample = Error(kTag, "Sample is not available.");
+
+class AlsMonitorTest : public fp_test::SensorTest {
+ protected:
+  static AlsMonitor& Monitor() { return *AlsMonitor::GetInstance(); }
+
+  void StartQuietly() {
+    EXPECT_EQ(0, Monitor().StartSampling());
+    TakeCalls();
+    TakeLog();
+  }
+
+  // The value, or kUntouched, that GetLight() leaves; it has to return `status`.
+  static float Light(int status = 0) {
+    float lux = kUntouched;
+    EXPECT_EQ(status, Monitor().GetLight(&lux));
+    return lux;
+  }
+};
+
+TEST_F(AlsMonitorTest, AsksThePlatformInThisOrder) {
+  EXPECT_EQ(0, Monitor().StartSampling());
+  EXPECT_EQ((Texts{kGetManager, "ASensorManager_getDefaultSensor(manager 1, 5) = light",
+                   "ALooper_prepare(1) = looper",
+                   "ASensorManager_createEventQueue(manager 1, looper, 0, null) = queue 1",
+                   "ASensor_getMinDelay(light) = 20000",
+                   "ASensorEventQueue_registerSensor(queue 1, light, 20000, 0) = 0"}),
+            MyCalls());
+  EXPECT_EQ((std::vector{kConnected, kStarted}), TakeLog());
+
+  SetLux(350);
+  EXPECT_EQ(350, Light());
+  EXPECT_EQ((Texts{kGetManager, "ALooper_pollOnce(1) = -2",
+                   "ASensorEventQueue_getEvents(queue 1, 16) = 1"}),
+            MyCalls());
+
+  EXPECT_EQ(0, Monitor().StartSampling()) << "registers again";
+  EXPECT_EQ((Texts{kGetManager, "ASensor_getMinDelay(light) = 20000",
+                   "ASensorEventQueue_registerSensor(queue 1, light, 20000, 0) = 0"}),
+            MyCalls());
+  EXPECT_EQ((std::vector{kStarted}), TakeLog());
+
+  EXPECT_EQ(0, Monitor().StopSampling());
+  EXPECT_EQ((Texts{kGetManager, "ASensorEventQueue_disableSensor(queue 1, light) = 0",
+                   "ASensorManager_destroyEventQueue(manager 1, queue 1) = 0"}),
+            MyCalls());
+  EXPECT_EQ(kUntouched, Light(UNKNOWN_ERROR));
+  EXPECT_EQ(0, Monitor().StopSampling());
+  EXPECT_EQ((Texts{kGetManager, kGetManager}), MyCalls());
+  EXPECT_EQ((std::vector{kStopped, kNotStarted, kStopped}), TakeLog());
+
+  EXPECT_EQ(0, Monitor().StartSampling());
+  EXPECT_EQ(
+      (Texts{kGetManager, "ASensorManager_createEventQueue(manager 1, looper, 0, null) = queue 2",
+             "ASensor_getMinDelay(light) = 20000",
+             "ASensorEventQueue_registerSensor(queue 2, light, 20000, 0) = 0"}),
+      MyCalls())
+      << "sensor and looper are used again";
+  EXPECT_EQ(350, Light());
+}
+
+TEST_F(AlsMonitorTest, FailsWithWhatIsMissingAndGoesOnFromThere) {
+  const struct {
+    const char* function;
+    int status;  // also the result of the failing call, if that is a number
+    std::vector<LogLine> log;
+    size_t calls_of_retry;  // of the six that a first start makes
+    const char* kept;
+  } kCases[] = {
+      {"ASensorManager_getInstanceForPackage", -ENOMEM, {kNoManager, kNoConnection}, 6, "nothing"},
+      {"ASensorManager_getDefaultSensor",
+       UNEXPECTED_NULL,
+       {kConnected, Error(kTag, "Failed to get sensor.")},
+       6,
+       "the manager, which is asked for all the same"},
+      {"ALooper_prepare",
+       -ENOMEM,
+       {kConnected, Error(kTag, "Failed to prepare an event looper.")},
+       5,
+       "the sensor"},
+      {"ASensorManager_createEventQueue",
+       -ENOMEM,
+       {kConnected, Error(kTag, "Failed to create an event queue.")},
+       4,
+       "the looper, too"},
+      {"ASensorEventQueue_registerSensor",
+       -5,
+       {kConnected, Error(kTag, "StartSampling: Failed to register sensor, err=-5.")},
+       3,
+       "the queue, too"},
+  };
+  for (const auto& test : kCases) {
+    SCOPED_TRACE(test.function);
+    fp_host::SetSensorFault({.function = test.function, .result = test.status, .calls = 1});
+    EXPECT_EQ(test.status, Monitor().StartSampling());
+    EXPECT_EQ(test.log, TakeLog());
+    TakeCalls();
+    EXPECT_EQ(0, Monitor().StartSampling());
+    EXPECT_EQ(test.calls_of_retry, MyCalls().size()) << "kept: " << test.kept;
+    // The next case begins with a new service and a new instance.
+    fp_host::RestartSensorService();
+    AlsMonitor::OnSystemServerDeath();
+    TakeLog();
+  }
+}
+
+// Without a manager nothing is known of the service: all operations say so, and what they had goes
+// on once the same manager is back.
+TEST_F(AlsMonitorTest, MissingManagerLosesNothing) {
+  StartQuietly();
+  SetLux(10);
+  fp_host::SetSensorFault({.function = "ASensorManager_getInstanceForPackage"});
+  EXPECT_EQ(-ENOMEM, Monitor().StartSampling());
+  EXPECT_EQ(-ENOMEM, Monitor().StopSampling());
+  EXPECT_EQ(kUntouched, Light(-ENOMEM));
+  EXPECT_FALSE(Monitor().ConnectSensorManagerIfNeeded());
+  EXPECT_EQ((std::vector{kNoManager, kNoConnection, kNoManager, kNoConnection, kNoManager,
+                         kNoConnection, kNoManager}),
+            TakeLog());
+  fp_host::ClearSensorFaults();
+  EXPECT_TRUE(Monitor().ConnectSensorManagerIfNeeded());
+  EXPECT_EQ(10, Light());
+  EXPECT_TRUE(TakeLog().empty());
+}
+
+TEST_F(AlsMonitorTest, DrainsInBatchesAndKeepsTheNewest) {
+  EXPECT_EQ(kUntouched, Light(UNKNOWN_ERROR));
+  StartQuietly();
+  EXPECT_EQ(kUntouched, Light(-EINVAL));
+  EXPECT_EQ((std::vector{kNoSample}), TakeLog());
+
+  const struct {
+    size_t events;
+    Texts fetches;
+    const char* why;
+  } kCases[] = {
+      {1, {"1"}, "one"},
+      {15, {"15"}, "not quite a batch"},
+      {16, {"16", "0"}, "a full batch says nothing about the rest"},
+      {17, {"16", "1"}, "one more than a batch"},
+      {40, {"16", "16", "8"}, "several"},
+      {0, {"0"}, "a steady light sends no event"},
+  };
+  float lux = 0;
+  for (const auto& test : kCases) {
+    std::vector<float> readings;
+    for (size_t i = 0; i < test.events; ++i) {
+      readings.push_back(++lux);
+    }
+    SetLux(readings);
+    MyCalls();
+    EXPECT_EQ(lux, Light()) << test.why;
+    Texts fetches;
+    for (const std::string& call : MyCalls()) {
+      if (call.starts_with("ASensorEventQueue_getEvents")) {
+        fetches.push_back(call.substr(call.find(" = ") + 3));
+      }
+    }
+    EXPECT_EQ(test.fetches, fetches) << test.why;
+  }
+}
+
+TEST_F(AlsMonitorTest, PollErrorEndsTheDrainButKeepsTheSample) {
+  StartQuietly();
+  SetLux(std::vector<float>(20, 5));
+  int polls = 0;
+  fp_host::OnSensorCall("ALooper_pollOnce", [&polls] {
+    if (++polls == 2) {
+      fp_host::SetSensorFault(
+          {.function = "ALooper_pollOnce", .result = ALOOPER_POLL_ERROR, .calls = 1});
+    }
+  });
+  EXPECT_EQ(kUntouched, Light(UNKNOWN_ERROR));
+  EXPECT_EQ((std::vector{kPollError}), TakeLog());
+  fp_host::SetSensorFault({.function = "ASensorEventQueue_getEvents", .result = -11, .calls = 1});
+  EXPECT_EQ(5, Light()) << "seen before the error; a negative count is an empty queue";
+
+  SetLux(6);
+  ALooper_wake(ALooper_forThread());
+  std::thread([] { ALooper_pollOnce(0, nullptr, nullptr, nullptr); }).join();
+  EXPECT_EQ(6, Light()) << "whatever the poll returns, the queue is looked at";
+}
+
+TEST_F(AlsMonitorTest, LastEventOfABatchCountsWhateverItsType) {
+  StartQuietly();
+  std::vector<ASensorEvent> events(2);
+  events[0].type = ASENSOR_TYPE_LIGHT;
+  events[0].light = 1;
+  events[1].type = ASENSOR_TYPE_PROXIMITY;
+  events[1].light = 2;
+  fp_host::PushSensorEvents(events);
+  EXPECT_EQ(2, Light());
+}
+
+TEST_F(AlsMonitorTest, RefusalLeavesSamplingAsItWas) {
+  StartQuietly();
+  SetLux(1);
+  fp_host::SetSensorFault({.function = "ASensorEventQueue_registerSensor", .result = 3});
+  fp_host::SetSensorFault({.function = "ASensorEventQueue_disableSensor", .result = -3});
+  fp_host::SetSensorFault({.function = "ASensorManager_destroyEventQueue", .result = -3});
+  EXPECT_EQ(3, Monitor().StartSampling());
+  EXPECT_EQ(1, Light());
+  EXPECT_EQ(0, Monitor().StopSampling());
+  Light(UNKNOWN_ERROR);
+  EXPECT_EQ(3, Monitor().StartSampling());
+  Light(UNKNOWN_ERROR);
+}
+
+// The handles of the old service dangle: touching one would abort.
+TEST_F(AlsMonitorTest, NewManagerHandleMeansStopped) {
+  StartQuietly();
+  SetLux(20);
+  EXPECT_EQ(20, Light());
+  fp_host::RestartSensorService();
+  EXPECT_EQ(kUntouched, Light(UNKNOWN_ERROR));
+  EXPECT_EQ(0, Monitor().StopSampling());
+  EXPECT_EQ((std::vector{kConnected, kNotStarted, kStopped}), TakeLog());
+  MyCalls();
+  fp_host::StopSensorService();
+  EXPECT_EQ(-ENOMEM, Monitor().StopSampling());
+  fp_host::StartSensorService();
+  EXPECT_EQ(0, Monitor().StartSampling());
+  EXPECT_EQ((Texts{"ASensorManager_getInstanceForPackage() = null",
+                   "ASensorManager_getInstanceForPackage() = manager 3",
+                   "ASensorManager_getDefaultSensor(manager 3, 5) = light",
+                   "ASensorManager_createEventQueue(manager 3, looper, 0, null) = queue 2",
+                   "ASensor_getMinDelay(light) = 20000",
+                   "ASensorEventQueue_registerSensor(queue 2, light, 20000, 0) = 0"}),
+            MyCalls())
+      << "the looper is kept";
+  EXPECT_EQ(20, Light()) << "and so is the sample";
+}
+
+TEST_F(AlsMonitorTest, DeathOfTheSystemServerBeginsAnew) {
+  AlsMonitor::OnSystemServerDeath();
+  EXPECT_EQ((std::vector{Info(kTag, "system server died.")}), TakeLog()) << "without an instance";
+  StartQuietly();
+  SetLux(20);
+  EXPECT_EQ(20, Light());
+  MyCalls();
+  fp_host::RestartSensorService();
+  AlsMonitor::OnSystemServerDeath();
+  EXPECT_TRUE(MyCalls().empty());
+  EXPECT_EQ(0, Monitor().StartSampling());
+  EXPECT_EQ((std::vector{Info(kTag, "system server died."), kConnected, kStarted}), TakeLog());
+}
+
+// The service's thread is about to enter an operation as another hears of the death.
+TEST_F(AlsMonitorTest, OldPointerFailsAndIsNotFollowed) {
+  AlsMonitor* const old = AlsMonitor::GetInstance();
+  StartQuietly();
+  AlsMonitor::OnSystemServerDeath();
+  TakeLog();
+  float lux = kUntouched;
+  EXPECT_EQ(-ENOMEM, old->StartSampling());
+  EXPECT_EQ(-ENOMEM, old->StopSampling());
+  EXPECT_EQ(-ENOMEM, old->GetLight(&lux));
+  EXPECT_FALSE(old->ConnectSensorManagerIfNeeded());
+  EXPECT_EQ((std::vector{kNoConnection, kNoConnection, kNoConnection}), TakeLog());
+  EXPECT_TRUE(MyCalls().empty());
+}
+
+TEST_F(AlsMonitorTest, NullIsRefused) {
+  EXPECT_EQ(-EINVAL, Monitor().GetLight(nullptr));
+  EXPECT_EQ((std::vector{Error(kTag, "GetLight: lux is null.")}), TakeLog());
+}
+
+}  // namespace
+}  // namespace android::fp_utils
