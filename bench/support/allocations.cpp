@@ -1,13 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "support/allocations.h"
 
-#include <atomic>
 #include <cstdlib>
 #include <new>
 
 namespace {
 
-std::atomic<uint64_t> allocations = 0;
+thread_local uint64_t allocations = 0;
 
 }  // namespace
 

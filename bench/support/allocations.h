@@ -5,7 +5,7 @@
 
 namespace fp_bench {
 
-// Calls of operator new in the program so far.
+// Calls of operator new on this thread so far, by the program and its libraries.
 uint64_t Allocations();
 
 }  // namespace fp_bench

@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "connectors/sensor_polling_worker.h"
+
+#include <chrono>
+#include <thread>
+
+#include <android/looper.h>
+
+namespace android::fp_utils {
+namespace {
+
+// How long a woken worker has before it is woken again.
+constexpr std::chrono::milliseconds kWakeInterval{1};
+
+thread_local const SensorListener::SensorPollingWorkerThread* current_worker = nullptr;
+
+}  // namespace
+
+bool SensorListener::SensorPollingWorkerThread::Start() {
+  if (!isRunning()) {
+    run("SensorPollingWorkerThread", 0, 0);
+  }
+  return true;
+}
+
+bool SensorListener::SensorPollingWorkerThread::Stop() {
+  if (isRunning()) {
+    requestExit();
+    // Any other poller of the process can have taken the wake, so one may not be enough. One too
+    // many ends somebody's poll early, once.
+    do {
+      ALooper_wake(listener_->looper_);
+      std::this_thread::sleep_for(kWakeInterval);
+    } while (isRunning());
+    requestExitAndWait();
+  }
+  return true;
+}
+
+bool SensorListener::SensorPollingWorkerThread::IsCurrent() const { return current_worker == this; }
+
+bool SensorListener::SensorPollingWorkerThread::IsCurrentOf(const SensorListener* listener) {
+  return current_worker != nullptr && current_worker->listener_ == listener;
+}
+
+bool SensorListener::SensorPollingWorkerThread::IsEndingOf(const SensorListener* listener) {
+  return IsCurrentOf(listener) && current_worker->exitPending();
+}
+
+bool SensorListener::SensorPollingWorkerThread::threadLoop() {
+  current_worker = this;
+  while (!exitPending()) {
+    listener_->PollSensorEvent();
+  }
+  return true;
+}
+
+}  // namespace android::fp_utils

@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <utils/Thread.h>
+
+#include "fp_utils/sensor_listener.h"
+
+namespace android::fp_utils {
+
+// The thread on which a listener polls. The listener outlives it, or has asked it to exit from a
+// callback and then is not touched any more.
+class SensorListener::SensorPollingWorkerThread : public Thread {
+ public:
+  explicit SensorPollingWorkerThread(SensorListener* listener) : listener_(listener) {}
+
+  // Runs the thread unless it runs; always true.
+  bool Start();
+
+  // Has the thread exit and waits for it, if it runs; always true. Not for the thread itself.
+  bool Stop();
+
+  // Whether the calling thread is this one.
+  bool IsCurrent() const;
+
+  // Whether the calling thread is a worker of the listener, and if so, whether it has to exit. Only
+  // the address of the listener is looked at: it may be gone.
+  static bool IsCurrentOf(const SensorListener* listener);
+  static bool IsEndingOf(const SensorListener* listener);
+
+ private:
+  bool threadLoop() override;
+
+  SensorListener* const listener_;  // Not owned.
+};
+
+}  // namespace android::fp_utils

@@ -1,0 +1,217 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// How a listener's worker ends: by the death of the system server, by the destructor, by a
+// callback, and whatever is going on meanwhile.
+#include <atomic>
+#include <cerrno>
+
+#include "fp_utils/als_monitor.h"
+#include "support/listener_test.h"
+
+namespace android::fp_utils {
+namespace {
+
+using fp_host::SensorUsage;
+using fp_host::SetLux;
+using fp_test::Debug;
+using fp_test::Error;
+using fp_test::Eventually;
+using fp_test::Gate;
+using fp_test::Info;
+using fp_test::IsWorkerIdle;
+using fp_test::LogLine;
+using fp_test::TakeLog;
+using fp_test::Texts;
+
+constexpr char kTag[] = "SensorListener";
+const LogLine kDied = Info(kTag, "system server died.");
+constexpr char kWake[] = "ALooper_wake(looper) = 0";
+
+using SensorListenerEndTest = fp_test::ListenerTest;
+
+// The handles of the old service dangle: touching one would abort.
+TEST_F(SensorListenerEndTest, ConnectsAfreshAfterTheDeathOfTheSystemServer) {
+  StartQuietly();
+  EXPECT_EQ(0, listener_->StartSampling(kLongPress));
+  TakeCalls();
+  RestartSystemServer();
+  EXPECT_EQ((Texts{kWake}), MyCalls()) << "and nothing of the old service";
+  EXPECT_EQ((Texts{"ALooper_pollOnce(-1) = -1"}), Others());
+  EXPECT_EQ((std::vector{kDied}), TakeLog());
+  EXPECT_FALSE(listener_->IsAnySamplerStarted());
+  EXPECT_EQ(0, listener_->StopSampling(kLight));
+
+  EXPECT_EQ(0, listener_->StartSampling(kLight));
+  EXPECT_EQ((Texts{"ASensorManager_getInstanceForPackage() = manager 2",
+                   "ASensorManager_getSensorList(manager 2) = 2", "ASensor_getName(light) = light",
+                   "ASensor_getStringType(light) = android.sensor.light",
+                   "ASensor_getName(long press) = long press",
+                   "ASensor_getStringType(long press) = com.norvan.sensor.long_press",
+                   "ASensorManager_createEventQueue(manager 2, looper, 0, null) = queue 2",
+                   "ASensor_getMinDelay(light) = 20000",
+                   "ASensorEventQueue_registerSensor(queue 2, light, 20000, 0) = 0"}),
+            MyCalls())
+      << "the looper is kept";
+  SetLux(8);
+  EXPECT_TRUE(AwaitLights(1)) << "by a new worker";
+  EXPECT_EQ(8, last_lux_);
+
+  fp_host::SetSensors({{"pressure", "android.sensor.pressure", ASENSOR_TYPE_PRESSURE, 0}});
+  RestartSystemServer();
+  TakeLog();
+  EXPECT_EQ(-ENOMEM, listener_->StartSampling(kLight));
+  const std::string not_found = "ConnectSensorManagerIfNeeded: Sensor(";
+  EXPECT_EQ((std::vector{Debug(kTag, "The device sensor count:1"),
+                         Error(kTag, not_found + "android.sensor.light) not found.\n"),
+                         Error(kTag, not_found + "com.norvan.sensor.long_press) not found.\n"),
+                         Debug(kTag, "Successfully connected to Sensor Manager."),
+                         Error(kTag, "sensor[0] is not available.")}),
+            TakeLog())
+      << "nor are the old sensors remembered";
+}
+
+TEST_F(SensorListenerEndTest, DestructorEndsTheWorkerAndGivesTheSensorsBack) {
+  StartQuietly();
+  EXPECT_EQ(0, listener_->StartSampling(kLongPress));
+  TakeCalls();
+  listener_.reset();
+  EXPECT_EQ((Texts{kWake, "ASensorEventQueue_disableSensor(queue 1, light) = 0",
+                   "ASensorEventQueue_disableSensor(queue 1, long press) = 0",
+                   "ASensorManager_destroyEventQueue(manager 1, queue 1) = 0"}),
+            MyCalls());
+  EXPECT_EQ(SensorUsage(), fp_host::GetSensorUsage());
+
+  Create();
+  StartQuietly();
+  RestartSystemServer();
+  TakeCalls();
+  listener_.reset();
+  EXPECT_EQ(Texts{}, MyCalls()) << "nothing is left to give back";
+}
+
+TEST_F(SensorListenerEndTest, WorkerThatWaitsForTheLockGivesUpAsItHasToEnd) {
+  StartQuietly();
+  Gate polled;
+  fp_host::OnSensorCall("ALooper_pollOnce", nullptr, [&polled] { polled.Pass(); });
+  fp_host::OnSensorCall("ALooper_wake", nullptr, [&polled] { polled.Open(); });
+  SetLux(1);
+  ASSERT_TRUE(polled.AwaitArrival()) << "the worker has seen the event, and needs the lock next";
+  TakeCalls();
+  fp_test::RunBounded("death while the worker is on its way to the lock", [this] {
+    fp_host::RestartSensorService();
+    listener_->OnSystemServerDeath();  // opens the gate by its wake, with the lock held
+  });
+  EXPECT_EQ(0, lights_);
+}
+
+TEST_F(SensorListenerEndTest, WakeThatAnotherPollerTookIsSentAgain) {
+  EXPECT_EQ(0, AlsMonitor::GetInstance()->StartSampling());
+  StartQuietly();
+  for (const int swallowed : {1, 5}) {
+    fp_host::SetSensorFault({.function = "ALooper_wake", .calls = swallowed});
+    fp_test::RunBounded("death with lost wakes", [this] { listener_->OnSystemServerDeath(); });
+    EXPECT_EQ(0, listener_->StartSampling(kLight));
+  }
+  // The monitor polls after the wake and before the worker does.
+  Gate before_poll;
+  EXPECT_TRUE(Eventually(IsWorkerIdle));
+  on_light_ = [&before_poll] { before_poll.Pass(); };
+  SetLux(1);
+  ASSERT_TRUE(before_poll.AwaitArrival());
+  std::atomic<bool> woken = false;
+  fp_host::OnSensorCall("ALooper_wake", nullptr, [&woken] {
+    if (!woken.exchange(true)) {
+      float lux = 0;
+      AlsMonitor::GetInstance()->GetLight(&lux);  // takes the signal of its own event, if any
+      AlsMonitor::GetInstance()->GetLight(&lux);  // and the wake
+    }
+  });
+  std::thread opener([&] {
+    Eventually([&woken] { return woken.load(); });
+    before_poll.Open();
+  });
+  fp_test::RunBounded("death as the monitor takes the wake",
+                      [this] { listener_->OnSystemServerDeath(); });
+  opener.join();
+  on_light_ = nullptr;
+}
+
+// A batch is being delivered as the system server dies: what is left of it is not matched against
+// sensors that are gone. Calls of the callback back into the listener do not wait.
+TEST_F(SensorListenerEndTest, DeathDuringACallbackEndsTheDelivery) {
+  StartQuietly();
+  EXPECT_EQ(0, listener_->StartSampling(kLongPress));
+  Gate gate;
+  int32_t start = 1, stop = 1;
+  on_light_ = [&] {
+    gate.Pass();
+    start = listener_->StartSampling(kLongPress);
+    stop = listener_->StopSampling(kLight);
+    listener_->OnSystemServerDeath();
+  };
+  SetLux({1, 2, 3});
+  ASSERT_TRUE(gate.AwaitArrival());
+  fp_host::RestartSensorService();
+  fp_host::OnSensorCall("ALooper_wake", [&gate] { gate.Open(); });
+  TakeLog();
+  fp_test::RunBounded("death during a callback", [this] { listener_->OnSystemServerDeath(); });
+  EXPECT_EQ(1, lights_);
+  EXPECT_EQ(-ENOMEM, start);
+  EXPECT_EQ(0, stop);
+  EXPECT_EQ((std::vector{kDied, Error(kTag, "Failed to connect sensor manager.")}), TakeLog());
+}
+
+TEST_F(SensorListenerEndTest, CallbackMayReportTheDeathItself) {
+  StartQuietly();
+  int32_t again = -1;
+  on_light_ = [&] {
+    if (lights_ == 1) {
+      fp_host::RestartSensorService();
+      listener_->OnSystemServerDeath();
+      EXPECT_FALSE(listener_->IsAnySamplerStarted());
+      again = listener_->StartSampling(kLight);
+    }
+  };
+  SetLux({1, 2});
+  // The event left over, which nobody else could deliver, and the one of the new registration.
+  EXPECT_TRUE(AwaitLights(3));
+  EXPECT_EQ(0, again);
+  fp_test::RunBounded("destruction after that", [this] { listener_.reset(); });
+  EXPECT_EQ(SensorUsage(), fp_host::GetSensorUsage());
+}
+
+// With and without another one in its place, for which the old worker is just a thread.
+TEST_F(SensorListenerEndTest, CallbackMayDestroyTheListener) {
+  static std::atomic<bool> worker_ended = false;
+  struct ThreadEnd {
+    ~ThreadEnd() { worker_ended = true; }
+  };
+  for (const bool replaces : {false, true}) {
+    Create();
+    StartQuietly();
+    EXPECT_EQ(0, listener_->StartSampling(kLongPress));
+    std::atomic<bool> called = false;
+    on_light_ = [&, this] {
+      if (!called.exchange(true)) {
+        thread_local const ThreadEnd end;
+        static_cast<void>(&end);
+        listener_.reset();
+        if (replaces) {
+          Create();
+          EXPECT_EQ(0, listener_->StartSampling(kLongPress));
+          listener_.reset();
+        }
+      }
+    };
+    lights_ = 0;
+    worker_ended = false;
+    SetLux(std::vector<float>(40, 1));
+    EXPECT_TRUE(Eventually([] { return worker_ended.load(); }));
+    EXPECT_EQ(1, lights_);
+    EXPECT_EQ(SensorUsage(), fp_host::GetSensorUsage());
+    on_light_ = nullptr;
+  }
+}
+
+}  // namespace
+}  // namespace android::fp_utils

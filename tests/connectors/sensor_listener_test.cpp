@@ -1,0 +1,279 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "fp_utils/sensor_listener.h"
+
+#include <cerrno>
+
+#include <utils/Errors.h>
+
+#include "fp_utils/als_monitor.h"
+#include "support/listener_test.h"
+
+namespace android::fp_utils {
+namespace {
+
+using fp_host::SetLux;
+using fp_test::Debug;
+using fp_test::Error;
+using fp_test::Eventually;
+using fp_test::Info;
+using fp_test::IsWorkerIdle;
+using fp_test::LogLine;
+using fp_test::TakeLog;
+using fp_test::Texts;
+
+constexpr char kTag[] = "SensorListener";
+
+const LogLine kCount = Debug(kTag, "The device sensor count:2");
+const LogLine kFoundLight =
+    Info(kTag, "Found Sensor(0). name:'light', string_type:'android.sensor.light'");
+const LogLine kFoundLongPress =
+    Info(kTag, "Found Sensor(1). name:'long press', string_type:'com.norvan.sensor.long_press'");
+const LogLine kConnected = Debug(kTag, "Successfully connected to Sensor Manager.");
+const LogLine kNoConnection = Error(kTag, "Failed to connect sensor manager.");
+const LogLine kDied = Info(kTag, "system server died.");
+
+using SensorListenerTest = fp_test::ListenerTest;
+
+TEST_F(SensorListenerTest, ConnectsAtTheFirstStart) {
+  EXPECT_FALSE(listener_->IsAnySamplerStarted());
+  EXPECT_EQ(0, listener_->StartSampling(kLight));
+  EXPECT_EQ((Texts{"ASensorManager_getInstanceForPackage() = manager 1",
+                   "ASensorManager_getSensorList(manager 1) = 2", "ASensor_getName(light) = light",
+                   "ASensor_getStringType(light) = android.sensor.light",
+                   "ASensor_getName(long press) = long press",
+                   "ASensor_getStringType(long press) = com.norvan.sensor.long_press",
+                   "ALooper_prepare(1) = looper",
+                   "ASensorManager_createEventQueue(manager 1, looper, 0, null) = queue 1",
+                   "ASensor_getMinDelay(light) = 20000",
+                   "ASensorEventQueue_registerSensor(queue 1, light, 20000, 0) = 0"}),
+            MyCalls());
+  EXPECT_EQ((std::vector{kCount, kFoundLight, kFoundLongPress, kConnected}), TakeLog());
+  EXPECT_TRUE(listener_->IsAnySamplerStarted());
+
+  EXPECT_EQ(0, listener_->StartSampling(kLight));
+  EXPECT_EQ(Texts{}, MyCalls()) << "sampling already";
+  EXPECT_EQ(0, listener_->StartSampling(kLongPress));
+  EXPECT_EQ((Texts{"ASensor_getMinDelay(long press) = 0",
+                   "ASensorEventQueue_registerSensor(queue 1, long press, 0, 0) = 0"}),
+            MyCalls());
+
+  fp_host::SetSensorFault({.function = "ASensorEventQueue_disableSensor", .result = -5});
+  EXPECT_EQ(0, listener_->StopSampling(kLight)) << "whatever the platform says";
+  EXPECT_TRUE(listener_->IsAnySamplerStarted());
+  EXPECT_EQ(0, listener_->StopSampling(kLongPress));
+  EXPECT_EQ(0, listener_->StopSampling(kLongPress));
+  EXPECT_FALSE(listener_->IsAnySamplerStarted());
+  EXPECT_EQ((Texts{"ASensorEventQueue_disableSensor(queue 1, light) = -5",
+                   "ASensorEventQueue_disableSensor(queue 1, long press) = -5"}),
+            MyCalls());
+  EXPECT_TRUE(TakeLog().empty());
+}
+
+TEST_F(SensorListenerTest, FailedConnectIsRetriedFromWhereItStopped) {
+  const struct {
+    const char* function;
+    int result;
+    std::vector<LogLine> log;  // ahead of kNoConnection
+    size_t calls_of_retry;     // of the twelve that a whole connect and registration makes
+    const char* kept;
+  } kCases[] = {
+      {"ASensorManager_getInstanceForPackage",
+       0,
+       {Error(kTag, "Failed to get sensor manager.")},
+       10,
+       "nothing"},
+      {"ASensorManager_getSensorList",
+       -22,
+       {Error(kTag, "Failed to get sensor list (-22).\n")},
+       10,
+       "nothing"},
+      {"ASensorManager_getSensorList",
+       0,
+       {Error(kTag, "Failed to get sensor list (0).\n")},
+       10,
+       "nothing"},
+      {"ALooper_prepare",
+       0,
+       {kCount, kFoundLight, kFoundLongPress, Error(kTag, "Failed to prepare an event looper.")},
+       10,
+       "nothing"},
+      {"ASensorManager_createEventQueue",
+       0,
+       {kCount, kFoundLight, kFoundLongPress, Error(kTag, "Failed to create an event queue.")},
+       9,
+       "the looper"},
+  };
+  for (auto test : kCases) {
+    SCOPED_TRACE(test.function);
+    Create();
+    fp_host::SetSensorFault({.function = test.function, .result = test.result, .calls = 1});
+    EXPECT_EQ(-ENOMEM, listener_->StartSampling(kLight));
+    test.log.push_back(kNoConnection);
+    EXPECT_EQ(test.log, TakeLog());
+    EXPECT_FALSE(listener_->IsAnySamplerStarted());
+    MyCalls();
+    EXPECT_EQ(0, listener_->StartSampling(kLight));
+    EXPECT_EQ(test.calls_of_retry, MyCalls().size()) << "kept: " << test.kept;
+    TakeLog();
+  }
+}
+
+TEST_F(SensorListenerTest, RefusedRegistrationLeavesTheSensorIdle) {
+  for (const int error : {-5, 7}) {
+    Create();
+    fp_host::SetSensorFault(
+        {.function = "ASensorEventQueue_registerSensor", .result = error, .calls = 1});
+    EXPECT_EQ(error, listener_->StartSampling(kLongPress));
+    EXPECT_EQ(Error(kTag, "StartSampling: Failed to register sensor[1], err=" +
+                              std::to_string(error) + "."),
+              TakeLog().back());
+    EXPECT_FALSE(listener_->IsAnySamplerStarted());
+    MyCalls();
+    EXPECT_EQ(0, listener_->StartSampling(kLongPress));
+    EXPECT_EQ(2u, MyCalls().size()) << "connected all the same";
+  }
+}
+
+TEST_F(SensorListenerTest, TakesTheLastSensorOfExactlyTheStringType) {
+  fp_host::SetSensors({fp_host::LightSensor("front"),
+                       fp_host::LightSensor("rear"),
+                       {"near", "android.sensor.light ", 1, 0},
+                       {"nearer", "android.sensor.ligh", 1, 0},
+                       {"nearest", "Android.sensor.light", 1, 0},
+                       {"nameless", "", 1, 0}});
+  EXPECT_EQ(-ENOMEM, listener_->StartSampling(kLongPress));
+  EXPECT_EQ(
+      (std::vector{Debug(kTag, "The device sensor count:6"),
+                   Info(kTag, "Found Sensor(0). name:'front', string_type:'android.sensor.light'"),
+                   Info(kTag, "Found Sensor(0). name:'rear', string_type:'android.sensor.light'"),
+                   Error(kTag,
+                         "ConnectSensorManagerIfNeeded: Sensor(com.norvan.sensor.long_press) not "
+                         "found.\n"),
+                   kConnected, Error(kTag, "sensor[1] is not available.")}),
+      TakeLog());
+  EXPECT_EQ(0, listener_->StartSampling(kLight));
+  EXPECT_EQ("ASensorEventQueue_registerSensor(queue 1, rear, 20000, 0) = 0", MyCalls().back());
+  SetLux(3);
+  EXPECT_TRUE(AwaitLights(1));
+}
+
+TEST_F(SensorListenerTest, UnknownTypesAreRefused) {
+  for (const int type : {-1, 2, 1000000}) {
+    EXPECT_EQ(-ENOMEM, listener_->StartSampling(static_cast<SensorListener::SensorType>(type)));
+    EXPECT_EQ(0, listener_->StopSampling(static_cast<SensorListener::SensorType>(type)));
+    EXPECT_EQ((std::vector{Error(kTag, "sensor[" + std::to_string(type) + "] is not available.")}),
+              TakeLog());
+  }
+  EXPECT_EQ(Texts{}, MyCalls());
+}
+
+// A batch that is full is followed by a poll, which waits for the next event: the signal of those
+// that are still queued is spent.
+TEST_F(SensorListenerTest, FetchesBatchesOfSixteen) {
+  StartQuietly();
+  const struct {
+    int events;
+    int delivered;
+    Texts calls;
+    const char* why;
+  } kCases[] = {
+      {15, 15, {"= -2", "= 15"}, "not full"},
+      {16, 31, {"= -2", "= 16"}, "full, and polls again"},
+      {40, 47, {"= -2", "= 16"}, "24 stay in the queue"},
+      {1, 63, {"= -2", "= 16"}, "till the next event: full again"},
+      {1, 73, {"= -2", "= 10"}, "and the rest"},
+  };
+  int sent = 0;
+  for (const auto& test : kCases) {
+    std::vector<float> readings;
+    for (int i = 0; i < test.events; ++i) {
+      readings.push_back(static_cast<float>(++sent));
+    }
+    SetLux(readings);
+    EXPECT_TRUE(AwaitLights(test.delivered)) << test.why;
+    EXPECT_TRUE(Eventually(IsWorkerIdle));
+    EXPECT_EQ(static_cast<float>(test.delivered), last_lux_) << "in order";
+    TakeCalls();
+    Texts calls;
+    for (const std::string& call : Others()) {
+      if (!call.starts_with("ASensor_getType")) {
+        calls.push_back(call.substr(call.find("= ")));
+      }
+    }
+    EXPECT_EQ(test.calls, calls) << test.why;
+  }
+}
+
+TEST_F(SensorListenerTest, DispatchesByTypeAlone) {
+  StartQuietly();
+  EXPECT_EQ(0, listener_->StartSampling(kLongPress));
+  fp_host::LongPress();
+  EXPECT_TRUE(Eventually([this] { return long_presses_ == 1; }));
+  EXPECT_TRUE(Eventually(IsWorkerIdle));
+  TakeCalls();
+  EXPECT_EQ((Texts{"ALooper_pollOnce(-1) = -2", "ASensorEventQueue_getEvents(queue 1, 16) = 1",
+                   "ASensor_getType(light) = 5", "ASensor_getType(long press) = 65537"}),
+            Others());
+
+  std::vector<ASensorEvent> events(3);
+  events[0].type = ASENSOR_TYPE_PRESSURE;
+  events[1].type = ASENSOR_TYPE_LIGHT;
+  events[2].type = ASENSOR_TYPE_INVALID;
+  fp_host::PushSensorEvents(events);
+  EXPECT_TRUE(AwaitLights(1));
+  EXPECT_TRUE(Eventually(IsWorkerIdle));
+  EXPECT_EQ(1, lights_) << "events of neither type are dropped";
+  EXPECT_EQ(1, long_presses_);
+  listener_->ProcessSensorEvent(events[1]);
+  EXPECT_EQ(2, lights_) << "an event handed in by hand goes the same way";
+}
+
+TEST_F(SensorListenerTest, OneTypeForBothSensorsReachesBothCallbacks) {
+  fp_host::SetSensors(
+      {fp_host::LightSensor(), {"tap", "com.norvan.sensor.long_press", ASENSOR_TYPE_LIGHT, 0}});
+  StartQuietly();
+  SetLux(1);
+  EXPECT_TRUE(Eventually([this] { return lights_ == 1 && long_presses_ == 1; }));
+  Create();
+  listener_->light_sensor_callback_ = nullptr;
+  EXPECT_EQ(0, listener_->StartSampling(kLight));
+  EXPECT_TRUE(Eventually([this] { return long_presses_ == 2; })) << "an empty one is skipped";
+}
+
+TEST_F(SensorListenerTest, PollErrorIsLoggedAndPolledAgain) {
+  StartQuietly();
+  fp_host::SetSensorFault(
+      {.function = "ALooper_pollOnce", .result = ALOOPER_POLL_ERROR, .calls = 3});
+  const LogLine error = Error(kTag, "Sensor event looper returned a poll error.");
+  std::vector<LogLine> log;
+  EXPECT_TRUE(Eventually([&log] {
+    for (LogLine& line : TakeLog()) {
+      log.push_back(std::move(line));
+    }
+    return log.size() >= 3;
+  }));
+  EXPECT_EQ((std::vector{error, error, error}), log);
+  SetLux(1);
+  EXPECT_TRUE(AwaitLights(1));
+
+  EXPECT_TRUE(Eventually(IsWorkerIdle));
+  listener_->OnSystemServerDeath();  // leaves the looper to this thread
+  fp_host::SetSensorFault(
+      {.function = "ALooper_pollOnce", .result = ALOOPER_POLL_ERROR, .calls = 1});
+  EXPECT_EQ(UNKNOWN_ERROR, listener_->PollSensorEvent());
+  ALooper_wake(ALooper_forThread());
+  EXPECT_EQ(0, listener_->PollSensorEvent());
+}
+
+TEST_F(SensorListenerTest, WithoutConnectionNothingIsTouched) {
+  listener_->OnSystemServerDeath();
+  EXPECT_EQ((std::vector{kDied}), TakeLog());
+  EXPECT_EQ(0, AlsMonitor::GetInstance()->StartSampling());
+  SetLux(1);
+  TakeCalls();
+  EXPECT_EQ(0, listener_->PollSensorEvent());
+  EXPECT_EQ((Texts{"ALooper_pollOnce(-1) = -2"}), MyCalls());
+}
+
+}  // namespace
+}  // namespace android::fp_utils

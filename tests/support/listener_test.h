@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <atomic>
+#include <functional>
+#include <memory>
+
+#include "fp_utils/sensor_listener.h"
+#include "support/sensor_test.h"
+
+namespace fp_test {
+
+// A listener whose callbacks count, in a process with a sensor service.
+class ListenerTest : public SensorTest {
+ protected:
+  static constexpr auto kLight = android::fp_utils::SensorListener::kLight;
+  static constexpr auto kLongPress = android::fp_utils::SensorListener::kLongPress;
+
+  ListenerTest() { Create(); }
+
+  void Create() {
+    listener_ = std::make_unique<android::fp_utils::SensorListener>();
+    listener_->light_sensor_callback_ = [this](const ASensorEvent& event) {
+      last_lux_ = event.light;
+      ++lights_;
+      if (on_light_) {
+        on_light_();
+      }
+    };
+    listener_->long_press_sensor_callback_ = [this](const ASensorEvent&) { ++long_presses_; };
+  }
+
+  // Sampling light, the worker in its first poll, nothing recorded yet.
+  void StartQuietly() {
+    EXPECT_EQ(0, listener_->StartSampling(kLight));
+    EXPECT_TRUE(Eventually(IsWorkerIdle));
+    TakeCalls();
+    TakeLog();
+  }
+
+  bool AwaitLights(int count) {
+    return Eventually([=, this] { return lights_ == count; });
+  }
+
+  // The system server restarts while nothing is under way, and the service hears of it.
+  void RestartSystemServer() {
+    EXPECT_TRUE(Eventually(IsWorkerIdle));
+    fp_host::RestartSensorService();
+    listener_->OnSystemServerDeath();
+  }
+
+  std::function<void()> on_light_;
+  std::atomic<float> last_lux_ = 0;
+  std::atomic<int> lights_ = 0;
+  std::atomic<int> long_presses_ = 0;
+  std::unique_ptr<android::fp_utils::SensorListener> listener_;  // last: its worker uses the others
+};
+
+}  // namespace fp_test
