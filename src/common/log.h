@@ -28,6 +28,7 @@ inline constexpr char kFingerState[] = "FingerState";
 inline constexpr char kFpStateTracker[] = "FpStateTracker";
 inline constexpr char kFpsInitInfo[] = "FpsInitInfo";
 inline constexpr char kFpsTouchHandler[] = "FpsTouchHandler";
+inline constexpr char kGeometry[] = "Geometry";
 inline constexpr char kSensorListener[] = "SensorListener";
 inline constexpr char kThermal[] = "FpThermal";
 

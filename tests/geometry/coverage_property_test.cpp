@@ -1,0 +1,100 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Counting by rows against the scan that asks at every sample.
+#include <gtest/gtest.h>
+
+#include "fp_utils/shapes.h"
+#include "geometry/grid_count.h"
+#include "reference/plain_geometry.h"
+#include "support/coverage_cases.h"
+#include "support/device_test.h"
+
+namespace android::fp_utils {
+namespace {
+
+using fp_reference::PlainCounts;
+using fp_reference::PlainScan;
+using fp_test::AsPlainShape;
+using fp_test::AsShape;
+using fp_test::CountIn;
+using fp_test::CoverageCase;
+using fp_test::CoverageCases;
+
+// Draws `count` cases from a numbered stream.
+void ExpectScanCounts(uint64_t stream, int count) {
+  fp_test::MuteLog(true);
+  CoverageCases cases(stream);
+  uint64_t partly_covered = 0;
+  for (int i = 0; i < count; ++i) {
+    const CoverageCase c = cases.Next();
+    const PlainCounts expected = c.Scan();
+    TuneScanPoints(c);
+    ASSERT_EQ(expected, CountIn(c.grid, AsShape(c.s1), AsShape(c.s2))) << c.ToString();
+    if (i % 4 == 0) {
+      const auto plain1 = AsPlainShape(c.s1);
+      const auto plain2 = AsPlainShape(c.s2);
+      ASSERT_EQ(expected, CountIn(c.grid, *plain1, *plain2)) << c.ToString();
+      ASSERT_EQ(expected, CountIn(c.grid, AsShape(c.s1), *plain2)) << c.ToString();
+      ASSERT_EQ(expected, CountIn(c.grid, *plain1, AsShape(c.s2))) << c.ToString();
+    }
+    partly_covered += expected.in_both != 0 && expected.in_both != c.nx * c.ny ? 1 : 0;
+  }
+  EXPECT_GT(partly_covered, static_cast<uint64_t>(count) / 10) << "too few edges to mean much";
+}
+
+TEST(CoverageProperty, RowsCountWhatTheScanCounts) { ExpectScanCounts(1, fp_test::Share(200000)); }
+
+TEST(LongCoverageProperty, RowsCountWhatTheScanCounts) {
+  for (uint64_t stream = 2; stream < 102; ++stream) {
+    ASSERT_NO_FATAL_FAILURE(ExpectScanCounts(stream, fp_test::Share(200000))) << stream;
+  }
+}
+
+// Whether rows found with this multiple of the bound count an ellipse of the cases wrong.
+bool IsExactWith(double bound_factor, int count) {
+  CoverageCases cases(1);
+  for (int i = 0; i < count; ++i) {
+    const CoverageCase c = cases.Next();
+    const auto* ellipse = std::get_if<Ellipse>(&c.s1);
+    if (ellipse == nullptr || c.nx == 0 || c.ny == 0) {
+      continue;
+    }
+    const Grid grid = {SampleAxis(c.grid.top_left.x, c.grid.bottom_right.x, c.nx),
+                       SampleAxis(c.grid.top_left.y, c.grid.bottom_right.y, c.ny)};
+    const uint32_t counted = CountRows(grid, EllipseRows(*ellipse, bound_factor), FullRows()).in_s1;
+    const PlainCounts scanned = PlainScan(c.grid, c.nx, c.ny, *ellipse, *ellipse);
+    // Where all corners are in, the scan does not look at the samples.
+    if (counted != scanned.in_s1 && scanned.in_s1 != c.nx * c.ny) {
+      return false;
+    }
+  }
+  return true;
+}
+
+// The cases are hard enough to tell a bound that is too small.
+TEST(CoverageProperty, HalfTheBoundIsNoticed) {
+  EXPECT_TRUE(IsExactWith(EllipseRows::kBoundFactor, fp_test::Share(200000)));
+  EXPECT_FALSE(IsExactWith(EllipseRows::kBoundFactor / 4, 200000)) << "half the bound";
+}
+
+TEST(CoverageProperty, ClosedForm) {
+  CoverageCases cases(1);
+  int lenses = 0;
+  for (int i = 0; i < fp_test::Share(200000); ++i) {
+    CoverageCase c = cases.Next();
+    const auto* circle = std::get_if<Circle>(&c.s1);
+    const auto* other = std::get_if<Circle>(&c.s2);
+    if (circle == nullptr || other == nullptr) {
+      continue;
+    }
+    const float expected = fp_reference::PlainCoverage(*circle, *other);
+    const float coverage = circle->CoverageCoveredBy(*other);
+    ASSERT_TRUE(expected == coverage || (std::isnan(expected) && std::isnan(coverage)))
+        << expected << ' ' << coverage << c.ToString();
+    lenses += expected > 0 && expected < 99 ? 1 : 0;
+  }
+  EXPECT_GT(lenses, fp_test::Share(1000));
+}
+
+}  // namespace
+}  // namespace android::fp_utils

@@ -1,0 +1,278 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <functional>
+#include <limits>
+#include <string>
+#include <vector>
+
+#include <android-base/properties.h>
+#include <android-base/stringprintf.h>
+
+#include "fp_utils/shapes.h"
+#include "support/coverage_case.h"
+#include "support/log_recorder.h"
+
+namespace android::fp_utils {
+namespace {
+
+using Counts = fp_reference::PlainCounts;
+using fp_test::CountIn;
+using fp_test::Debug;
+using fp_test::Error;
+using fp_test::LogLine;
+using fp_test::TakeLog;
+
+constexpr float kInfinity = std::numeric_limits<float>::infinity();
+constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
+
+void TuneScanPoints(const std::string& x, const std::string& y) {
+  base::SetProperty("persist.vendor.udfps.geometry.rect.x_axis_scan_points", x);
+  base::SetProperty("persist.vendor.udfps.geometry.rect.y_axis_scan_points", y);
+}
+
+LogLine CornerLine(int shape, bool inside) {
+  return Debug("Geometry",
+               base::StringPrintf("[NumOfPointsIn] all_points_in_s%d:%d", shape, inside));
+}
+
+// Writes every question into the log, where its place among the library's lines shows.
+class TalkingShape : public IShape {
+ public:
+  TalkingShape(std::string name, std::function<bool(Point const&)> contains)
+      : name_(std::move(name)), contains_(std::move(contains)) {}
+  std::string Print() const override { return name_; }
+  bool Contains(Point const& p) const override {
+    __android_log_print(ANDROID_LOG_INFO, name_.c_str(), "%g,%g", p.x, p.y);
+    return contains_(p);
+  }
+
+ private:
+  std::string name_;
+  std::function<bool(Point const&)> contains_;
+};
+
+std::vector<LogLine> Asked(const std::string& name, const std::vector<std::string>& points) {
+  std::vector<LogLine> lines;
+  for (const std::string& point : points) {
+    lines.push_back(fp_test::Info(name, point));
+  }
+  return lines;
+}
+
+std::vector<LogLine> operator+(std::vector<LogLine> lines, const std::vector<LogLine>& more) {
+  lines.insert(lines.end(), more.begin(), more.end());
+  return lines;
+}
+
+TEST(Coverage, AsksUserShapesInOrder) {
+  const TalkingShape a("a", [](Point const& p) { return p.x < 1; });
+  const TalkingShape b("b", [](Point const& p) { return p.y > 0; });
+  EXPECT_EQ((Counts{2, 2, 1}), CountIn(Rect({0, 0}, {1, 1}), a, b));
+  EXPECT_EQ(Asked("a", {"0,0", "0,1", "1,0"}) + std::vector{CornerLine(1, false)} +
+                Asked("b", {"0,0"}) + std::vector{CornerLine(2, false)} + Asked("a", {"0,0"}) +
+                Asked("b", {"0,0"}) + Asked("a", {"1,0"}) + Asked("b", {"1,0"}) +
+                Asked("a", {"0,1"}) + Asked("b", {"0,1"}) + Asked("a", {"1,1"}) +
+                Asked("b", {"1,1"}),
+            TakeLog())
+      << "corners column by column, samples row by row, b even where a does not contain";
+}
+
+TEST(Coverage, AsksNoMoreWhereCornersAreContained) {
+  const TalkingShape all("all", [](Point const&) { return true; });
+  const TalkingShape left("left", [](Point const& p) { return p.x < 1; });
+  EXPECT_EQ((Counts{4, 2, 2}), CountIn(Rect({0, 0}, {1, 1}), all, left));
+  const std::vector<std::string> corners = {"0,0", "0,1", "1,0", "1,1"};
+  EXPECT_EQ(Asked("all", corners) + std::vector{CornerLine(1, true)} +
+                Asked("left", {"0,0", "0,1", "1,0"}) + std::vector{CornerLine(2, false)} +
+                Asked("left", {"0,0", "1,0", "0,1", "1,1"}),
+            TakeLog());
+  EXPECT_EQ((Counts{4, 4, 4}), CountIn(Rect({0, 0}, {1, 1}), Circle({0, 0}, 9), all));
+  EXPECT_EQ(
+      std::vector{CornerLine(1, true)} + Asked("all", corners) + std::vector{CornerLine(2, true)},
+      TakeLog());
+}
+
+// More columns than are dealt with at a time, and an inverted axis.
+TEST(Coverage, AsksUserShapesForEverySampleOfAnyGrid) {
+  fp_test::MuteLog(true);
+  for (const bool inverted : {false, true}) {
+    std::vector<Point> seen;
+    const TalkingShape user("user", [&](Point const& p) {
+      seen.push_back(p);
+      return p.x >= 100;
+    });
+    Rect grid({0, 0}, {2499, 2});
+    if (inverted) {
+      std::swap(grid.top_left.x, grid.bottom_right.x);
+      TuneScanPoints("2500", "");
+    }
+    const Circle circle({1000, 1}, 50);
+    const Counts counts = CountIn(grid, circle, user);
+    EXPECT_EQ((Counts{101 + 2 * 99, 2400 * 3, 101 + 2 * 99}), counts) << inverted;
+    const size_t corners = inverted ? 3 : 1;
+    ASSERT_EQ(corners + 7500, seen.size());
+    for (size_t i = 0; i < 7500; ++i) {
+      const auto column = static_cast<float>(i % 2500);
+      ASSERT_EQ(inverted ? 2499 - column : column, seen[corners + i].x);
+      ASSERT_EQ(static_cast<float>(i / 2500), seen[corners + i].y);
+    }
+  }
+}
+
+// Overrides what its base contains, so it has to be asked.
+struct Ring : Circle {
+  using Circle::Circle;
+  bool Contains(Point const& p) const override {
+    ++asked;
+    return Circle::Contains(p) && !Circle(center, radius / 2).Contains(p);
+  }
+  mutable int asked = 0;
+};
+
+TEST(Coverage, AsksClassesDerivedFromTheLibrarys) {
+  fp_test::MuteLog(true);
+  const Ring ring({0, 0}, 4);
+  const Circle sensor({0, 0}, 8);
+  const float expected = 100.0F * (49 - 13) / 197;
+  EXPECT_FLOAT_EQ(expected, sensor.CoverageCoveredBy(ring));
+  EXPECT_EQ(1 + 17 * 17, ring.asked) << "a corner, then every sample";
+  EXPECT_FLOAT_EQ(100.0F * (49 - 13) / 81, Rect({-4, -4}, {4, 4}).CoverageCoveredBy(ring));
+  EXPECT_EQ(100.0F, ring.CoverageCoveredBy(static_cast<const IShape&>(sensor)));
+  const Circle& as_circle = ring;
+  EXPECT_EQ(25.0F, sensor.CoverageCoveredBy(as_circle)) << "in closed form, its fields decide";
+}
+
+TEST(Coverage, CountsAndLogs) {
+  const Rect ten({0, 0}, {10, 10});
+  const struct {
+    const char *x_points, *y_points;
+    Counts expected;
+    const char* why;
+  } rows[] = {
+      {"", "", {121, 55, 55}, "a sample per unit, both edges included"},
+      {"1", "", {11, 11, 11}, "one column, at the low edge"},
+      {"11", "1", {11, 5, 5}, "one row"},
+      {"0x15", "", {231, 99, 99}, "half units; the reader takes hexadecimal"},
+      {"4294967296", "-1", {121, 55, 55}, "out of range: default"},
+      {"ten", "", {121, 55, 55}, "not a number: default"},
+  };
+  for (const auto& row : rows) {
+    TuneScanPoints(row.x_points, row.y_points);
+    EXPECT_EQ(row.expected, CountIn(ten, ten, Rect({0, 0}, {4, 10}))) << row.why;
+    EXPECT_EQ((std::vector{CornerLine(1, true), CornerLine(2, false)}), TakeLog()) << row.why;
+  }
+  TuneScanPoints("", "");
+  EXPECT_EQ(45.454548F, ten.CoverageCoveredBy(Rect({0, 0}, {4, 10})));
+}
+
+// Nothing is walked: the other axis has up to 4,294,967,295 samples.
+TEST(Coverage, NoScanPoints) {
+  const Rect ten({0, 0}, {10, 10});
+  const struct {
+    Rect grid;
+    const char *x_points, *y_points;
+    const char* error;
+    const char* why;
+  } rows[] = {
+      {ten, "0", "", "Invalid scan points(0, 11)", "no columns"},
+      {ten, "0", "4294967295", "Invalid scan points(0, 4294967295)", "no columns, endless rows"},
+      {ten, "4294967295", "0", "Invalid scan points(4294967295, 0)", "no rows, endless columns"},
+      {Rect({0, 0}, {-1, 3e38F}), "", "", "Invalid scan points(0, 4294967295)", "inverted"},
+      {Rect({0, 0}, {kNan, 1}), "", "", "Invalid scan points(0, 2)", "NaN"},
+  };
+  const TalkingShape user("user", [](Point const&) { return false; });
+  for (const auto& row : rows) {
+    TuneScanPoints(row.x_points, row.y_points);
+    EXPECT_EQ((Counts{0, 0, 0}), CountIn(row.grid, user, Circle({0, 0}, 1))) << row.why;
+    EXPECT_EQ((std::vector{Error("Geometry", std::string("[NumOfPointsIn] ") + row.error)} +
+               Asked("user", {"0,0"}) + std::vector{CornerLine(1, false), CornerLine(2, false)}),
+              TakeLog())
+        << row.why;
+    EXPECT_TRUE(std::isnan(row.grid.CoverageCoveredBy(row.grid))) << row.why;
+    TakeLog();
+  }
+}
+
+// Axes on which steps lead nowhere any more are not walked either.
+TEST(Coverage, EndlessAxes) {
+  fp_test::MuteLog(true);
+  const unsigned int all = 4294967295;
+  EXPECT_EQ((Counts{all, 1, 1}),
+            CountIn(Rect({0, 0}, {kInfinity, 0}), Rect({0, 0}, {kInfinity, 0}), Circle({1, 0}, 2)))
+      << "0, then infinity";
+  EXPECT_EQ((Counts{all, 3, 3}), CountIn(Rect({0, 0}, {3e38F, 0}), Rect({-1, -1}, {3.4e38F, 1}),
+                                         Ellipse({0, 0}, 1, 3e29F, 0)))
+      << "steps of 7e28";
+  TuneScanPoints("4294967295", "4294967295");
+  EXPECT_EQ((Counts{1, 1, 1}),
+            CountIn(Rect({0, 0}, {9, 9}), Circle({5, 5}, 99), Circle({4, 4}, 99)))
+      << "contained: the product, which wraps";
+  EXPECT_EQ((Counts{1, 0, 0}),
+            CountIn(Rect({1000, 1000}, {1010, 1010}), Circle({1000, 1000}, 1), Circle({9, 9}, 1)))
+      << "no step leaves 1000";
+
+  // From 0 on, sixteen million steps are made before they are lost.
+  TuneScanPoints("4294967295", "1");
+  const float step = 10.0F / static_cast<float>(all - 1);
+  unsigned int columns = 0;
+  float x = 0;
+  while (x <= 0.0125F) {
+    x += step;
+    ++columns;
+  }
+  EXPECT_EQ((Counts{columns, all, columns}),
+            CountIn(Rect({0, 0}, {10, 10}), Circle({0, 0}, 0.0125F), Rect({0, 0}, {10, 10})));
+}
+
+TEST(Coverage, OneCounterForTwoGetsTheSum) {
+  unsigned int both = 3;
+  unsigned int in_s2 = 3;
+  Rect({0, 0}, {2, 2}).NumOfPointsIn(Circle({0, 0}, 1), Circle({1, 1}, 1), both, in_s2, both);
+  EXPECT_EQ(5u, both) << "3 and 2";
+  EXPECT_EQ(5u, in_s2);
+}
+
+TEST(Coverage, OfCirclesByGrid) {
+  fp_test::MuteLog(true);
+  const Circle three({0, 0}, 3);
+  EXPECT_EQ(100.0F, three.CoverageCoveredBy(static_cast<const IShape&>(three)));
+  EXPECT_EQ((Counts{29, 29, 29}), CountIn(Rect({-3, -3}, {3, 3}), three, three));
+  EXPECT_TRUE(std::isnan(Circle({0, 0}, -1).CoverageCoveredBy(Rect({-9, -9}, {9, 9}))));
+  EXPECT_EQ(100.0F, Circle({0, 0}, 0).CoverageCoveredBy(Rect({-9, -9}, {9, 9}))) << "one sample";
+}
+
+TEST(Coverage, OfCirclesInClosedForm) {
+  const struct {
+    Circle self, other;
+    float expected;
+    const char* why;
+  } rows[] = {
+      {Circle({7, 7}, 5), Circle({7, 7}, 5), 100, "equal"},
+      {Circle({0, 0}, 1), Circle({0, 0}, 2), 100, "inside"},
+      {Circle({0, 0}, 2), Circle({0, 0}, 1), 25, "around: the share of this circle"},
+      {Circle({0, 0}, 2), Circle({1, 0}, 1), 25, "touching from inside"},
+      {Circle({0, 0}, 1), Circle({3, 0}, 2), 0, "touching from outside, by the lens"},
+      {Circle({0, 0}, 1), Circle({3.001F, 0}, 2), 0, "apart"},
+      {Circle({0, 0}, 1), Circle({1, 0}, 1), 39.100222F, "a lens: 2/3 - sqrt(3) / 2 pi"},
+      {Circle({0, 0}, 4), Circle({0, 5}, 3), 13.213192F, "a lens with the smaller one"},
+      {Circle({0, 0}, 3), Circle({0, 5}, 4), 23.490119F, "the same lens, of the smaller one"},
+      {Circle({0, 0}, 0), Circle({0, 0}, 1), kNan, "nothing to cover"},
+      {Circle({0, 0}, kNan), Circle({0, 0}, 1), kNan, "NaN"},
+      {Circle({0, 0}, 1), Circle({kNan, 0}, 1), kNan, "NaN"},
+      {Circle({0, 0}, -1), Circle({0, 0}, 2), 100, "its square counts"},
+  };
+  for (const auto& row : rows) {
+    const float coverage = row.self.CoverageCoveredBy(row.other);
+    if (std::isnan(row.expected)) {
+      EXPECT_TRUE(std::isnan(coverage)) << row.why;
+    } else {
+      EXPECT_FLOAT_EQ(row.expected, coverage) << row.why;
+    }
+  }
+  EXPECT_TRUE(TakeLog().empty());
+}
+
+}  // namespace
+}  // namespace android::fp_utils

@@ -1,0 +1,120 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "reference/plain_geometry.h"
+
+#include <cmath>
+
+namespace fp_reference {
+
+using android::fp_utils::Circle;
+using android::fp_utils::IShape;
+using android::fp_utils::Point;
+using android::fp_utils::Rect;
+
+bool PlainCircle::Contains(Point const& p) const {
+  const float dx = circle_.center.x - p.x;
+  const float dy = circle_.center.y - p.y;
+  const float distance = sqrtf(dx * dx + dy * dy);
+  return distance <= circle_.radius;
+}
+
+bool PlainEllipse::Contains(Point const& p) const {
+  float s = 0;
+  float c = 0;
+  sincosf(ellipse_.orientation, &s, &c);
+  const float dx = p.x - ellipse_.center.x;
+  const float dy = p.y - ellipse_.center.y;
+  const float u = dx * s - dy * c;
+  const float v = dx * c + dy * s;
+  const float a = ellipse_.major_axis * 0.5F;
+  const float b = ellipse_.minor_axis * 0.5F;
+  const double along_major = static_cast<double>(u) * u / (static_cast<double>(a) * a);
+  const double along_minor = static_cast<double>(v) * v / (static_cast<double>(b) * b);
+  const auto sum = static_cast<float>(along_major + along_minor);
+  return sum <= 1.0F;
+}
+
+bool PlainRect::Contains(Point const& p) const {
+  return rect_.top_left.x <= p.x && p.x <= rect_.bottom_right.x && rect_.top_left.y <= p.y &&
+         p.y <= rect_.bottom_right.y;
+}
+
+std::ostream& operator<<(std::ostream& out, const PlainCounts& counts) {
+  return out << counts.in_s1 << ' ' << counts.in_s2 << ' ' << counts.in_both;
+}
+
+uint32_t PlainScanPoints(float low, float high) {
+  const float points = high - low + 1.0F;
+  if (points >= 4294967296.0F) {
+    return 4294967295U;
+  }
+  return points >= 1.0F ? static_cast<uint32_t>(points) : 0;  // also NaN
+}
+
+PlainCounts PlainScan(const Rect& grid, uint32_t nx, uint32_t ny, const IShape& s1,
+                      const IShape& s2) {
+  const float x1 = grid.top_left.x;
+  const float y1 = grid.top_left.y;
+  const float x2 = grid.bottom_right.x;
+  const float y2 = grid.bottom_right.y;
+  const auto has_corners = [&](const IShape& s) {
+    return s.Contains(Point(x1, y1)) && s.Contains(Point(x1, y2)) && s.Contains(Point(x2, y1)) &&
+           s.Contains(Point(x2, y2));
+  };
+  const bool all1 = has_corners(s1);
+  const bool all2 = has_corners(s2);
+  const float step_x = (x2 - x1) / static_cast<float>(nx - 1);
+  const float step_y = (y2 - y1) / static_cast<float>(ny - 1);
+  PlainCounts counts;
+  float y = y1;
+  for (uint32_t row = 0; row < ny; ++row) {
+    float x = x1;
+    for (uint32_t column = 0; column < nx; ++column) {
+      const bool in1 = all1 || s1.Contains(Point(x, y));
+      const bool in2 = all2 || s2.Contains(Point(x, y));
+      if (in1) {
+        ++counts.in_s1;
+      }
+      if (in2) {
+        ++counts.in_s2;
+      }
+      if (in1 && in2) {
+        ++counts.in_both;
+      }
+      x += step_x;
+    }
+    y += step_y;
+  }
+  return counts;
+}
+
+float PlainCoverage(const Circle& circle, const Circle& other) {
+  const auto area_of = [](float radius) {
+    const double wide = radius;
+    return static_cast<float>(3.141592653589793 * (wide * wide));
+  };
+  const float r1 = circle.radius;
+  const float r2 = other.radius;
+  const float to_x = other.center.x - circle.center.x;
+  const float to_y = other.center.y - circle.center.y;
+  const float d = sqrtf(to_x * to_x + to_y * to_y);
+  float R = r2;
+  float r = r1;
+  if (r2 < r1) {
+    R = r1;
+    r = r2;
+  }
+  float area = 0.0F;
+  if (d > r1 + r2) {
+    area = 0.0F;
+  } else if (d <= R - r) {
+    area = area_of(r);
+  } else {
+    const float sector1 = r * r * acosf((r * r + d * d - R * R) / (r * (2 * d)));
+    const float sector2 = R * R * acosf((R * R + d * d - r * r) / (R * (2 * d)));
+    const float product = (R + (r - d)) * (r + d - R) * (R + (d - r)) * (R + (r + d));
+    area = sector1 + sector2 - 0.5F * sqrtf(product);
+  }
+  return area / area_of(r1) * 100.0F;
+}
+
+}  // namespace fp_reference

@@ -1,0 +1,63 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Containment and the grid scan in the plainest form, as a reference for the library's: every
+// sample is asked for, and every question starts from the fields of the shape.
+#pragma once
+
+#include <cstdint>
+#include <ostream>
+
+#include "fp_utils/shapes.h"
+
+namespace fp_reference {
+
+// Classes of their own, so the library takes them for a user's.
+class PlainCircle : public android::fp_utils::IShape {
+ public:
+  explicit PlainCircle(const android::fp_utils::Circle& circle) : circle_(circle) {}
+  std::string Print() const override { return circle_.Print(); }
+  bool Contains(android::fp_utils::Point const& p) const override;
+
+ private:
+  android::fp_utils::Circle circle_;
+};
+
+class PlainEllipse : public android::fp_utils::IShape {
+ public:
+  explicit PlainEllipse(const android::fp_utils::Ellipse& ellipse) : ellipse_(ellipse) {}
+  std::string Print() const override { return ellipse_.Print(); }
+  bool Contains(android::fp_utils::Point const& p) const override;
+
+ private:
+  android::fp_utils::Ellipse ellipse_;
+};
+
+class PlainRect : public android::fp_utils::IShape {
+ public:
+  explicit PlainRect(const android::fp_utils::Rect& rect) : rect_(rect) {}
+  std::string Print() const override { return rect_.Print(); }
+  bool Contains(android::fp_utils::Point const& p) const override;
+
+ private:
+  android::fp_utils::Rect rect_;
+};
+
+struct PlainCounts {
+  uint32_t in_s1 = 0, in_s2 = 0, in_both = 0;
+
+  bool operator==(const PlainCounts&) const = default;
+};
+std::ostream& operator<<(std::ostream& out, const PlainCounts& counts);
+
+// The number of samples from `low` to `high` where no property is set.
+uint32_t PlainScanPoints(float low, float high);
+
+// The scan of nx times ny samples over `grid`, without its log lines.
+PlainCounts PlainScan(const android::fp_utils::Rect& grid, uint32_t nx, uint32_t ny,
+                      const android::fp_utils::IShape& s1, const android::fp_utils::IShape& s2);
+
+// The share of the first circle that the second covers, in closed form.
+float PlainCoverage(const android::fp_utils::Circle& circle,
+                    const android::fp_utils::Circle& other);
+
+}  // namespace fp_reference

@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <cmath>
+#include <cstdint>
+#include <random>
+
+#include "fp_utils/shapes.h"
+#include "support/coverage_case.h"
+
+namespace fp_test {
+
+// Cases in which rounding decides: samples that run along edges an ulp at a time, rows that touch a
+// shape, offsets that swallow the steps, axes from the smallest to the largest number, special
+// values and bit noise in every field, grids that are inverted, flat or wider than a piece.
+class CoverageCases {
+ public:
+  explicit CoverageCases(uint64_t stream) : random_(stream) {}
+
+  CoverageCase Next();
+
+ private:
+  uint32_t Below(uint32_t limit) { return static_cast<uint32_t>(random_() % limit); }
+  bool OneIn(uint32_t n) { return Below(n) == 0; }
+  float Between(float low, float high);
+  float Power(float low, float high) { return std::exp2(Between(low, high)); }
+  float Noise();
+  float Special();
+  float Orientation();
+
+  void PickScale();
+  android::fp_utils::Point Center();
+  AnyShape Shape();
+  android::fp_utils::Point OnEdge(const AnyShape& shape);
+  android::fp_utils::Rect GridAround(const AnyShape& shape);
+  android::fp_utils::Rect GridAlong(const AnyShape& shape);
+  void PickScanPoints(CoverageCase* picked);
+
+  std::mt19937_64 random_;
+
+  // Of the present case.
+  float size_ = 1;
+  float offset_ = 0;
+  bool is_whole_ = false;  // all numbers are halves
+};
+
+}  // namespace fp_test
