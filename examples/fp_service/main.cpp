@@ -17,10 +17,9 @@
 #include <android-base/properties.h>
 #include <android/log.h>
 
-#include "control/device.h"
-#include "report.h"
+#include "phone.h"
+#include "player.h"
 #include "scenario.h"
-#include "sensor_model.h"
 #include "service.h"
 
 namespace fp_service {
@@ -37,9 +36,7 @@ struct Options {
   std::vector<std::string> properties;
 };
 
-// The configuration of the simulated device's build.
 void SetProperties(const std::vector<std::string>& properties) {
-  android::base::SetProperty("persist.vendor.udfps.dynamic_exposure_supported", "true");
   for (const std::string& property : properties) {
     const size_t equals = property.find('=');
     android::base::SetProperty(property.substr(0, equals), property.substr(equals + 1));
@@ -49,93 +46,6 @@ void SetProperties(const std::vector<std::string>& properties) {
 std::string NeedsEquals(const std::string& property) {
   return property.find('=') == std::string::npos ? "a property is written NAME=VALUE" : "";
 }
-
-// On a terminal, how far the day has come; a pipe gets none.
-class Progress {
- public:
-  explicit Progress(int total) : total_(total), shown_(isatty(STDERR_FILENO) != 0) {}
-  ~Progress() { Clear(); }
-  Progress(const Progress&) = delete;
-  Progress& operator=(const Progress&) = delete;
-
-  void Step() {
-    ++done_;
-    if (shown_) {
-      fmt::print(stderr, "\r{} of {} touches", done_, total_);
-    }
-  }
-  void Clear() const {
-    if (shown_) {
-      fmt::print(stderr, "\r\033[K");
-    }
-  }
-
- private:
-  int total_;
-  int done_ = 0;
-  bool shown_;
-};
-
-// Plays a scenario's events on the service.
-class Player {
- public:
-  Player(Service& service, SensorModel& sensor, int touches)
-      : service_(service), sensor_(sensor), progress_(touches) {}
-
-  void Play(const Event& event) {
-    at_ = event.at;
-    std::visit([this](const auto& happening) { Happen(happening); }, event.happening);
-  }
-
-  const Report& GetReport() const { return report_; }
-
- private:
-  void Happen(const Phase& phase) {
-    Say("-- {}", phase.name);
-    report_.BeginPhase(phase.name, sensor_.GetExposure());
-  }
-  void Happen(const Calibrate& calibration) { service_.Calibrate(calibration); }
-  void Happen(const Light& light) { sensor_.SetLux(light.lux); }
-  void Happen(const Attempts& attempts) {
-    for (int i = 0; i < attempts.count; ++i, at_ += attempts.every_s) {
-      const Service::Outcome outcome = service_.Authenticate(at_, attempts.finger, attempts.skin);
-      report_.Count(attempts.finger != 0, outcome.event->auth_successful, outcome.steps,
-                    sensor_.GetExposure());
-      Show(outcome);
-    }
-  }
-  void Happen(const AcquisitionErrors& errors) {
-    for (int i = 0; i < errors.count; ++i, at_ += errors.every_s) {
-      Show(service_.ReportAcquisitionError(at_, errors.info));
-    }
-  }
-  void Happen(const Dump& /*dump*/) {
-    progress_.Clear();
-    fflush(stdout);
-    service_.Dump(STDOUT_FILENO);
-  }
-
-  void Show(const Service::Outcome& outcome) {
-    Say("{}", outcome.event->ToDebugString());
-    if (outcome.steps > 0) {
-      Say("   exposure is now {:.3f} ms", sensor_.GetExposure());
-    }
-    progress_.Step();
-  }
-
-  template <typename... Arguments>
-  void Say(fmt::format_string<Arguments...> format, Arguments&&... arguments) {
-    progress_.Clear();
-    fmt::print(format, std::forward<Arguments>(arguments)...);
-    fmt::print("\n");
-  }
-
-  Service& service_;
-  SensorModel& sensor_;
-  Progress progress_;
-  Report report_;
-  time_t at_ = 0;
-};
 
 Scenario Load(const std::string& path) {
   std::ifstream file(path);
@@ -148,19 +58,20 @@ Scenario Load(const std::string& path) {
 int Run(const Options& options) {
   const Scenario scenario = options.dump_only ? Scenario() : Load(options.scenario);
   __android_log_set_minimum_priority(options.log_priority);
-  fp_host::SetDeviceRoot(options.device_root);
-  fp_host::BootDevice();
+  Phone phone(options.device_root, options.seed);
   SetProperties(options.properties);
+  if (!scenario.events.empty()) {
+    phone.SetTime(scenario.events.front().at);
+  }
 
-  SensorModel sensor(options.seed);
-  Service service(sensor);
+  Service service(phone);
   if (service.GetHistorySize() == 0) {
     fmt::print("first start: no history yet\n");
   } else {
     fmt::print("found {} attempts of earlier runs\n", service.GetHistorySize());
   }
   if (!options.dump_only) {
-    Player player(service, sensor, scenario.touches);
+    Player player(service, phone, scenario.touches);
     for (const Event& event : scenario.events) {
       player.Play(event);
     }

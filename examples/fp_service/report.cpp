@@ -3,30 +3,57 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <iterator>
 
 namespace fp_service {
+namespace {
+
+constexpr int32_t kGoodQuality = 30;
+
+}  // namespace
 
 void Report::BeginPhase(const std::string& name, float exposure_ms) {
   phases_.push_back({.name = name, .exposure_begin = exposure_ms, .exposure_end = exposure_ms});
 }
 
-void Report::Count(bool enrolled, bool successful, int steps, float exposure_ms) {
+Report::PhaseTally& Report::Current(float exposure_ms) {
   if (phases_.empty()) {
     BeginPhase("day", exposure_ms);
   }
-  PhaseTally& phase = phases_.back();
+  return phases_.back();
+}
+
+void Report::CountReject(PhaseTally& phase, int reject) {
+  std::vector tallies = {&phase.all, &phase.after_last_step};
+  if (phase.steps == 0) {
+    tallies.push_back(&phase.before_first_step);
+  }
+  for (Tally* tally : tallies) {
+    ++tally->attempts;
+    tally->rejects += reject;
+  }
+}
+
+// What failed for the light says nothing about coverage.
+void Report::CountCoverage(const android::fp_utils::AuthEventG7& event, int reject) {
+  const auto band = std::find_if(bands_.rbegin(), bands_.rend(), [&](const Band& candidate) {
+    return event.t_cov >= candidate.from_percent;
+  });
+  if (event.iq >= kGoodQuality && band != bands_.rend()) {
+    ++band->tally.attempts;
+    band->tally.rejects += reject;
+  }
+}
+
+void Report::Count(const android::fp_utils::AuthEventG7& event, bool enrolled, int steps,
+                   float exposure_ms) {
+  PhaseTally& phase = Current(exposure_ms);
   // A stranger's finger is rejected rightly; it says nothing about false rejects.
-  if (enrolled) {
-    const int reject = successful ? 0 : 1;
-    for (Tally* tally : {&phase.all, &phase.after_last_step}) {
-      ++tally->attempts;
-      tally->rejects += reject;
-    }
-    if (phase.steps == 0) {
-      ++phase.before_first_step.attempts;
-      phase.before_first_step.rejects += reject;
-    }
+  if (enrolled && event.acquired_info == android::fp_utils::AuthEvent::kAcquiredGood) {
+    const int reject = event.auth_successful ? 0 : 1;
+    CountReject(phase, reject);
+    CountCoverage(event, reject);
   }
   if (steps > 0) {
     phase.steps += steps;
@@ -52,6 +79,12 @@ std::string Report::Text() const {
                      phase.name, phase.before_first_step.Frr(), phase.steps,
                      phase.after_last_step.Frr());
     }
+  }
+  fmt::format_to(out, "\n{:<22}{:>9}{:>9}{:>9}   of images with quality {} or more\n",
+                 "coverage of sensor", "attempts", "rejects", "FRR", kGoodQuality);
+  for (const Band& band : bands_) {
+    fmt::format_to(out, "{:<22}{:>9}{:>9}{:>8.1f}%\n", band.name, band.tally.attempts,
+                   band.tally.rejects, band.tally.Frr());
   }
   return text;
 }

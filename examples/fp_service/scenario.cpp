@@ -3,11 +3,10 @@
 
 #include <fmt/format.h>
 
-#include <cmath>
-#include <map>
 #include <nlohmann/json.hpp>
 #include <optional>
-#include <set>
+
+#include "event_fields.h"
 
 namespace fp_service {
 namespace {
@@ -17,87 +16,15 @@ using nlohmann::json;
 // More than this is a slip of the pen, not a day.
 constexpr int kMaxCount = 1000000;
 constexpr int kMaxPause = 86400;
+constexpr int kMaxCaptures = 100;
+constexpr int kMaxPresses = 1000;
+constexpr int kMaxCode = 1000000;
+constexpr int kFingers = 5;
+constexpr int kMaxSeverity = 6;
 
-// The reason why a line is refused; its place is known further out.
-class Refusal : public std::runtime_error {
- public:
-  using std::runtime_error::runtime_error;
-};
-
-// The fields of one event. Every field has to be asked for: one that nobody knows is a mistake.
-class Fields {
- public:
-  explicit Fields(const json& object) : object_(object) {
-    if (!object.is_object()) {
-      throw Refusal("an event is a JSON object");
-    }
-  }
-
-  double Number(const std::string& name, double low, double high) {
-    const json& value = Required(name);
-    if (!value.is_number() || !(value >= low && value <= high)) {
-      throw Refusal(fmt::format("\"{}\" is a number from {} to {}", name, low, high));
-    }
-    return value;
-  }
-
-  int Integer(const std::string& name, int low, int high) {
-    const json& value = Required(name);
-    if (!value.is_number_integer() || !(value >= low && value <= high)) {
-      throw Refusal(fmt::format("\"{}\" is a whole number from {} to {}", name, low, high));
-    }
-    return value;
-  }
-
-  int Integer(const std::string& name, int low, int high, int default_value) {
-    return object_.contains(name) ? Integer(name, low, high) : default_value;
-  }
-
-  std::string Text(const std::string& name) {
-    const json& value = Required(name);
-    if (!value.is_string()) {
-      throw Refusal(fmt::format("\"{}\" is a text", name));
-    }
-    return value;
-  }
-
-  template <typename Value>
-  Value OneOf(const std::string& name, const std::map<std::string, Value>& choices,
-              Value default_value) {
-    if (!object_.contains(name)) {
-      return default_value;
-    }
-    const auto choice = choices.find(Text(name));
-    if (choice == choices.end()) {
-      std::string names;
-      for (const auto& [key, value] : choices) {
-        names += (names.empty() ? "\"" : ", \"") + key + "\"";
-      }
-      throw Refusal(fmt::format("\"{}\" is one of {}", name, names));
-    }
-    return choice->second;
-  }
-
-  void RefuseTheRest() const {
-    for (const auto& [name, value] : object_.items()) {
-      if (!asked_.contains(name)) {
-        throw Refusal(fmt::format("\"{}\" is no field of this event", name));
-      }
-    }
-  }
-
- private:
-  const json& Required(const std::string& name) {
-    if (!object_.contains(name)) {
-      throw Refusal(fmt::format("\"{}\" is missing", name));
-    }
-    asked_.insert(name);
-    return object_.at(name);
-  }
-
-  const json& object_;
-  std::set<std::string> asked_;
-};
+Aim ReadAim(Fields& fields) {
+  return fields.OneOf<Aim>("aim", {{"good", Aim::kGood}, {"poor", Aim::kPoor}}, Aim::kGood);
+}
 
 Happening ReadHappening(const std::string& event, Fields& fields) {
   constexpr double kMaxExposureMs = 10000;
@@ -110,17 +37,30 @@ Happening ReadHappening(const std::string& event, Fields& fields) {
     return Calibrate{.expo_ms = static_cast<float>(fields.Number("expo_ms", 0, kMaxExposureMs)),
                      .base = static_cast<float>(fields.Number("base", 0, kMaxBase))};
   }
+  if (event == "init_error") {
+    return InitError{.code = fields.Integer("code", -kMaxCode, kMaxCode),
+                     .message = fields.Text("message")};
+  }
   if (event == "light") {
     return Light{.lux = static_cast<float>(fields.Number("lux", 0, kMaxLux))};
   }
   if (event == "attempts") {
     return Attempts{
-        .finger = fields.Integer("finger", 0, 5),
+        .finger = fields.Integer("finger", 0, kFingers),
         .count = fields.Integer("count", 1, kMaxCount, 1),
         .every_s = fields.Integer("every_s", 0, kMaxPause, 1),
         .skin = fields.OneOf<Skin>(
             "skin", {{"normal", Skin::kNormal}, {"dry", Skin::kDry}, {"wet", Skin::kWet}},
-            Skin::kNormal)};
+            Skin::kNormal),
+        .aim = ReadAim(fields)};
+  }
+  if (event == "enroll") {
+    return Enroll{.finger = fields.Integer("finger", 1, kFingers),
+                  .captures = fields.Integer("captures", 1, kMaxCaptures, 10),
+                  .aim = ReadAim(fields)};
+  }
+  if (event == "delete") {
+    return Delete{.finger = fields.Integer("finger", 1, kFingers)};
   }
   if (event == "acquisition_errors") {
     const AcquisitionErrors errors = {.info = fields.Integer("info", -128, 127),
@@ -130,6 +70,15 @@ Happening ReadHappening(const std::string& event, Fields& fields) {
       throw Refusal("\"info\" 1 is a good image; write \"attempts\"");
     }
     return errors;
+  }
+  if (event == "long_press") {
+    return LongPress{.count = fields.Integer("count", 1, kMaxPresses, 1)};
+  }
+  if (event == "heat") {
+    return Heat{.severity = fields.Integer("severity", 0, kMaxSeverity)};
+  }
+  if (event == "display_hal_dies") {
+    return DisplayHalDies{};
   }
   if (event == "dump") {
     return Dump{};
@@ -143,6 +92,9 @@ int TouchesOf(const Happening& happening) {
   }
   if (const auto* errors = std::get_if<AcquisitionErrors>(&happening)) {
     return errors->count;
+  }
+  if (const auto* enroll = std::get_if<Enroll>(&happening)) {
+    return enroll->captures;
   }
   return 0;
 }

@@ -17,12 +17,20 @@ namespace fp_service {
 // State of the fingertip: how much of the panel's light it sends back to the sensor.
 enum class Skin { kNormal, kDry, kWet };
 
+// Whether the fingertip meets the sensor, or only part of it.
+enum class Aim { kGood, kPoor };
+
 struct Phase {
   std::string name;
 };
 struct Calibrate {
   float expo_ms;
   float base;
+};
+// One of the sensor's bring-up, before or instead of its calibration.
+struct InitError {
+  int code;
+  std::string message;
 };
 struct Light {
   float lux;
@@ -33,6 +41,7 @@ struct Attempts {
   int count;
   int every_s;
   Skin skin;
+  Aim aim;
 };
 // Touches that give no image to match; `info` is the platform's AcquiredInfo.
 struct AcquisitionErrors {
@@ -40,9 +49,28 @@ struct AcquisitionErrors {
   int count;
   int every_s;
 };
+// An enrollment of so many touches.
+struct Enroll {
+  int finger;
+  int captures;
+  Aim aim;
+};
+struct Delete {
+  int finger;
+};
+struct LongPress {
+  int count;
+};
+// Throttling severity of the skin temperature, 0 (none) to 6 (shutdown).
+struct Heat {
+  int severity;
+};
+// The display HAL dies at its next call and is started again.
+struct DisplayHalDies {};
 struct Dump {};
 
-using Happening = std::variant<Phase, Calibrate, Light, Attempts, AcquisitionErrors, Dump>;
+using Happening = std::variant<Phase, Calibrate, InitError, Light, Enroll, Delete, Attempts,
+                               AcquisitionErrors, LongPress, Heat, DisplayHalDies, Dump>;
 
 struct Event {
   time_t at;  // seconds since the epoch
@@ -51,7 +79,7 @@ struct Event {
 
 struct Scenario {
   std::vector<Event> events;
-  int touches = 0;  // attempts and acquisition errors of all events
+  int touches = 0;  // of all events
 };
 
 // what() is "<name>:<line>: <reason>".

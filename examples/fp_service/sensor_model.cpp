@@ -19,8 +19,22 @@ constexpr double kQualityFalloff = 26;  // per (1000 raw)^2
 constexpr double kMiddleQuality = 22;   // one in two images of this quality matches
 constexpr double kQualitySoftness = 2.5;
 
+constexpr double kHalfCoverage = 45;  // percent; half of the images that small match at most
+constexpr double kCoverageEdge = 8;
+
+constexpr double kUnlit = 0.02;  // what the panel gives without its high-brightness mode
 constexpr double kRawNoise = 70;
 constexpr double kQualityNoise = 2.5;
+
+// A fingertip in display pixels: lengths of its axes, how they vary, and how far off it lands.
+constexpr double kMajor = 280;
+constexpr double kMinor = 236;
+constexpr double kSizeNoise = 20;
+constexpr double kTurnNoise = 0.25;  // radians
+constexpr double kGoodAim = 15;
+constexpr double kPoorAim = 85;
+
+double Logistic(double x) { return 1 / (1 + std::exp(-x)); }
 
 double Transmission(Skin skin) {
   switch (skin) {
@@ -48,18 +62,33 @@ double SensorModel::Noise(double deviation) {
   return sum * deviation;
 }
 
-SensorModel::Capture SensorModel::Touch(Skin skin) {
-  const double leak = kLeakRawPerMs * std::min(1.0, lux_ / kFullSunLux);
-  const double raw = (kPanelRawPerMs * Transmission(skin) + leak) * exposure_ms_ + Noise(kRawNoise);
+Contact SensorModel::Aim(fp_service::Aim aim) {
+  const double off = aim == fp_service::Aim::kGood ? kGoodAim : kPoorAim;
+  // A finger never lands so far off that the touch controller would not report it.
+  const auto near = [&](double center) {
+    return static_cast<float>(center + std::clamp(Noise(off), -200.0, 200.0));
+  };
+  Contact contact = {};
+  contact.x = near(kCenterX);
+  contact.y = near(kCenterY);
+  contact.major = static_cast<float>(kMajor + Noise(kSizeNoise));
+  contact.minor = static_cast<float>(kMinor + Noise(kSizeNoise));
+  contact.angle = static_cast<float>(Noise(kTurnNoise));
+  return contact;
+}
+
+SensorModel::Capture SensorModel::Expose(const Scene& scene) {
+  const double panel = kPanelRawPerMs * (scene.lit ? 1 : kUnlit);
+  const double leak = kLeakRawPerMs * std::min(1.0, scene.lux / kFullSunLux);
+  const double raw = (panel * Transmission(scene.skin) + leak) * exposure_ms_ + Noise(kRawNoise);
   const double off = (raw - kIdealRaw) / 1000;
   const double quality =
       std::clamp(kBestQuality - kQualityFalloff * off * off + Noise(kQualityNoise), 0.0, 100.0);
-  const double chance = 1 / (1 + std::exp((kMiddleQuality - quality) / kQualitySoftness));
+  const double chance = Logistic((quality - kMiddleQuality) / kQualitySoftness) *
+                        Logistic((scene.coverage_percent - kHalfCoverage) / kCoverageEdge);
   return {
       .raw_mean = static_cast<int32_t>(std::lround(raw)),
       .quality = static_cast<int32_t>(std::lround(quality)),
-      .coverage_percent = static_cast<float>(std::clamp(88 + Noise(6), 0.0, 100.0)),
-      .distance_mm = static_cast<float>(std::abs(Noise(1.2))),
       .matches = Uniform() < chance,
   };
 }

@@ -1,17 +1,43 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "service.h"
 
+#include <cerrno>
+#include <chrono>
+#include <cmath>
+#include <cstdio>
+#include <thread>
 #include <utility>
+
+#include <android/binder_process.h>
+
+#include "fp_utils/critical_errors.h"
+#include "fp_utils/dev_cdt_info.h"
 
 namespace fp_service {
 namespace {
 
+using android::fp_utils::AlsMonitor;
 using android::fp_utils::AuthEvent;
 using android::fp_utils::AuthEventG7;
-using android::fp_utils::AuthStatsG7;
+using android::fp_utils::Circle;
+using android::fp_utils::CriticalErrors;
+using android::fp_utils::DevCdtInfo;
 using android::fp_utils::DynamicExposure;
+using android::fp_utils::Ellipse;
+using android::fp_utils::EnrollEvent;
+using android::fp_utils::EnrollEventG7;
+using android::fp_utils::ErrorEvent;
+using android::fp_utils::FingerSize;
+using android::fp_utils::FpsInitInfo;
+using android::fp_utils::Point;
+using android::fp_utils::Thermal;
 
-constexpr uint32_t kHistorySize = 100;
+constexpr uint32_t kAttemptsKept = 100;
+constexpr uint32_t kSizesKept = 500;
+
+// The service's operations, as its records of finger sizes name them.
+constexpr int32_t kOpAuthenticate = 1;
+constexpr int32_t kOpEnroll = 2;
 
 // The matcher's side of a failed attempt. Its result codes are those that the library knows reasons
 // for; 1 leaves the reason to the metrics.
@@ -19,6 +45,17 @@ constexpr uint32_t kTooDark = 1164;
 constexpr uint32_t kTooBright = 1513;
 constexpr uint32_t kLowQuality = 1014;
 constexpr uint32_t kNoMatch = 1;
+
+// And of a failed enrollment.
+constexpr int32_t kAreaSmall = 1;
+constexpr int32_t kEnrollLowQuality = 3;
+constexpr float kEnoughCoverage = 85;  // percent, on average
+constexpr float kEnoughQuality = 25;
+
+// The platform's AcquiredInfo.
+constexpr int8_t kAcquiredVendor = 7;
+constexpr int8_t kAcquiredTooDark = 9;
+constexpr int32_t kUnlitRawMean = 300;  // no finger looks so dark while the panel is lit
 
 uint32_t ResultCode(const SensorModel::Capture& capture, bool enrolled) {
   if (enrolled && capture.raw_mean > 2700) {
@@ -30,58 +67,120 @@ uint32_t ResultCode(const SensorModel::Capture& capture, bool enrolled) {
   return enrolled ? kLowQuality : kNoMatch;
 }
 
+// The library's own wait is short, for services that cannot wait here.
+void WaitForThermalHal() {
+  constexpr int kPatienceMs = 1000;
+  for (int i = 0; i < kPatienceMs && Thermal::GetInstance().GetCpuSeverity() == -ENODEV; ++i) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  }
+}
+
 }  // namespace
 
-Service::Service(SensorModel& sensor)
-    : sensor_(sensor), stats_("0", kHistorySize, true), exposure_(DynamicExposure::GetInstance()) {
-  stats_.Init();
+Service::Service(Phone& phone)
+    : phone_(phone),
+      attempts_("0", kAttemptsKept, true),
+      sizes_("touch", kSizesKept, true),
+      exposure_(DynamicExposure::GetInstance()) {
+  init_.SetState(FpsInitInfo::State::kStarted);
+  DevCdtInfo::GetInstance();
+  ABinderProcess_startThreadPool();  // deaths of HALs arrive there
+  WaitForThermalHal();
+  AlsMonitor::GetInstance()->StartSampling();
+  attempts_.Init();
+  enrollments_.Init("EnrollEventG7");
   exposure_.SetExpoChangedCallback(this, &Service::ExposureChanged);
+}
+
+void Service::ReportInitError(const InitError& error) {
+  init_.SetError(error.code, error.message);
+  CriticalErrors::GetInstance().AddErrorEvent(
+      std::make_shared<ErrorEvent>("init: " + error.message));
 }
 
 void Service::ExposureChanged(void* context, float expo, float /*base*/) {
   auto& service = *static_cast<Service*>(context);
-  service.sensor_.SetExposure(expo);
+  service.phone_.SetExposure(expo);
   ++service.steps_;
 }
 
 void Service::Calibrate(const fp_service::Calibrate& calibration) {
-  sensor_.SetExposure(calibration.expo_ms);
+  phone_.SetExposure(calibration.expo_ms);
   exposure_.UpdateCaliExpo(calibration.expo_ms, calibration.base);
+  init_.SetState(FpsInitInfo::State::kFinished);
 }
 
-std::shared_ptr<AuthEventG7> Service::NewRecord(time_t at) {
-  auto event = std::static_pointer_cast<AuthEventG7>(stats_.CreateAttempt());
+// Lights the panel, captures, and measures how the finger lies on the sensor.
+std::optional<Service::Image> Service::TakeImage(Purpose purpose) {
+  const auto touch = input_.WaitForFinger();
+  if (!touch) {
+    return std::nullopt;
+  }
+  display_.SetLhbm(true, nullptr);
+  const SensorModel::Capture capture = phone_.CaptureImage();
+  display_.SetLhbm(false, nullptr);
+  input_.ImageCaptured();
+
+  const Circle sensor(Point(SensorModel::kCenterX, SensorModel::kCenterY), SensorModel::kRadius);
+  const Ellipse& finger = touch->contact;
+  sizes_.AddFinger(
+      std::make_shared<FingerSize>(purpose == Purpose::kEnroll ? kOpEnroll : kOpAuthenticate,
+                                   finger.major_axis, finger.minor_axis),
+      true);
+  return Image{.capture = capture,
+               .coverage_percent = sensor.CoverageCoveredBy(finger),
+               .distance_mm = std::hypot(finger.center.x - sensor.center.x,
+                                         finger.center.y - sensor.center.y) /
+                              SensorModel::kPixelsPerMm,
+               .lptw = touch->lptw};
+}
+
+std::string Service::FinishTouch() {
+  input_.WaitForLift();
+  return input_.GetDownTime();
+}
+
+std::shared_ptr<AuthEventG7> Service::NewAttempt(time_t at) {
+  auto event = std::static_pointer_cast<AuthEventG7>(attempts_.CreateAttempt());
   event->timestamp = at;
   return event;
 }
 
 Service::Outcome Service::Record(const std::shared_ptr<AuthEventG7>& event) {
-  stats_.AddAttempt(event);
+  attempts_.AddAttempt(event);
   if (exposure_.IsSupported()) {
     exposure_.FeedAuthAttempt(event);
   }
   return {event, std::exchange(steps_, 0)};
 }
 
-Service::Outcome Service::Authenticate(time_t at, int finger, Skin skin) {
-  const bool enrolled = finger != 0;
-  const SensorModel::Capture capture = sensor_.Touch(skin);
-  auto event = NewRecord(at);
+Service::Outcome Service::Authenticate(time_t at, int finger) {
+  const auto image = TakeImage(Purpose::kAuthenticate);
+  if (!image) {
+    return RecordAcquisitionError(at, kAcquiredVendor);
+  }
+  const SensorModel::Capture& capture = image->capture;
+  if (capture.raw_mean < kUnlitRawMean) {
+    return RecordAcquisitionError(at, kAcquiredTooDark);
+  }
+  const bool enrolled = IsEnrolled(finger);
+  auto event = NewAttempt(at);
   event->acquired_info = AuthEvent::kAcquiredGood;
   event->auth_successful = enrolled && capture.matches;
   event->fid = event->auth_successful ? finger : 0;
-  event->latency = 180 + static_cast<int32_t>(sensor_.GetExposure()) + sensor_.Below(40);
+  event->latency = 180 + static_cast<int32_t>(phone_.GetExposure()) + phone_.Below(40);
   event->iq = capture.quality;
-  event->t_cov = capture.coverage_percent;
-  event->t_dist = capture.distance_mm;
+  event->t_cov = image->coverage_percent;
+  event->t_dist = image->distance_mm;
+  event->lptw = image->lptw ? 1 : 0;
   event->rawmean_delta = capture.raw_mean;
   if (event->auth_successful) {
-    event->match_score = capture.quality * 20 + sensor_.Below(100);
-    event->stitch_img_num_ = {1, 1 + sensor_.Below(3), 0, 0, 0};
-    event->stitch_img_area_ = {sensor_.Below(4000), sensor_.Below(4000), 0, 0, 0};
+    event->match_score = capture.quality * 20 + phone_.Below(100);
+    event->stitch_img_num_ = {1, 1 + phone_.Below(3), 0, 0, 0};
+    event->stitch_img_area_ = {phone_.Below(4000), phone_.Below(4000), 0, 0, 0};
   } else {
     event->rc = ResultCode(capture, enrolled);
-    event->match_score = sensor_.Below(60);
+    event->match_score = phone_.Below(60);
     event->packed_metric_1 = 230225220;
     event->packed_metric_2 = 90210210;
     event->packed_metric_3 = 125000000;
@@ -89,15 +188,105 @@ Service::Outcome Service::Authenticate(time_t at, int finger, Skin skin) {
   return Record(event);
 }
 
-Service::Outcome Service::ReportAcquisitionError(time_t at, int info) {
-  auto event = NewRecord(at);
+Service::Outcome Service::FailToAcquire(time_t at, int info) {
+  input_.WaitForFinger();
+  return RecordAcquisitionError(at, info);
+}
+
+Service::Outcome Service::RecordAcquisitionError(time_t at, int info) {
+  auto event = NewAttempt(at);
   event->acquired_info = static_cast<int8_t>(info);
   return Record(event);
 }
 
+void Service::CaptureForEnrollment() {
+  if (const auto image = TakeImage(Purpose::kEnroll)) {
+    ++enrollment_.captures;
+    enrollment_.coverage_sum += image->coverage_percent;
+    enrollment_.quality_sum += static_cast<float>(image->capture.quality);
+    enrollment_.raw_mean_sum += static_cast<float>(image->capture.raw_mean);
+  }
+}
+
+std::shared_ptr<EnrollEventG7> Service::NewEnrollment(time_t at, int finger) {
+  auto event = std::static_pointer_cast<EnrollEventG7>(enrollments_.CreateEvent());
+  event->timestamp = at;
+  event->fid = finger;
+  return event;
+}
+
+std::shared_ptr<EnrollEventG7> Service::Enroll(time_t at, int finger) {
+  const Enrollment captured = std::exchange(enrollment_, {});
+  const auto average = [&](float sum) {
+    return captured.captures > 0 ? sum / static_cast<float>(captured.captures) : 0;
+  };
+  auto event = NewEnrollment(at, finger);
+  event->op = EnrollEvent::kOpAdd;
+  event->capture_count = captured.captures;
+  event->iq_avg = average(captured.quality_sum);
+  event->rawmean_delta = average(captured.raw_mean_sum);
+  if (average(captured.coverage_sum) < kEnoughCoverage) {
+    event->rc = kAreaSmall;
+  } else if (event->iq_avg < kEnoughQuality) {
+    event->rc = kEnrollLowQuality;
+  } else {
+    event->enroll_successful = true;
+    enrolled_.insert(finger);
+  }
+  event->enrolled_fingers_count = static_cast<int32_t>(enrolled_.size());
+  enrollments_.AddEvent(event);
+  return event;
+}
+
+std::shared_ptr<EnrollEventG7> Service::Delete(time_t at, int finger) {
+  enrolled_.erase(finger);
+  auto event = NewEnrollment(at, finger);
+  event->op = EnrollEvent::kOpDelete;
+  event->enrolled_fingers_count = static_cast<int32_t>(enrolled_.size());
+  enrollments_.AddEvent(event);
+  return event;
+}
+
+void Service::DumpSurroundings(int fd) {
+  float lux = 0;
+  if (AlsMonitor::GetInstance()->GetLight(&lux) == 0) {
+    dprintf(fd, "Ambient light: %.0f lux\n", lux);
+  } else {
+    dprintf(fd, "Ambient light: unknown\n");
+  }
+  dprintf(fd, "Throttling severity: %d\n", Thermal::GetInstance().GetCpuSeverity());
+  dprintf(fd, "Long presses: %d\n", presses_.Get());
+}
+
+void Service::SystemServerDied() {
+  presses_.SystemServerDied();
+  AlsMonitor::OnSystemServerDeath();
+  AlsMonitor::GetInstance()->StartSampling();
+}
+
+void Service::DumpWhileBusy(int fd) {
+  init_.Dump(fd);
+  CriticalErrors::GetInstance().Dump(fd, nullptr, 0);
+  enrollments_.Dump(fd, nullptr, 0);
+}
+
 void Service::Dump(int fd) {
-  stats_.Dump(fd, nullptr, 0);
+  DumpWhileBusy(fd);
+  const DevCdtInfo& board = DevCdtInfo::GetInstance();
+  dprintf(fd,
+          "Board: platform 0x%02x, product 0x%02x, stage 0x%02x, version %u.%u, variant 0x%02x\n",
+          board.platform, board.product, board.stage, board.major, board.minor, board.variant);
+  attempts_.Dump(fd, nullptr, 0);
   exposure_.Dump(fd);
+  dprintf(fd, "Finger sizes: %u touches, %u for authentication, %u for enrollment\n",
+          sizes_.GetFingerCount(), sizes_.GetOp1Count(), sizes_.GetOp2Count());
+  for (const auto& [name, axis] :
+       {std::pair("major", FingerSize::kMajor), std::pair("minor", FingerSize::kMinor)}) {
+    dprintf(fd, "  %s axis: 5%% are up to %.1f, 50%% up to %.1f, 95%% up to %.1f pixels\n", name,
+            sizes_.GetPercentileValue(axis, 5), sizes_.GetPercentileValue(axis, 50),
+            sizes_.GetPercentileValue(axis, 95));
+  }
+  DumpSurroundings(fd);
 }
 
 }  // namespace fp_service

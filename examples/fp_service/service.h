@@ -3,17 +3,28 @@
 
 #include <ctime>
 #include <memory>
+#include <optional>
+#include <set>
 #include <string>
 
+#include "finger_input.h"
+#include "fp_utils/als_monitor.h"
 #include "fp_utils/auth_stats.h"
+#include "fp_utils/display_controller.h"
 #include "fp_utils/dynamic_exposure.h"
+#include "fp_utils/enroll_event_container.h"
+#include "fp_utils/finger_sizes.h"
+#include "fp_utils/fps_init_info.h"
+#include "fp_utils/thermal.h"
+#include "phone.h"
+#include "press_counter.h"
 #include "scenario.h"
-#include "sensor_model.h"
 
 namespace fp_service {
 
-// A fingerprint HAL service reduced to its use of the library: it owns the history of attempts,
-// feeds the exposure controller and programs the sensor when the controller says so.
+// A fingerprint HAL service reduced to its use of the library: it owns the histories, lights the
+// panel for a capture, feeds the exposure controller and programs the sensor when the controller
+// says so. Its matcher is the phone's sensor model.
 class Service {
  public:
   struct Outcome {
@@ -21,24 +32,71 @@ class Service {
     int steps;  // exposure steps that this attempt led to
   };
 
-  // Loads the history of earlier runs.
-  explicit Service(SensorModel& sensor);
+  // Loads the histories of earlier runs and begins the bring-up.
+  explicit Service(Phone& phone);
 
-  uint32_t GetHistorySize() const { return stats_.GetTotalAttempts(); }
+  uint32_t GetHistorySize() const { return attempts_.GetTotalAttempts(); }
+  bool IsEnrolled(int finger) const { return enrolled_.contains(finger); }
 
+  void ReportInitError(const InitError& error);
+  // Ends the bring-up.
   void Calibrate(const fp_service::Calibrate& calibration);
-  Outcome Authenticate(time_t at, int finger, Skin skin);
-  Outcome ReportAcquisitionError(time_t at, int info);
+
+  // What a touch is for has to be said before it; the operations below find the finger down.
+  void ExpectFinger(Purpose purpose) { input_.Expect(purpose); }
+  Outcome Authenticate(time_t at, int finger);
+  Outcome FailToAcquire(time_t at, int info);
+  void CaptureForEnrollment();
+  // After each of them, when the finger is up. Returns when it came down.
+  std::string FinishTouch();
+
+  // With the captures since the last enrollment.
+  std::shared_ptr<android::fp_utils::EnrollEventG7> Enroll(time_t at, int finger);
+  std::shared_ptr<android::fp_utils::EnrollEventG7> Delete(time_t at, int finger);
+
+  // Waits until as many have been counted, for a second at most.
+  void WaitForLongPresses(int count) { presses_.WaitFor(count); }
+
+  // What is connected to the system server is gone with it.
+  void SystemServerDied();
+
   void Dump(int fd);
+  // The part of it that may be asked for on any thread while attempts are made: what locks.
+  void DumpWhileBusy(int fd);
 
  private:
-  static void ExposureChanged(void* context, float expo, float base);
-  std::shared_ptr<android::fp_utils::AuthEventG7> NewRecord(time_t at);
-  Outcome Record(const std::shared_ptr<android::fp_utils::AuthEventG7>& event);
+  struct Image {
+    SensorModel::Capture capture;
+    float coverage_percent;
+    float distance_mm;
+    bool lptw;
+  };
+  struct Enrollment {
+    int captures = 0;
+    float coverage_sum = 0;
+    float quality_sum = 0;
+    float raw_mean_sum = 0;
+  };
 
-  SensorModel& sensor_;
-  android::fp_utils::AuthStatsG7 stats_;
+  static void ExposureChanged(void* context, float expo, float base);
+  std::optional<Image> TakeImage(Purpose purpose);
+  std::shared_ptr<android::fp_utils::AuthEventG7> NewAttempt(time_t at);
+  Outcome RecordAcquisitionError(time_t at, int info);
+  Outcome Record(const std::shared_ptr<android::fp_utils::AuthEventG7>& event);
+  std::shared_ptr<android::fp_utils::EnrollEventG7> NewEnrollment(time_t at, int finger);
+  void DumpSurroundings(int fd);
+
+  Phone& phone_;
+  android::fp_utils::FpsInitInfo init_;
+  android::fp_utils::AuthStatsG7 attempts_;
+  android::fp_utils::EnrollEventContainer enrollments_;
+  android::fp_utils::FingerSizes sizes_;
   android::fp_utils::DynamicExposure& exposure_;
+  android::fp_utils::DisplayController display_;
+  PressCounter presses_;
+  FingerInput input_;
+  std::set<int> enrolled_;
+  Enrollment enrollment_;
   int steps_ = 0;
 };
 

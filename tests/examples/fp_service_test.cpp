@@ -24,9 +24,7 @@ struct Result {
 
 class FpServiceTest : public ::testing::Test {
  protected:
-  FpServiceTest() {
-    folder_ = fp_test::MakeScratchFolder("fp_service");
-  }
+  FpServiceTest() { folder_ = fp_test::MakeScratchFolder("fp_service"); }
   ~FpServiceTest() override { fs::remove_all(folder_); }
 
   Result Run(const std::string& options) const {
@@ -68,10 +66,33 @@ TEST_F(FpServiceTest, DayShowsWhatExposureControlDoes) {
   }
   EXPECT_GE(phases, 2u);
 
+  const std::regex bands(R"(below 40% +\d+ +\d+ +([0-9.]+)%[^]*from 90% +\d+ +\d+ +([0-9.]+)%)");
+  std::smatch frr;
+  ASSERT_TRUE(std::regex_search(first.output, frr, bands));
+  EXPECT_GT(std::stod(frr[1]), 10 * std::stod(frr[2])) << "low coverage fails more";
+  EXPECT_EQ(3u, Count(first.output, "\n[-0-9]+ [:0-9]+ op:ADD, enroll_successful:1"));
+  EXPECT_EQ(1u, Count(first.output, "\n[-0-9]+ [:0-9]+ op:ADD.*reason:Area Small"));
+  EXPECT_EQ(1u, Count(first.output, "\n[-0-9]+ [:0-9]+ op:DEL, gid:0, fid:3"));
+  EXPECT_EQ(2u, Count(first.output, "(major|minor) axis: 5% are up to [0-9.]+, 50% up to [0-9.]+"));
+  EXPECT_EQ(1u,
+            Count(first.output, "Ambient light: 2 lux\nThrottling severity: 0\nLong presses: 4"));
+  EXPECT_EQ(Count(first.output, "2026-03-04 06:45:00 auth_successful:1.*lptw:1"),
+            Count(first.output, "finger down:2026-03-04-06-45-00-000"));
+
   const Result second = Run(day_);
   EXPECT_EQ(0u, second.output.find("found 100 attempts of earlier runs\n"));
   const Result dump = Run("--dump-only");
   EXPECT_NE(std::string::npos, dump.output.find("Auth Events:\n  #000 "));
+}
+
+TEST_F(FpServiceTest, TroubleIsInTheDump) {
+  const Result result = Run("--scenario " + std::string(SCENARIOS) + "/trouble.jsonl");
+  ASSERT_EQ(0, result.exit_code) << result.output;
+  EXPECT_EQ(1u, Count(result.output, "\nError:2026-03-05 07:00:00 sensor did not answer"));
+  EXPECT_EQ(1u, Count(result.output, "\n2026-03-05 09:00:00 acquisition_error:TOO_DARK")) << "the panel is dark";
+  EXPECT_EQ(1u, Count(result.output, "\n  #001 2026-03-05 09:00:00 failed to enable lhbm\n"));
+  EXPECT_EQ(2u, Count(result.output, "\n2026-03-05 09:00:[12]0 auth_successful:1")) << "and back";
+  EXPECT_EQ(1u, Count(result.output, "\nThrottling severity: 4\n"));
 }
 
 TEST_F(FpServiceTest, IsDeterministicForASeed) {

@@ -30,15 +30,18 @@ TEST(Scenario, ReadsEventsInLocalTime) {
 
 {"at": "07:00:01", "event": "attempts", "finger": 2, "count": 3, "every_s": 7, "skin": "wet"}
 {"at": "07:00:01", "event": "acquisition_errors", "info": -1, "count": 4}
+{"at": "07:00:02", "event": "enroll", "finger": 5, "aim": "poor"}
 )");
-  ASSERT_EQ(2u, scenario.events.size());
-  EXPECT_EQ(7, scenario.touches);
+  ASSERT_EQ(3u, scenario.events.size());
+  EXPECT_EQ(17, scenario.touches);
   EXPECT_EQ(1772607601, scenario.events[0].at);
   const auto& attempts = std::get<Attempts>(scenario.events[0].happening);
   EXPECT_EQ(2, attempts.finger);
   EXPECT_EQ(3, attempts.count);
   EXPECT_EQ(7, attempts.every_s);
   EXPECT_EQ(Skin::kWet, attempts.skin);
+  EXPECT_EQ(Aim::kGood, attempts.aim);
+  EXPECT_EQ(10, std::get<Enroll>(scenario.events[2].happening).captures);
 }
 
 TEST(Scenario, RefusesWrongLinesWithPlaceAndReason) {
@@ -70,6 +73,10 @@ TEST(Scenario, RefusesWrongLinesWithPlaceAndReason) {
        "more than 1000000 touches in all"},
       {R"({"event": "attempts", "at": "07:00:00", "finger": 1, "skin": "fur"})",
        "\"skin\" is one of \"dry\", \"normal\", \"wet\""},
+      {R"({"event": "enroll", "at": "07:00:00", "finger": 0})",
+       "\"finger\" is a whole number from 1 to 5"},
+      {R"({"event": "heat", "at": "07:00:00", "severity": 7})",
+       "\"severity\" is a whole number from 0 to 6"},
       {R"({"event": "acquisition_errors", "at": "07:00:00", "info": 1})",
        "\"info\" 1 is a good image; write \"attempts\""},
   };

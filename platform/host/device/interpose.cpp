@@ -8,6 +8,7 @@
 #include <poll.h>
 #include <sys/ioctl.h>
 #include <sys/stat.h>
+#include <sys/time.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -15,8 +16,10 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <ctime>
 #include <memory>
 
+#include "device/clock.h"
 #include "device/faults.h"
 #include "device/touch.h"
 #include "device/tree.h"
@@ -265,6 +268,38 @@ int close(int fd) {
   fp_host::Untrack(fd);
   fp_host::ForgetTouchDescriptor(fd);
   return next(fd);
+}
+
+time_t time(time_t* out) {
+  NEXT(time);
+  const auto stopped = fp_host::StoppedWallClock();
+  if (!stopped) {
+    return next(out);
+  }
+  if (out != nullptr) {
+    *out = *stopped;
+  }
+  return *stopped;
+}
+
+int gettimeofday(timeval* out, void* zone) {
+  NEXT(gettimeofday);
+  const auto stopped = fp_host::StoppedWallClock();
+  if (!stopped) {
+    return next(out, zone);
+  }
+  *out = {.tv_sec = *stopped, .tv_usec = 0};
+  return 0;
+}
+
+int clock_gettime(clockid_t clock, timespec* out) {
+  NEXT(clock_gettime);
+  const auto stopped = fp_host::StoppedWallClock();
+  if (!stopped || clock != CLOCK_REALTIME) {
+    return next(clock, out);
+  }
+  *out = {.tv_sec = *stopped, .tv_nsec = 0};
+  return 0;
 }
 
 }  // extern "C"

@@ -1,0 +1,95 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <fmt/format.h>
+
+#include <map>
+#include <nlohmann/json.hpp>
+#include <set>
+#include <stdexcept>
+#include <string>
+
+namespace fp_service {
+
+// The reason why a line is refused; its place is known further out.
+class Refusal : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+// The fields of one event. Every field has to be asked for: one that nobody knows is a mistake.
+class Fields {
+ public:
+  explicit Fields(const nlohmann::json& object) : object_(object) {
+    if (!object.is_object()) {
+      throw Refusal("an event is a JSON object");
+    }
+  }
+
+  double Number(const std::string& name, double low, double high) {
+    const nlohmann::json& value = Required(name);
+    if (!value.is_number() || !(value >= low && value <= high)) {
+      throw Refusal(fmt::format("\"{}\" is a number from {} to {}", name, low, high));
+    }
+    return value;
+  }
+
+  int Integer(const std::string& name, int low, int high) {
+    const nlohmann::json& value = Required(name);
+    if (!value.is_number_integer() || !(value >= low && value <= high)) {
+      throw Refusal(fmt::format("\"{}\" is a whole number from {} to {}", name, low, high));
+    }
+    return value;
+  }
+
+  int Integer(const std::string& name, int low, int high, int default_value) {
+    return object_.contains(name) ? Integer(name, low, high) : default_value;
+  }
+
+  std::string Text(const std::string& name) {
+    const nlohmann::json& value = Required(name);
+    if (!value.is_string()) {
+      throw Refusal(fmt::format("\"{}\" is a text", name));
+    }
+    return value;
+  }
+
+  template <typename Value>
+  Value OneOf(const std::string& name, const std::map<std::string, Value>& choices,
+              Value default_value) {
+    if (!object_.contains(name)) {
+      return default_value;
+    }
+    const auto choice = choices.find(Text(name));
+    if (choice == choices.end()) {
+      std::string names;
+      for (const auto& [key, value] : choices) {
+        names += (names.empty() ? "\"" : ", \"") + key + "\"";
+      }
+      throw Refusal(fmt::format("\"{}\" is one of {}", name, names));
+    }
+    return choice->second;
+  }
+
+  void RefuseTheRest() const {
+    for (const auto& [name, value] : object_.items()) {
+      if (!asked_.contains(name)) {
+        throw Refusal(fmt::format("\"{}\" is no field of this event", name));
+      }
+    }
+  }
+
+ private:
+  const nlohmann::json& Required(const std::string& name) {
+    if (!object_.contains(name)) {
+      throw Refusal(fmt::format("\"{}\" is missing", name));
+    }
+    asked_.insert(name);
+    return object_.at(name);
+  }
+
+  const nlohmann::json& object_;
+  std::set<std::string> asked_;
+};
+
+}  // namespace fp_service

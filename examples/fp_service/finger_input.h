@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <atomic>
+#include <optional>
+#include <string>
+
+#include "fp_utils/finger_state.h"
+#include "fp_utils/fp_state_tracker.h"
+#include "fp_utils/fps_touch_handler.h"
+#include "fp_utils/shapes.h"
+
+namespace fp_service {
+
+// What a touch is for. The values are the pipeline states in which a finger is down for it.
+enum class Purpose : uint32_t { kEnroll = 0x101, kAuthenticate = 0x201 };
+
+// The service's finger: touch reports become finger state and pipeline state on the handler's
+// worker, the service's thread waits for them.
+class FingerInput {
+ public:
+  struct Touch {
+    android::fp_utils::Ellipse contact;
+    bool lptw;
+  };
+
+  FingerInput();
+  ~FingerInput();
+  FingerInput(const FingerInput&) = delete;
+  FingerInput& operator=(const FingerInput&) = delete;
+
+  // What the next finger is for. One that unlocks the device has LPTW follow it.
+  void Expect(Purpose purpose) { purpose_ = purpose; }
+
+  // The finger that has come down, waited for up to a second; nothing on a device that does not
+  // report touches.
+  std::optional<Touch> WaitForFinger();
+
+  // The sensor has its image.
+  void ImageCaptured();
+
+  void WaitForLift();
+
+  // Of the last finger, in the tracker's form.
+  std::string GetDownTime();
+
+ private:
+  void Take(const android::fp_utils::TouchEvent& event);
+  bool WaitFor(uint32_t state);
+
+  android::fp_utils::FpsTouchHandler& handler_;
+  android::fp_utils::FpStateTracker& tracker_;
+  android::fp_utils::FingerState finger_;
+  std::atomic<Purpose> purpose_ = Purpose::kAuthenticate;
+  bool is_running_ = false;
+};
+
+}  // namespace fp_service

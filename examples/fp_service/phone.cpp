@@ -1,0 +1,123 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "phone.h"
+
+#include <cmath>
+#include <filesystem>
+#include <fstream>
+#include <numbers>
+
+#include <android-base/properties.h>
+
+#include "control/clock.h"
+#include "control/device.h"
+#include "control/sensor_service.h"
+#include "control/services.h"
+#include "fp_utils/shapes.h"
+#include "touch_format.h"
+
+namespace fp_service {
+namespace {
+
+namespace fs = std::filesystem;
+using aidl::android::hardware::thermal::TemperatureType;
+using aidl::android::hardware::thermal::ThrottlingSeverity;
+
+void WriteFile(const std::string& device_path, const std::string& content) {
+  const fs::path path = fp_host::HostPath(device_path);
+  fs::create_directories(path.parent_path());
+  std::ofstream(path, std::ios::binary) << content;
+}
+
+}  // namespace
+
+Phone::Build::Build(const std::string& root) {
+  fp_host::SetDeviceRoot(root);
+  fp_host::BootDevice();
+  android::base::SetProperty("persist.vendor.udfps.dynamic_exposure_supported", "true");
+  android::base::SetProperty("persist.vendor.udfps.fth.touch_resolution_scaling_factor",
+                             std::to_string(kTouchUnitsPerPixel));
+  // What the boot loader and the secure world publish.
+  const std::pair<const char*, char> items[] = {{"platform", 0x11}, {"product", 0x07},
+                                                {"stage", 0x20},    {"major", 0x01},
+                                                {"minor", 0x02},    {"variant", 0x00}};
+  for (const auto& [item, value] : items) {
+    WriteFile(std::string("/sys/firmware/devicetree/base/chosen/plat/") + item,
+              std::string(3, '\0') + value);
+  }
+  WriteFile("/dev/trusty-log0", "fingerprint: sensor id 0x2a, calibration page 3\n");
+}
+
+Phone::Phone(const std::string& root, uint64_t seed) : build_(root), sensor_(seed) {
+  display_.Declare();
+  display_.Start();
+  thermal_.Declare();
+  thermal_.Start();
+  SetSkinSeverity(0);
+  SetLux(lux_);
+}
+
+void Phone::SetTime(time_t at) { fp_host::StopWallClock(at); }
+
+void Phone::SetLux(float lux) {
+  lux_ = lux;
+  fp_host::SetLux(lux);
+}
+
+void Phone::SetSkinSeverity(int severity) {
+  thermal_.SetTemperatures({{.type = TemperatureType::SKIN,
+                             .name = "skin",
+                             .value = 30 + 4 * static_cast<float>(severity),
+                             .throttlingStatus = static_cast<ThrottlingSeverity>(severity)}});
+}
+
+void Phone::LongPress(int times) { fp_host::LongPress(times); }
+
+fp_host::TouchRecord Phone::Report(uint32_t type) const {
+  const auto units = [](float pixels) {
+    return static_cast<uint16_t>(std::lround(pixels * kTouchUnitsPerPixel));
+  };
+  fp_host::TouchRecord record = {.type = type};
+  record.coords[touch_format::kX] = units(contact_.x);
+  record.coords[touch_format::kY] = units(contact_.y);
+  record.coords[touch_format::kMajor] = units(contact_.major);
+  record.coords[touch_format::kMinor] = units(contact_.minor);
+  record.angle = static_cast<int32_t>(std::lround(contact_.angle * 8192 / std::numbers::pi));
+  return record;
+}
+
+void Phone::PutFinger(Skin skin, Aim aim) {
+  skin_ = skin;
+  contact_ = sensor_.Aim(aim);
+  touch_.Push({Report(touch_format::kDown)});
+}
+
+void Phone::LiftFinger() { touch_.Push({Report(touch_format::kUp)}); }
+
+void Phone::LetDisplayHalDie() { display_.DieAtCall(1, fp_host::RemoteService::Death::kBefore); }
+
+void Phone::RestartDeadHals() {
+  if (!display_.IsUp()) {
+    fp_host::WaitForPools();  // its clients have heard of the death
+    display_.Start();
+  }
+}
+
+void Phone::BlinkTouchDevice() {
+  touch_.HangUp();
+  touch_.Plug();
+}
+
+SensorModel::Capture Phone::CaptureImage() {
+  using android::fp_utils::Circle;
+  using android::fp_utils::Ellipse;
+  using android::fp_utils::Point;
+  const Circle area(Point(SensorModel::kCenterX, SensorModel::kCenterY), SensorModel::kRadius);
+  const Ellipse finger(Point(contact_.x, contact_.y), contact_.major, contact_.minor,
+                       contact_.angle);
+  return sensor_.Expose({.skin = skin_,
+                         .coverage_percent = area.CoverageCoveredBy(finger),
+                         .lux = lux_,
+                         .lit = display_.IsLhbmOn()});
+}
+
+}  // namespace fp_service
