@@ -24,8 +24,7 @@ class DeviceTest : public ::testing::Test {
   static void Remove(const std::string& path);
   static unsigned ModeOf(const std::string& path);
 
- private:
-  std::string root_;
+  std::string root_;  // its folder on the host
 };
 
 // What `dump` writes to the descriptor that it is given.
