@@ -1,0 +1,182 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Prints what must be the same on every compiler and processor: record texts, decoded touch reports
+// and coverage counts of arbitrary values. Made of the library's sources that need nothing of the
+// platform beyond the log and the properties, so that it runs wherever a compiler reaches.
+#include <bit>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+
+#include <android-base/properties.h>
+#include <android/log.h>
+
+#include "connectors/touch_report.h"
+#include "fp_utils/auth_event.h"
+#include "fp_utils/crc32.h"
+#include "fp_utils/enroll_event.h"
+#include "fp_utils/finger_sizes.h"
+#include "fp_utils/shapes.h"
+
+extern "C" int __android_log_print(int /*priority*/, const char* tag, const char* format, ...) {
+  printf("  log of %s: %s\n", tag, format);
+  return 1;
+}
+
+namespace android::base {
+
+template <typename Number>
+Number GetUintProperty(const std::string& /*name*/, Number default_value, Number /*max*/) {
+  return default_value;
+}
+template uint32_t GetUintProperty(const std::string&, uint32_t, uint32_t);
+
+}  // namespace android::base
+
+using namespace android::fp_utils;
+
+namespace {
+
+// Knuth's MMIX generator: the same numbers everywhere.
+class Numbers {
+ public:
+  uint32_t Bits() {
+    state_ = state_ * 6364136223846793005U + 1442695040888963407U;
+    return static_cast<uint32_t>(state_ >> 32);
+  }
+  int32_t Integer() { return static_cast<int32_t>(Bits() >> (Bits() % 32)); }
+  // From low up to high, in steps of 1 / 64 of the range's 65536th.
+  float Between(float low, float high) {
+    return low + (high - low) * (static_cast<float>(Bits() >> 10) / 4194304.0F);
+  }
+
+ private:
+  uint64_t state_ = 20260304;
+};
+
+template <typename Values>
+void Fill(Values& values, Numbers& numbers) {
+  for (auto& value : values) {
+    value = numbers.Integer();
+  }
+}
+
+AuthEventG7 Attempt(Numbers& numbers) {
+  AuthEventG7 event;
+  event.timestamp = numbers.Integer();
+  event.acquired_info = static_cast<int8_t>(numbers.Bits());
+  event.auth_successful = numbers.Bits() % 2 == 0;
+  event.fid = numbers.Integer();
+  event.latency = numbers.Integer();
+  event.iq = -numbers.Integer();
+  event.t_cov = numbers.Between(-10, 110);
+  event.t_dist = numbers.Between(0, 9);
+  event.lptw = numbers.Bits();
+  event.rc = numbers.Bits();
+  event.rawmean_delta = -numbers.Integer();
+  event.packed_metric_1 = numbers.Integer();
+  event.packed_metric_2 = numbers.Integer();
+  event.packed_metric_3 = numbers.Integer();
+  Fill(event.stitch_img_num_, numbers);
+  Fill(event.stitch_img_area_, numbers);
+  return event;
+}
+
+EnrollEventG7 Enrollment(Numbers& numbers) {
+  EnrollEventG7 event;
+  event.timestamp = numbers.Integer();
+  event.op = numbers.Bits() % 3;
+  event.enroll_successful = numbers.Bits() % 2 == 0;
+  event.fid = numbers.Integer();
+  event.capture_count = numbers.Integer();
+  event.iq_avg = numbers.Between(-100, 100);
+  event.rc = numbers.Integer();
+  event.rawmean_delta = numbers.Between(-4000, 4000);
+  Fill(event.stitch_img_num_, numbers);
+  return event;
+}
+
+template <typename Record>
+void PrintRecord(const Record& record) {
+  std::string text = record.ToBackupString();
+  printf("%s crc %08x\n", text.c_str(), crc32(text.data(), text.size()));
+  Record loaded;
+  if (!loaded.LoadFromBackupString(text)) {
+    printf("  does not load\n");
+    return;
+  }
+  printf("  %s\n", loaded.ToBackupString().c_str());
+  if constexpr (requires { loaded.ToDebugString(); }) {
+    printf("  %s\n", loaded.ToDebugString().c_str());
+  }
+}
+
+void PrintRecords(Numbers& numbers) {
+  for (int i = 0; i < 40; ++i) {
+    PrintRecord(Attempt(numbers));
+    PrintRecord(Enrollment(numbers));
+    PrintRecord(FingerSize(numbers.Integer(), numbers.Between(0, 400), numbers.Between(0, 300)));
+  }
+}
+
+template <typename Values>
+void PrintAll(const char* name, const Values& values) {
+  printf(" %s", name);
+  for (const auto value : values) {
+    printf(" %a", static_cast<double>(value));
+  }
+}
+
+void PrintReports(Numbers& numbers) {
+  for (int i = 0; i < 60; ++i) {
+    uint32_t bits[sizeof(touch_device::Record) / sizeof(uint32_t)];
+    for (uint32_t& word : bits) {
+      word = numbers.Bits();
+    }
+    const auto record = std::bit_cast<touch_device::Record>(bits);
+    const TouchEvent event = touch_device::Decode(record, 1 + numbers.Bits() % 20);
+    printf("valid %d type %d info %u id %d stamp %llu angle %a", touch_device::IsValid(record),
+           event.type, event.info, event.id, static_cast<unsigned long long>(event.stamp),
+           static_cast<double>(event.angle));
+    PrintAll("coords", event.coords);
+    PrintAll("signed", event.signed_coords);
+    PrintAll("flags", event.flags);
+    printf("\n");
+  }
+}
+
+void PrintCounts(const Rect& grid, const IShape& s1, const IShape& s2) {
+  uint32_t in_s1 = 0;
+  uint32_t in_s2 = 0;
+  uint32_t in_both = 0;
+  grid.NumOfPointsIn(s1, s2, in_s1, in_s2, in_both);
+  printf("%s in %s, %s: %u %u %u\n", grid.Print().c_str(), s1.Print().c_str(), s2.Print().c_str(),
+         in_s1, in_s2, in_both);
+}
+
+void PrintCoverage(Numbers& numbers) {
+  for (int i = 0; i < 60; ++i) {
+    const Circle circle(Point(numbers.Between(80, 120), numbers.Between(80, 120)),
+                        numbers.Between(1, 100));
+    const Ellipse ellipse(Point(numbers.Between(60, 140), numbers.Between(60, 140)),
+                          numbers.Between(1, 220), numbers.Between(1, 160), numbers.Between(-4, 4));
+    const Rect grid(Point(0, 0), Point(numbers.Between(100, 220), numbers.Between(100, 220)));
+    PrintCounts(grid, circle, ellipse);
+    PrintCounts(grid, grid, ellipse);
+    printf("  %a %a\n", static_cast<double>(circle.CoverageCoveredBy(ellipse)),
+           static_cast<double>(grid.CoverageCoveredBy(circle)));
+  }
+}
+
+}  // namespace
+
+int main() {
+  setenv("TZ", "UTC", 1);
+  Numbers numbers;
+  PrintRecords(numbers);
+  PrintReports(numbers);
+  PrintCoverage(numbers);
+  return 0;
+}
