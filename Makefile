@@ -2,7 +2,8 @@
 # The project's commands. Each installs what it lacks, configures its CMake preset and builds.
 
 .DEFAULT_GOAL := help
-.PHONY: help build demo test check bench fuzz lint format stats clean test-clang test-asan test-tsan device-like bench-build
+.PHONY: help build demo test check bench fuzz coverage lint docs package abi format stats clean \
+  test-clang test-asan test-tsan device-like aarch64 bench-build abi-library abi-check package-check
 
 FUZZ_SECONDS ?= 60
 JOBS ?= $(shell nproc)
@@ -53,6 +54,12 @@ device-like: build
 	@scripts/setup build clang
 	$(call build,device-like)
 
+# Compiles the library for the device's processor and runs the golden texts there.
+aarch64: build
+	@scripts/setup build cross
+	$(call build,aarch64)
+	scripts/check_golden "qemu-aarch64-static build/aarch64/tests/golden/print_golden"
+
 bench-build: build
 	@scripts/setup build bench
 	$(call build,bench)
@@ -67,13 +74,43 @@ fuzz: build  ## run every fuzz target for FUZZ_SECONDS (60)
 	$(call build,fuzz)
 	scripts/fuzz build/fuzz $(FUZZ_SECONDS)
 
-lint: build  ## format, include direction, exported symbols, clang-tidy
+coverage: build  ## lines and branches of include/ and src/ that the tests reach
+	@scripts/setup build test coverage
+	$(call build,coverage)
+	FP_TEST_SHARE=0.1 $(CTEST) --test-dir build/coverage -LE long | tail -n 3
+	scripts/coverage build/coverage
+
+lint: build  ## format, include direction, source lists, exported symbols, clang-tidy
 	@scripts/setup build test lint clang
 	$(call build,release)
 	scripts/check_format
 	scripts/check_imports
+	scripts/check_sources
 	scripts/check_symbols build/release/src/libfp_utils.so
 	scripts/check_tidy build/release
+
+docs: build  ## the API reference, below build/docs/html
+	@scripts/setup docs
+	doxygen docs/Doxyfile
+
+package: build  ## a Debian package of library, headers and package files
+	@scripts/setup build test
+	$(call build,release)
+	cd build/release && cpack -G DEB
+
+package-check: package
+	scripts/check_package build/release
+
+# Of the interface the library's own build tells all; its tests are not needed.
+abi-library: build
+	@scripts/setup build test abi
+	$(call build,debug,-DFP_UTILS_BUILD_TESTS=OFF)
+
+abi: abi-library  ## make the present exported interface the baseline
+	scripts/check_abi build/debug/src/libfp_utils.so --update
+
+abi-check: abi-library
+	scripts/check_abi build/debug/src/libfp_utils.so
 
 format:  ## format all sources in place
 	@scripts/setup lint

@@ -39,14 +39,18 @@ using namespace android::fp_utils;
 
 namespace {
 
-// Knuth's MMIX generator: the same numbers everywhere.
+// Knuth's MMIX generator: the same numbers everywhere. Several in one list of arguments stand in
+// braces, which fix their order.
 class Numbers {
  public:
   uint32_t Bits() {
     state_ = state_ * 6364136223846793005U + 1442695040888963407U;
     return static_cast<uint32_t>(state_ >> 32);
   }
-  int32_t Integer() { return static_cast<int32_t>(Bits() >> (Bits() % 32)); }
+  int32_t Integer() {
+    const uint32_t bits = Bits();
+    return static_cast<int32_t>(bits >> (Bits() % 32));
+  }
   // From low up to high, in steps of 1 / 64 of the range's 65536th.
   float Between(float low, float high) {
     return low + (high - low) * (static_cast<float>(Bits() >> 10) / 4194304.0F);
@@ -117,7 +121,7 @@ void PrintRecords(Numbers& numbers) {
   for (int i = 0; i < 40; ++i) {
     PrintRecord(Attempt(numbers));
     PrintRecord(Enrollment(numbers));
-    PrintRecord(FingerSize(numbers.Integer(), numbers.Between(0, 400), numbers.Between(0, 300)));
+    PrintRecord(FingerSize{numbers.Integer(), numbers.Between(0, 400), numbers.Between(0, 300)});
   }
 }
 
@@ -158,11 +162,11 @@ void PrintCounts(const Rect& grid, const IShape& s1, const IShape& s2) {
 
 void PrintCoverage(Numbers& numbers) {
   for (int i = 0; i < 60; ++i) {
-    const Circle circle(Point(numbers.Between(80, 120), numbers.Between(80, 120)),
-                        numbers.Between(1, 100));
-    const Ellipse ellipse(Point(numbers.Between(60, 140), numbers.Between(60, 140)),
-                          numbers.Between(1, 220), numbers.Between(1, 160), numbers.Between(-4, 4));
-    const Rect grid(Point(0, 0), Point(numbers.Between(100, 220), numbers.Between(100, 220)));
+    const Circle circle{Point{numbers.Between(80, 120), numbers.Between(80, 120)},
+                        numbers.Between(1, 100)};
+    const Ellipse ellipse{Point{numbers.Between(60, 140), numbers.Between(60, 140)},
+                          numbers.Between(1, 220), numbers.Between(1, 160), numbers.Between(-4, 4)};
+    const Rect grid{Point{0, 0}, Point{numbers.Between(100, 220), numbers.Between(100, 220)}};
     PrintCounts(grid, circle, ellipse);
     PrintCounts(grid, grid, ellipse);
     printf("  %a %a\n", static_cast<double>(circle.CoverageCoveredBy(ellipse)),

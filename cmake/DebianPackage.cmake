@@ -1,0 +1,15 @@
+# `make package`: one Debian package of the library and what is needed to build with it. It needs the
+# platform libraries that the headers and the linker reach.
+set(CPACK_GENERATOR DEB)
+set(CPACK_PACKAGE_NAME fp-utils-dev)
+set(CPACK_PACKAGE_VERSION "${PROJECT_VERSION}")
+set(CPACK_PACKAGE_CONTACT "the fp_utils developers <fp_utils@localhost>")
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "${PROJECT_DESCRIPTION}")
+set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
+set(CPACK_RESOURCE_FILE_LICENSE "${PROJECT_SOURCE_DIR}/LICENSE")
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_SECTION libdevel)
+set(CPACK_DEBIAN_PACKAGE_DEPENDS "libc6, libstdc++6, android-liblog-dev, android-libbase-dev, android-libutils-dev, android-libcutils-dev, android-platform-frameworks-native-headers")
+set(CPACK_DEBIAN_PACKAGE_CONTROL_EXTRA "${PROJECT_SOURCE_DIR}/cmake/debian/triggers")
+set(CPACK_STRIP_FILES ON)
+include(CPack)
