@@ -15,6 +15,7 @@
 
 #include "control/touch_node.h"
 #include "support/device_test.h"
+#include "support/holdings.h"
 #include "support/recorder.h"
 
 namespace android::fp_utils {
@@ -485,17 +486,7 @@ TEST_F(LongHostileReports, AreDecodedOrDropped) { Deliver(10000000); }
 // Start and stop against a device that never stops sending.
 class StartStopStorm : public FpsTouchHandlerTest {
  protected:
-  static size_t Entries(const char* folder) {
-    size_t entries = 0;
-    DIR* stream = opendir(folder);
-    while (readdir(stream) != nullptr) {
-      ++entries;
-    }
-    closedir(stream);
-    return entries;
-  }
-
-  void Cycle(int cycles) {
+    void Cycle(int cycles) {
     using Clock = std::chrono::steady_clock;
     std::atomic<bool> flooding = true;
     std::atomic<bool> stopped = true;
@@ -507,8 +498,8 @@ class StartStopStorm : public FpsTouchHandlerTest {
     });
     handler_.Stop();
     fp_test::MuteLog(true);
-    const size_t descriptors = Entries("/proc/self/fd");
-    const size_t threads = Entries("/proc/self/task");
+    const long descriptors = fp_test::CountDescriptors();
+    const long threads = fp_test::CountThreads();
     std::thread flood([&] {
       const std::string buffer = fp_host::EncodeTouchRecords(std::vector<TouchRecord>(8));
       while (flooding) {
@@ -530,8 +521,8 @@ class StartStopStorm : public FpsTouchHandlerTest {
     }
     flooding = false;
     flood.join();
-    EXPECT_EQ(descriptors, Entries("/proc/self/fd"));
-    EXPECT_TRUE(Eventually([&] { return Entries("/proc/self/task") <= threads; }));
+    EXPECT_EQ(descriptors, fp_test::CountDescriptors());
+    EXPECT_TRUE(Eventually([&] { return fp_test::CountThreads() <= threads; }));
     EXPECT_EQ(0, late) << "callbacks after Stop()";
     std::sort(durations.begin(), durations.end());
     const auto microseconds = [&](double share) {

@@ -15,6 +15,7 @@
 #include "control/hidl_thermal_service.h"
 #include "control/thermal_service.h"
 #include "support/device_test.h"
+#include "support/holdings.h"
 #include "support/platform_calls.h"
 #include "support/recorder.h"
 
@@ -264,6 +265,7 @@ TEST_F(ThermalTest, EveryCallMeetsEveryFault) {
 
 TEST(ThermalLifetime, WorkerMayFindTheMonitorGone) {
   fp_test::MuteLog(true);
+  const long threads = fp_test::CountThreads();
   for (int i = 0; i < fp_test::Share(30); ++i) {
     ThermalService service;
     service.Declare();
@@ -278,6 +280,8 @@ TEST(ThermalLifetime, WorkerMayFindTheMonitorGone) {
     });
     { const Thermal thermal; }
     coming.join();
+    // No late worker may be counted among those of the next round.
+    EXPECT_TRUE(Eventually([&] { return fp_test::CountThreads() <= threads; }));
   }
 }
 

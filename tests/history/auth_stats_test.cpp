@@ -100,6 +100,25 @@ TEST_F(AuthStatsTest, AveragesAreIncrementalInSinglePrecision) {
   }
 }
 
+// A service may keep records of a class of its own; what their ToBackupString() says is saved, at
+// any length.
+TEST_F(AuthStatsTest, SavesWhatDerivedRecordsSay) {
+  class Derived : public AuthEventG7 {
+   public:
+    std::string ToBackupString() const override {
+      return AuthEventG7::ToBackupString() + "," + std::string(3000, 'x');
+    }
+  };
+  auto stats = Fresh();
+  auto derived = std::make_shared<Derived>();
+  derived->acquired_info = 1;
+  derived->auth_successful = true;
+  stats->AddAttempt(derived);
+  const std::string file = ReadFile(kFile);
+  const std::string text = derived->ToBackupString();
+  EXPECT_EQ(text, file.substr(file.size() - text.size()));
+}
+
 TEST_F(AuthStatsTest, CapacityEdges) {
   AuthStatsG7 none("0", 0, true);
   none.Init();

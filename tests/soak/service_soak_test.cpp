@@ -7,7 +7,6 @@
 
 #include <atomic>
 #include <cerrno>
-#include <filesystem>
 #include <fstream>
 #include <functional>
 #include <iostream>
@@ -19,6 +18,7 @@
 #include "phone.h"
 #include "service.h"
 #include "support/device_test.h"
+#include "support/holdings.h"
 
 namespace fp_service {
 namespace {
@@ -30,13 +30,10 @@ struct Holdings {
   long kilobytes;
 
   static Holdings Now() {
-    const auto entries = [](const char* folder) {
-      return std::distance(std::filesystem::directory_iterator(folder), {});
-    };
     long pages = 0;
     std::ifstream("/proc/self/statm").ignore(64, ' ') >> pages;
-    return {.descriptors = entries("/proc/self/fd"),
-            .threads = entries("/proc/self/task"),
+    return {.descriptors = fp_test::CountDescriptors(),
+            .threads = fp_test::CountThreads(),
             .kilobytes = pages * (sysconf(_SC_PAGESIZE) / 1024)};
   }
 };
