@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "fp_utils/fps_touch_handler.h"
 
-#include <dirent.h>
-
 #include <algorithm>
 #include <bit>
 #include <chrono>
@@ -486,7 +484,7 @@ TEST_F(LongHostileReports, AreDecodedOrDropped) { Deliver(10000000); }
 // Start and stop against a device that never stops sending.
 class StartStopStorm : public FpsTouchHandlerTest {
  protected:
-    void Cycle(int cycles) {
+  void Cycle(int cycles) {
     using Clock = std::chrono::steady_clock;
     std::atomic<bool> flooding = true;
     std::atomic<bool> stopped = true;

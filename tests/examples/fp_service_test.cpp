@@ -89,7 +89,8 @@ TEST_F(FpServiceTest, TroubleIsInTheDump) {
   const Result result = Run("--scenario " + std::string(SCENARIOS) + "/trouble.jsonl");
   ASSERT_EQ(0, result.exit_code) << result.output;
   EXPECT_EQ(1u, Count(result.output, "\nError:2026-03-05 07:00:00 sensor did not answer"));
-  EXPECT_EQ(1u, Count(result.output, "\n2026-03-05 09:00:00 acquisition_error:TOO_DARK")) << "the panel is dark";
+  EXPECT_EQ(1u, Count(result.output, "\n2026-03-05 09:00:00 acquisition_error:TOO_DARK"))
+      << "the panel is dark";
   EXPECT_EQ(1u, Count(result.output, "\n  #001 2026-03-05 09:00:00 failed to enable lhbm\n"));
   EXPECT_EQ(2u, Count(result.output, "\n2026-03-05 09:00:[12]0 auth_successful:1")) << "and back";
   EXPECT_EQ(1u, Count(result.output, "\nThrottling severity: 4\n"));
