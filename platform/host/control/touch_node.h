@@ -58,7 +58,7 @@ class TouchNode {
   // What requests with this number return from now on; 0 is success.
   void Answer(unsigned long number, int result);
 
-  // The requests since the last call, in order.
+  // The requests since the last call, in order; of more than a thousand the last thousand.
   std::vector<Request> TakeRequests();
 
   // Descriptors of this node that are open.

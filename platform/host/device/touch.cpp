@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <deque>
 #include <map>
 #include <mutex>
 #include <set>
@@ -19,6 +20,8 @@
 namespace fp_host {
 namespace {
 
+constexpr size_t kRequestsKept = 1000;
+
 constexpr size_t kArgumentBytes = 32;
 
 // The node's two ends: the device's, which its users have duplicates of, and the controller's.
@@ -28,7 +31,7 @@ struct Node {
   int controller_end = -1;
   std::set<int> descriptors;
   std::map<unsigned long, int> answers;
-  std::vector<TouchNode::Request> requests;
+  std::deque<TouchNode::Request> requests;
 };
 
 std::mutex mutex;
@@ -108,6 +111,9 @@ int TakeTouchRequest(unsigned long number, const void* argument) {
     const auto* bytes = static_cast<const uint8_t*>(argument);
     request.argument.assign(bytes, bytes + kArgumentBytes);
   }
+  if (node->requests.size() == kRequestsKept) {
+    node->requests.pop_front();
+  }
   node->requests.push_back(std::move(request));
   const auto answer = node->answers.find(number);
   return answer == node->answers.end() ? 0 : answer->second;
@@ -185,7 +191,8 @@ void TouchNode::Answer(unsigned long number, int result) {
 
 std::vector<TouchNode::Request> TouchNode::TakeRequests() {
   const std::lock_guard lock(mutex);
-  return std::exchange(node->requests, {});
+  const auto requests = std::exchange(node->requests, {});
+  return {requests.begin(), requests.end()};
 }
 
 int TouchNode::OpenDescriptors() const {
