@@ -60,9 +60,10 @@ aarch64: build
 	$(call build,aarch64)
 	scripts/check_golden "qemu-aarch64-static build/aarch64/tests/golden/print_golden"
 
+# Beside the tests, whose objects are there already.
 bench-build: build
-	@scripts/setup build bench
-	$(call build,bench)
+	@scripts/setup build test bench
+	$(call build,release,-DFP_UTILS_BUILD_BENCH=ON)
 
 bench: build  ## measure against the plain alternatives and print the ratios
 	@scripts/setup build bench
