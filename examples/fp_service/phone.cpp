@@ -12,7 +12,6 @@
 #include "control/device.h"
 #include "control/sensor_service.h"
 #include "control/services.h"
-#include "fp_utils/shapes.h"
 #include "touch_format.h"
 
 namespace fp_service {
@@ -108,14 +107,12 @@ void Phone::BlinkTouchDevice() {
 }
 
 SensorModel::Capture Phone::CaptureImage() {
-  using android::fp_utils::Circle;
   using android::fp_utils::Ellipse;
   using android::fp_utils::Point;
-  const Circle area(Point(SensorModel::kCenterX, SensorModel::kCenterY), SensorModel::kRadius);
   const Ellipse finger(Point(contact_.x, contact_.y), contact_.major, contact_.minor,
                        contact_.angle);
   return sensor_.Expose({.skin = skin_,
-                         .coverage_percent = area.CoverageCoveredBy(finger),
+                         .coverage_percent = SensorModel::Area().CoverageCoveredBy(finger),
                          .lux = lux_,
                          .lit = display_.IsLhbmOn()});
 }

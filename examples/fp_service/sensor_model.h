@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <random>
 
+#include "fp_utils/shapes.h"
 #include "scenario.h"
 
 namespace fp_service {
@@ -34,6 +35,9 @@ class SensorModel {
   static constexpr float kCenterY = 1900;
   static constexpr float kRadius = 100;
   static constexpr float kPixelsPerMm = 17;
+  static android::fp_utils::Circle Area() {
+    return {android::fp_utils::Point(kCenterX, kCenterY), kRadius};
+  }
 
   // What the sensor looks at.
   struct Scene {

@@ -29,7 +29,6 @@ using android::fp_utils::EnrollEventG7;
 using android::fp_utils::ErrorEvent;
 using android::fp_utils::FingerSize;
 using android::fp_utils::FpsInitInfo;
-using android::fp_utils::Point;
 using android::fp_utils::Thermal;
 
 constexpr uint32_t kAttemptsKept = 100;
@@ -121,7 +120,7 @@ std::optional<Service::Image> Service::TakeImage(Purpose purpose) {
   display_.SetLhbm(false, nullptr);
   input_.ImageCaptured();
 
-  const Circle sensor(Point(SensorModel::kCenterX, SensorModel::kCenterY), SensorModel::kRadius);
+  const Circle sensor = SensorModel::Area();
   const Ellipse& finger = touch->contact;
   sizes_.AddFinger(
       std::make_shared<FingerSize>(purpose == Purpose::kEnroll ? kOpEnroll : kOpAuthenticate,

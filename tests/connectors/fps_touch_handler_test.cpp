@@ -1,20 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "fp_utils/fps_touch_handler.h"
 
-#include <algorithm>
-#include <bit>
-#include <chrono>
-#include <cmath>
+#include <atomic>
 #include <cstring>
-#include <filesystem>
-#include <random>
+#include <functional>
+#include <thread>
 
 #include <android-base/properties.h>
 
-#include "control/touch_node.h"
-#include "support/device_test.h"
-#include "support/holdings.h"
-#include "support/recorder.h"
+#include "control/faults.h"
+#include "support/touch_test.h"
 
 namespace android::fp_utils {
 namespace {
@@ -22,15 +17,18 @@ namespace {
 using fp_host::TouchNode;
 using fp_host::TouchRecord;
 using fp_test::Debug;
+using fp_test::Decoded;
 using fp_test::Error;
 using fp_test::Eventually;
 using fp_test::Info;
+using fp_test::kSensingArea;
+using fp_test::LinesWith;
 using fp_test::LogLine;
+using fp_test::Same;
 using fp_test::Share;
 using fp_test::TakeLog;
 
 constexpr char kTag[] = "FpsTouchHandler";
-constexpr FpsTouchHandler::TouchConfig kArea = {.left = 1, .top = 2, .right = 30, .bottom = 40};
 
 std::vector<uint8_t> Block(int32_t left, int32_t top, int32_t right, int32_t bottom) {
   const int32_t fields[8] = {6, 1, left, top, right, bottom, 0, 0};
@@ -39,77 +37,14 @@ std::vector<uint8_t> Block(int32_t left, int32_t top, int32_t right, int32_t bot
   return bytes;
 }
 
-bool Same(const TouchEvent& a, const TouchEvent& b) {
-  const auto bits = [](const auto& floats) {
-    std::vector<uint32_t> result;
-    std::transform(floats.begin(), floats.end(), std::back_inserter(result),
-                   [](float f) { return std::bit_cast<uint32_t>(f); });
-    return result;
-  };
-  return a.type == b.type && a.info == b.info && a.id == b.id && a.flags == b.flags &&
-         a.stamp == b.stamp && bits(a.coords) == bits(b.coords) &&
-         bits(a.signed_coords) == bits(b.signed_coords) &&
-         std::bit_cast<uint32_t>(a.angle) == std::bit_cast<uint32_t>(b.angle);
-}
-
-// The decoding as the driver's interface describes it, apart from the library's.
-TouchEvent Decoded(const TouchRecord& record, uint32_t factor) {
-  const float divisor = record.id == -1 ? 1.0F : static_cast<float>(factor);
-  TouchEvent event;
-  event.type = record.type <= 2 ? static_cast<int32_t>(record.type) : -1;
-  event.info = record.info;
-  event.id = record.id;
-  for (size_t i = 0; i < 20; ++i) {
-    event.coords[i] = record.coords[i] / divisor;
-  }
-  event.flags = record.flags;
-  event.signed_coords = {static_cast<float>(record.signed_coords[0]) / divisor,
-                         static_cast<float>(record.signed_coords[1]) / divisor};
-  const double turns = static_cast<float>(record.angle) / 4096.0F;
-  event.angle = static_cast<float>(turns * M_PI / 2);
-  event.stamp = record.stamp;
-  return event;
-}
-
-class FpsTouchHandlerTest : public fp_test::DeviceTest {
- protected:
-  ~FpsTouchHandlerTest() override { handler_.Stop(); }
-
-  static void SetFactor(const std::string& factor) {
-    base::SetProperty("persist.vendor.udfps.fth.touch_resolution_scaling_factor", factor);
-  }
-
-  using Callback = std::function<void(const TouchEvent&)>;
-
-  // The handler as a service runs it, with its log and requests taken.
-  void Run() {
-    Run([this](const TouchEvent& event) { events_.Add(event); });
-  }
-  void Run(Callback callback) {
-    handler_.touch_event_callback_ = std::move(callback);
-    ASSERT_TRUE(handler_.Configure(kArea));
-    ASSERT_TRUE(handler_.Start());
-    ASSERT_TRUE(Eventually([] { return !TakeLog().empty(); }));
-    node_.TakeRequests();
-  }
-
-  static size_t LinesWith(const std::vector<LogLine>& log, const std::string& text) {
-    return static_cast<size_t>(std::count_if(log.begin(), log.end(), [&](const LogLine& line) {
-      return line.message.find(text) != std::string::npos;
-    }));
-  }
-
-  TouchNode node_;
-  fp_test::Recorder<TouchEvent> events_;
-  FpsTouchHandler handler_;
-};
+using FpsTouchHandlerTest = fp_test::TouchTest;
 
 TEST_F(FpsTouchHandlerTest, ConfiguresTheScaledArea) {
   SetFactor("3");
   FpsTouchHandler handler;
   EXPECT_FALSE(handler.IsConfigured());
   EXPECT_TRUE(handler.Configure({.left = 0x7FFFFFFF, .top = -5, .right = 10, .bottom = 0}));
-  EXPECT_TRUE(handler.Configure(kArea));
+  EXPECT_TRUE(handler.Configure(kSensingArea));
   EXPECT_EQ((std::vector<TouchNode::Request>{{115, Block(0x7FFFFFFD, -15, 30, 0)},
                                              {115, Block(3, 6, 90, 120)}}),
             node_.TakeRequests());
@@ -135,58 +70,45 @@ TEST_F(FpsTouchHandlerTest, FailedConfigureCanBeRepeated) {
     fp_host::SetFault({.function = function, .first_call = nth, .error = error});
   };
   const LogLine opening = Debug(kTag, "OpenTouchDevice: opening device: /dev/fth_fd");
-  const LogLine no_pipe = Error(kTag, "Init: failed to create stop pipe");
-  const LogLine no_worker = Error(kTag, "Configure: failed to init touch_polling_worker_thread_");
-  const LogLine worker_gone = Debug(kTag, "~TouchPollingWorkerThread");
+  const auto expect_failure = [this](const std::vector<LogLine>& log) {
+    EXPECT_FALSE(handler_.Configure(kSensingArea));
+    EXPECT_EQ(log, TakeLog());
+  };
+  const auto expect_pipe_failure = [&](const std::string& reason, std::vector<LogLine> log = {}) {
+    log.insert(log.end(), {Error(kTag, "CreateCancelPipe: could not " + reason),
+                           Error(kTag, "Init: failed to create stop pipe"),
+                           Error(kTag, "Configure: failed to init touch_polling_worker_thread_"),
+                           Debug(kTag, "~TouchPollingWorkerThread")});
+    expect_failure(log);
+  };
   fail("open", 1, EACCES);
-  EXPECT_FALSE(handler_.Configure(kArea));
-  EXPECT_EQ((std::vector{opening,
-                         Error(kTag,
-                               "OpenTouchDevice: could not open /dev/fth_fd, Permission "
-                               "denied\n"),
-                         Error(kTag, "Configure: failed to open touch device")}),
-            TakeLog());
+  expect_failure({opening,
+                  Error(kTag, "OpenTouchDevice: could not open /dev/fth_fd, Permission denied\n"),
+                  Error(kTag, "Configure: failed to open touch device")});
   fail("pipe", 1, EMFILE);
-  EXPECT_FALSE(handler_.Configure(kArea));
-  EXPECT_EQ((std::vector{opening,
-                         Error(kTag,
-                               "CreateCancelPipe: could not create stop pipe: Too many open "
-                               "files"),
-                         no_pipe, no_worker, worker_gone}),
-            TakeLog());
+  expect_pipe_failure("create stop pipe: Too many open files", {opening});
   fail("fcntl", 1, EPERM);
-  EXPECT_FALSE(handler_.Configure(kArea));
-  EXPECT_EQ((std::vector{Error(kTag,
-                               "CreateCancelPipe: could not make stop read pipe "
-                               "non-blocking: Operation not permitted"),
-                         no_pipe, no_worker, worker_gone}),
-            TakeLog());
+  expect_pipe_failure("make stop read pipe non-blocking: Operation not permitted");
   fail("fcntl", 2, EPERM);
-  EXPECT_FALSE(handler_.Configure(kArea));
-  EXPECT_EQ((std::vector{Error(kTag,
-                               "CreateCancelPipe: could not make stop write pipe "
-                               "non-blocking: Operation not permitted"),
-                         no_pipe, no_worker, worker_gone}),
-            TakeLog());
+  expect_pipe_failure("make stop write pipe non-blocking: Operation not permitted");
   fp_host::ClearFaults();
   const LogLine area = Debug(kTag, "Configure: left:1, right:30, top:2, bottom:40");
   node_.Answer(115, -7);
-  EXPECT_FALSE(handler_.Configure(kArea));
-  EXPECT_EQ((std::vector{area, Error(kTag, "Configure: fth ioctl 115 error -7")}), TakeLog());
+  expect_failure({area, Error(kTag, "Configure: fth ioctl 115 error -7")});
   EXPECT_FALSE(handler_.Start());
   EXPECT_EQ((std::vector{Debug(kTag, "Start"),
                          Error(kTag, "Start: configuration has not been completed")}),
             TakeLog());
   node_.Answer(115, 0);
-  EXPECT_TRUE(handler_.Configure(kArea));
+  EXPECT_TRUE(handler_.Configure(kSensingArea));
   node_.Answer(115, 1);
-  EXPECT_FALSE(handler_.Configure(kArea));
+  EXPECT_FALSE(handler_.Configure(kSensingArea));
   EXPECT_TRUE(handler_.IsConfigured()) << "it stays configured";
 }
 
 TEST_F(FpsTouchHandlerTest, DevicePathIsAProperty) {
   base::SetProperty("persist.vendor.udfps.fth.touch_dev_path", "/dev/fth_fd9");
-  EXPECT_FALSE(handler_.Configure(kArea));
+  EXPECT_FALSE(handler_.Configure(kSensingArea));
   EXPECT_EQ(
       Error(kTag, "OpenTouchDevice: could not open /dev/fth_fd9, No such file or directory\n"),
       TakeLog()[1]);
@@ -197,7 +119,7 @@ TEST_F(FpsTouchHandlerTest, UnsupportedDeviceIsNeverTouched) {
   EXPECT_FALSE(IsFpsTouchHandlerSupported());
   base::SetProperty("persist.vendor.udfps.fps_touch_handler_supported", "1");
   EXPECT_FALSE(IsFpsTouchHandlerSupported()) << "read once";
-  EXPECT_FALSE(handler_.Configure(kArea));
+  EXPECT_FALSE(handler_.Configure(kSensingArea));
   EXPECT_FALSE(handler_.Start());
   EXPECT_EQ(0, node_.OpenDescriptors());
   EXPECT_EQ(Error(kTag, "Configure: FpsTouchHandler is not supported on this device"),
@@ -206,7 +128,7 @@ TEST_F(FpsTouchHandlerTest, UnsupportedDeviceIsNeverTouched) {
 
 TEST_F(FpsTouchHandlerTest, SwitchesLptw) {
   EXPECT_FALSE(handler_.EnableLptwEventReport(true));
-  handler_.Configure(kArea);
+  handler_.Configure(kSensingArea);
   node_.TakeRequests();
   TakeLog();
   EXPECT_TRUE(handler_.EnableLptwEventReport(true));
@@ -225,11 +147,10 @@ TEST_F(FpsTouchHandlerTest, SwitchesLptw) {
 TEST_F(FpsTouchHandlerTest, StartAndStopLogTheirSteps) {
   EXPECT_TRUE(handler_.Stop());
   EXPECT_EQ((std::vector{Debug(kTag, "Stop")}), TakeLog());
-  handler_.Configure(kArea);
+  handler_.Configure(kSensingArea);
   TakeLog();
   EXPECT_TRUE(handler_.Start());
   EXPECT_TRUE(handler_.Start()) << "does nothing";
-  fp_test::Recorder<TouchEvent> events;
   std::vector<LogLine> log;
   ASSERT_TRUE(Eventually([&log] {
     for (LogLine& line : TakeLog()) {
@@ -253,7 +174,7 @@ TEST_F(FpsTouchHandlerTest, DeliversDecodedReports) {
   FpsTouchHandler handler;
   handler.touch_event_callback_ = [this](const TouchEvent& event) { events_.Add(event); };
   EXPECT_EQ(-1, handler.GetTouchEvent().type);
-  ASSERT_TRUE(handler.Configure(kArea));
+  ASSERT_TRUE(handler.Configure(kSensingArea));
   ASSERT_TRUE(handler.Start());
   TouchRecord record = {.stamp = 0x1122334455667788,
                         .signed_coords = {-10, 2147483647},
@@ -307,7 +228,7 @@ TEST_F(FpsTouchHandlerTest, LooksAtNoMoreRecordsThanThereCanBe) {
 }
 
 TEST_F(FpsTouchHandlerTest, EmptyCallbackAborts) {
-  ASSERT_TRUE(handler_.Configure(kArea));
+  ASSERT_TRUE(handler_.Configure(kSensingArea));
   ASSERT_TRUE(node_.Push({{}}));
   GTEST_FLAG_SET(death_test_style, "threadsafe");
   EXPECT_DEATH(handler_.ReadTouchEvent(), "");
@@ -327,7 +248,6 @@ TEST_F(FpsTouchHandlerTest, CancelComesBeforeReports) {
   inside.Take(1);
   node_.Push({{.id = 2}});
   std::thread stopper([this] { handler_.Stop(); });
-  std::vector<LogLine> log;
   ASSERT_TRUE(Eventually([] { return LinesWith(TakeLog(), "write cancel event") == 1; }));
   go_on.Add(1);
   stopper.join();
@@ -407,7 +327,7 @@ TEST_F(FpsTouchHandlerTest, CallbacksMayUseTheHandlerWhileItIsStopped) {
     }
     for (int i = 0; i < 50; ++i) {
       handler_.EnableLptwEventReport(i % 2 == 0);
-      handler_.Configure(kArea);
+      handler_.Configure(kSensingArea);
       handler_.Start();
       handler_.Stop();
     }
@@ -426,116 +346,6 @@ TEST_F(FpsTouchHandlerTest, CallbacksMayUseTheHandlerWhileItIsStopped) {
     another.join();
   }
 }
-
-// Buffers of any content: every delivered event is what the driver's interface says.
-class HostileReports : public FpsTouchHandlerTest {
- protected:
-  void Deliver(int buffers) {
-    fp_test::MuteLog(true);
-    SetFactor("7");
-    FpsTouchHandler handler;
-    std::vector<TouchEvent> delivered;
-    handler.touch_event_callback_ = [&](const TouchEvent& event) { delivered.push_back(event); };
-    ASSERT_TRUE(handler.Configure(kArea));
-    std::mt19937_64 random(9);
-    for (int i = 0; i < buffers; ++i) {
-      std::vector<TouchRecord> records(random() % (random() % 8 == 0 ? 129 : 6));
-      for (TouchRecord& record : records) {
-        Randomise(record, random);
-      }
-      std::string buffer = fp_host::EncodeTouchRecords(records);
-      const uint32_t claimed = random() % 4 == 0 ? static_cast<uint32_t>(random())
-                                                 : static_cast<uint32_t>(records.size());
-      memcpy(buffer.data(), &claimed, sizeof claimed);
-      delivered.clear();
-      ASSERT_TRUE(node_.PushBytes(buffer));
-      ASSERT_TRUE(handler.ReadTouchEvent());
-      size_t expected = 0;
-      for (size_t k = 0; k < std::min<size_t>(records.size(), claimed); ++k) {
-        if ((records[k].valid & 1) != 0) {
-          ASSERT_LT(expected, delivered.size());
-          ASSERT_TRUE(Same(Decoded(records[k], 7), delivered[expected])) << "buffer " << i;
-          ++expected;
-        }
-      }
-      ASSERT_EQ(expected, delivered.size()) << "buffer " << i;
-    }
-  }
-
- private:
-  static void Randomise(TouchRecord& record, std::mt19937_64& random) {
-    auto* bytes = reinterpret_cast<uint8_t*>(&record);
-    for (size_t at = 0; at < sizeof record; at += 8) {
-      const uint64_t value = random();
-      memcpy(bytes + at, &value, std::min<size_t>(8, sizeof record - at));
-    }
-    if (random() % 2 == 0) {
-      record.id = static_cast<int32_t>(random() % 4) - 2;
-      record.type = static_cast<uint32_t>(random() % 5);
-    }
-  }
-};
-
-TEST_F(HostileReports, AreDecodedOrDropped) { Deliver(Share(100000)); }
-
-using LongHostileReports = HostileReports;
-TEST_F(LongHostileReports, AreDecodedOrDropped) { Deliver(10000000); }
-
-// Start and stop against a device that never stops sending.
-class StartStopStorm : public FpsTouchHandlerTest {
- protected:
-  void Cycle(int cycles) {
-    using Clock = std::chrono::steady_clock;
-    std::atomic<bool> flooding = true;
-    std::atomic<bool> stopped = true;
-    std::atomic<int> late = 0;
-    std::atomic<int> delivered = 0;
-    Run([&](const TouchEvent& /*event*/) {
-      ++delivered;
-      late += stopped ? 1 : 0;
-    });
-    handler_.Stop();
-    fp_test::MuteLog(true);
-    const long descriptors = fp_test::CountDescriptors();
-    const long threads = fp_test::CountThreads();
-    std::thread flood([&] {
-      const std::string buffer = fp_host::EncodeTouchRecords(std::vector<TouchRecord>(8));
-      while (flooding) {
-        node_.TryPushBytes(buffer);
-      }
-    });
-    std::vector<Clock::duration> durations;
-    for (int i = 0; i < cycles; ++i) {
-      stopped = false;
-      ASSERT_TRUE(handler_.Start());
-      if (i % 4 == 0) {  // in the middle of a delivery; the others mostly before the first
-        const int before = delivered;
-        ASSERT_TRUE(Eventually([&] { return delivered != before; }));
-      }
-      const auto begin = Clock::now();
-      ASSERT_TRUE(handler_.Stop());
-      durations.push_back(Clock::now() - begin);
-      stopped = true;
-    }
-    flooding = false;
-    flood.join();
-    EXPECT_EQ(descriptors, fp_test::CountDescriptors());
-    EXPECT_TRUE(Eventually([&] { return fp_test::CountThreads() <= threads; }));
-    EXPECT_EQ(0, late) << "callbacks after Stop()";
-    std::sort(durations.begin(), durations.end());
-    const auto microseconds = [&](double share) {
-      const auto index = static_cast<size_t>(share * static_cast<double>(durations.size() - 1));
-      return std::chrono::duration<double, std::micro>(durations[index]).count();
-    };
-    printf("%d cycles: stop takes %.0f us (median), %.0f us (99 %%), %.0f us (longest)\n", cycles,
-           microseconds(0.5), microseconds(0.99), microseconds(1));
-  }
-};
-
-TEST_F(StartStopStorm, NeitherHangsNorLeaks) { Cycle(Share(10000)); }
-
-using LongStartStopStorm = StartStopStorm;
-TEST_F(LongStartStopStorm, NeitherHangsNorLeaks) { Cycle(1000000); }
 
 }  // namespace
 }  // namespace android::fp_utils

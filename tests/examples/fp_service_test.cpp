@@ -97,11 +97,13 @@ TEST_F(FpServiceTest, TroubleIsInTheDump) {
 }
 
 TEST_F(FpServiceTest, IsDeterministicForASeed) {
-  const std::string first = Run(day_ + " --seed 5").output;
-  fs::remove_all(folder_ / "device");
-  EXPECT_EQ(first, Run(day_ + " --seed 5").output);
-  fs::remove_all(folder_ / "device");
-  EXPECT_NE(first, Run(day_ + " --seed 6").output);
+  const auto day = [this](int seed) {
+    fs::remove_all(folder_ / "device");
+    return Run(day_ + " --seed " + std::to_string(seed)).output;
+  };
+  const std::string first = day(5);
+  EXPECT_EQ(first, day(5));
+  EXPECT_NE(first, day(6));
 }
 
 TEST_F(FpServiceTest, OptionsAndExitCodes) {

@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "control/touch_node.h"
+#include "fp_utils/fps_touch_handler.h"
+#include "support/device_test.h"
+#include "support/log_recorder.h"
+#include "support/recorder.h"
+
+namespace fp_test {
+
+constexpr android::fp_utils::FpsTouchHandler::TouchConfig kSensingArea = {
+    .left = 1, .top = 2, .right = 30, .bottom = 40};
+
+// Bit for bit.
+bool Same(const android::fp_utils::TouchEvent& a, const android::fp_utils::TouchEvent& b);
+
+// The decoding as the driver's interface describes it, apart from the library's.
+android::fp_utils::TouchEvent Decoded(const fp_host::TouchRecord& record, uint32_t factor);
+
+size_t LinesWith(const std::vector<LogLine>& log, const std::string& text);
+
+// A handler of its own on a simulated touch device.
+class TouchTest : public DeviceTest {
+ protected:
+  using TouchEvent = android::fp_utils::TouchEvent;
+
+  ~TouchTest() override { handler_.Stop(); }
+
+  static void SetFactor(const std::string& factor);
+
+  // The handler as a service runs it, with its log and requests taken.
+  void Run() {
+    Run([this](const TouchEvent& event) { events_.Add(event); });
+  }
+  void Run(std::function<void(const TouchEvent&)> callback);
+
+  fp_host::TouchNode node_;
+  Recorder<TouchEvent> events_;
+  android::fp_utils::FpsTouchHandler handler_;
+};
+
+}  // namespace fp_test
