@@ -11,6 +11,7 @@ CTEST = ctest --output-on-failure --no-tests=error -j$(JOBS)
 DEMO = build/release/examples/fp_service/fp_service --device-root build/demo/device
 
 define build
+	@mkdir -p build
 	@cmake --preset $(1) $(2) >build/$(1).configure.log 2>&1 || { cat build/$(1).configure.log; exit 1; }
 	@cmake --build --preset $(1) -j$(JOBS) | grep -vE '^\[|ninja: (no work|Entering)' || [ $${PIPESTATUS[0]} -eq 0 ]
 endef
@@ -21,89 +22,82 @@ SHELL := /bin/bash
 help:  ## this list
 	@awk -F ':.*## ' '/^[a-z]+:.*## /{printf "  make %-10s %s\n", $$1, $$2}' $(MAKEFILE_LIST)
 
-build:
-	@mkdir -p build
-
-demo: build  ## run a fingerprint service through a day on a simulated device
+build:  ## build library, demo and tests
 	@scripts/setup build test
 	$(call build,release)
+
+demo: build  ## run a fingerprint service through a day on a simulated device
 	$(DEMO) --scenario examples/fp_service/scenarios/day.jsonl
 
 test: build  ## build and run all tests
-	@scripts/setup build test
-	$(call build,release)
 	$(CTEST) --test-dir build/release -LE long
 
 check: build  ## run the long checks too: kills during saves, long random runs
-	@scripts/setup build test
-	$(call build,release)
 	$(CTEST) --test-dir build/release -L long -V
 
 # The lanes of .ci/run. Sanitizers take a share of the long random runs.
-test-clang: build
+test-clang:
 	@scripts/setup build test clang
 	$(call build,clang)
 	FP_TEST_SHARE=0.1 $(CTEST) --test-dir build/clang -LE long
 
-test-asan test-tsan: test-%: build
+test-asan test-tsan: test-%:
 	@scripts/setup build test clang
 	$(call build,$*)
 	FP_TEST_SHARE=0.02 $(CTEST) --test-dir build/$* -LE long
 
-device-like: build
+device-like:
 	@scripts/setup build clang
 	$(call build,device-like)
 
 # Compiles the library for the device's processor and runs the golden texts there.
-aarch64: build
+aarch64:
 	@scripts/setup build cross
 	$(call build,aarch64)
 	scripts/check_golden "qemu-aarch64-static build/aarch64/tests/golden/print_golden"
 
 # Beside the tests, whose objects are there already.
-bench-build: build
+bench-build:
 	@scripts/setup build test bench
 	$(call build,release,-DFP_UTILS_BUILD_BENCH=ON)
 
-bench: build  ## measure against the plain alternatives and print the ratios
+bench:  ## measure against the plain alternatives and print the ratios
 	@scripts/setup build bench
 	$(call build,bench)
 	build/bench/bench/fp_bench --benchmark_color=false
 
-fuzz: build  ## run every fuzz target for FUZZ_SECONDS (60)
+fuzz:  ## run every fuzz target for FUZZ_SECONDS (60)
 	@scripts/setup build test clang
 	$(call build,fuzz)
 	scripts/fuzz build/fuzz $(FUZZ_SECONDS)
 
-coverage: build  ## lines and branches of include/ and src/ that the tests reach
+coverage:  ## lines and branches of include/ and src/ that the tests reach
 	@scripts/setup build test coverage
 	$(call build,coverage)
 	FP_TEST_SHARE=0.1 $(CTEST) --test-dir build/coverage -LE long | tail -n 3
 	scripts/coverage build/coverage
 
 lint: build  ## format, include direction, source lists, exported symbols, clang-tidy
-	@scripts/setup build test lint clang
-	$(call build,release)
+	@scripts/setup lint clang
 	scripts/check_format
 	scripts/check_imports
 	scripts/check_sources
 	scripts/check_symbols build/release/src/libfp_utils.so
 	scripts/check_tidy build/release
 
-docs: build  ## the API reference, below build/docs/html
+docs:  ## the API reference, below build/docs/html
 	@scripts/setup docs
+	@mkdir -p build
 	doxygen docs/Doxyfile
 
 package: build  ## a Debian package of library, headers and package files
-	@scripts/setup build test
-	$(call build,release)
 	cd build/release && cpack -G DEB
 
 package-check: package
 	scripts/check_package build/release
 
 # Of the interface the library's own build tells all; its tests are not needed.
-abi-library: build
+abi-library:
 	@scripts/setup build test abi
 	$(call build,debug,-DFP_UTILS_BUILD_TESTS=OFF)
 
