@@ -69,6 +69,9 @@ class FP_UTILS_EXPORT AuthEventG7 : public AuthEvent {
 
   // The floats are written with two decimals and come back rounded to them.
   std::string ToBackupString() const override;
+
+  // Removes the part of AuthEvent from `text`, also where its own part then fails, and leaves its
+  // own.
   bool LoadFromBackupString(std::string& text) override;
   std::string GetClassName() override;
 

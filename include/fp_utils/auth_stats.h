@@ -18,8 +18,8 @@ namespace android::fp_utils {
 //
 // Use: construct, Init() once before sharing the object, then AddAttempt() per attempt.
 //
-// Threading:  AddAttempt() locks. Init, Reset, PushAttempt, PopAttempt, ToDebugString, Dump and
-//             the accessors take no lock: call them while no AddAttempt() runs.
+// Threading:  AddAttempt() locks. All other operations take no lock: call them while no
+//             AddAttempt() runs.
 // Ownership:  records are shared with the caller.
 // Blocking:   Init() reads the file, an AddAttempt() that saves rewrites it.
 // Errors:     logged; the history in memory stays as it is and in use.
@@ -37,6 +37,7 @@ class FP_UTILS_EXPORT AuthStats {
   AuthStats& operator=(const AuthStats&) = delete;
 
   // Creates the directory, loads the file through AddAttempt() and from then on lets adds save.
+  // Runs again only after Reset().
   virtual void Init();
 
   // Forgets all records and the path of the file: nothing is saved until Init() runs again.
@@ -44,7 +45,8 @@ class FP_UTILS_EXPORT AuthStats {
 
   // Records one attempt, dropping the oldest if the history is full. The file is rewritten after
   // a success, and after every reject from the fifth in a row on; the row is counted over all
-  // histories of the process.
+  // histories of the process that have a file. From then on the record's fields must not change:
+  // dropping it takes them out of the statistics again.
   virtual void AddAttempt(std::shared_ptr<AuthEvent> event);
 
   // The statistics in one line.
@@ -58,6 +60,7 @@ class FP_UTILS_EXPORT AuthStats {
   // A new record of the kind that this history keeps.
   virtual std::shared_ptr<AuthEvent> CreateAttempt();
 
+  // What Init() and AddAttempt() run. Loading an initialized history would save while it reads.
   void LoadAttemptsFromBackupFile();
   void SaveAttemptsToBackupFile() const;
 

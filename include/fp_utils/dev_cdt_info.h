@@ -22,8 +22,8 @@ class FP_UTILS_EXPORT DevCdtInfo {
   DevCdtInfo(const DevCdtInfo&) = delete;
   DevCdtInfo& operator=(const DevCdtInfo&) = delete;
 
-  // The value of one item: the first four bytes of its file, big-endian; bytes that are not there
-  // count as 0. Each call keeps a descriptor open for the life of the process.
+  // The value of one item, not null: the first four bytes of its file, big-endian; bytes that are
+  // not there count as 0. Each call keeps a descriptor open for the life of the process.
   uint32_t GetDevCdtInfoItem(char const* item);
 
   // Read in this order.

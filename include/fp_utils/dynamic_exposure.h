@@ -62,7 +62,6 @@ class FP_UTILS_EXPORT DynamicExposure {
   float GetCaliExpoBase() const { return cali_expo_base; }
 
  private:
-  float ExposureAt(float base) const { return cali_expo * base / cali_expo_base; }
   bool IsBeyondBound(StepAdjustment direction, float expo) const;
 
   // Constant after construction.
@@ -78,7 +77,7 @@ class FP_UTILS_EXPORT DynamicExposure {
 
   float cali_expo = 0;       // 0: not yet known
   float cali_expo_base = 0;  // 0: not yet known
-  int32_t step = 0;          // sum of the steps since calibration
+  int32_t step = 0;          // sum of all steps, kept across calibrations
 
   ExpoChangedCallback expo_changed_callback = nullptr;
   void* expo_changed_context = nullptr;  // Not owned.

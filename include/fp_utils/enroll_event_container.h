@@ -17,7 +17,8 @@ namespace android::fp_utils {
 //
 // Use: construct, Init() once before sharing the object, then AddEvent() per operation.
 //
-// Threading:  AddEvent() and Dump() lock. Init() runs before the object is shared.
+// Threading:  AddEvent() and Dump() lock. Init() runs before the object is shared; loading and
+//             saving alone run while no AddEvent() does.
 // Ownership:  events are shared with the caller.
 // Blocking:   Init() reads the file, AddEvent() rewrites it.
 // Errors:     logged; the events in memory stay as they are and in use.
@@ -40,6 +41,7 @@ class FP_UTILS_EXPORT EnrollEventContainer {
   // A new record of the type given to Init(), or null if that is unknown.
   std::shared_ptr<EnrollEvent> CreateEvent();
 
+  // What Init() and AddEvent() run. Loading an initialized container would save while it reads.
   void LoadEventsFromBackupFile();
   void SaveEventsToBackupFile() const;
 

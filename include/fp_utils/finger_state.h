@@ -15,7 +15,8 @@ namespace android::fp_utils {
 // report for as long as it stays.
 //
 // Threading:  every operation locks. Set() calls the process's FpsTouchHandler with its lock held.
-// Blocking:   Set() with LPTW: an ioctl.
+// Blocking:   Set() at both ends of a touch with LPTW: an ioctl, behind what the handler's lock is
+//             held for.
 // Errors:     failures of the touch handler are the handler's to log; they change nothing here.
 // Units:      milliseconds of the uptime clock, which stands still in deep sleep; panel units.
 class FP_UTILS_EXPORT FingerState {

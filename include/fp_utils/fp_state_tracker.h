@@ -25,7 +25,7 @@ enum fp_state_t : uint32_t {};
 // Units:      timeouts in milliseconds of the clock that counts deep sleep.
 class FP_UTILS_EXPORT FpStateTracker {
  public:
-  // The instance of the process, made on first use and destroyed at exit.
+  // The instance of the process, made on first use and never destroyed: a thread may wait at exit.
   static FpStateTracker& GetInstance();
 
   FpStateTracker();
@@ -37,8 +37,9 @@ class FP_UTILS_EXPORT FpStateTracker {
   // second moment.
   void UpdateState(fp_state_t state);
 
-  // Waits until the state is exactly `state`, `timeout` milliseconds at most. 0, or -ETIMEDOUT. A
-  // state that is left again before the waiter runs is missed.
+  // Waits until the state is exactly `state`, `timeout` milliseconds at most; a deep sleep that
+  // begins during the wait may come on top. 0, or -ETIMEDOUT. A state that is left again before the
+  // waiter runs is missed.
   int WaitForState(fp_state_t state, unsigned int timeout);
 
   // Writes the last moment of finger down, in local time, as "YYYY-MM-DD-hh-mm-ss-mmm"; the epoch

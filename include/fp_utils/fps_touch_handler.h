@@ -40,17 +40,17 @@ struct TouchEvent {
 // moves the rectangle.
 //
 // Threading:  Configure, Start, Stop and EnableLptwEventReport lock and may come from any thread,
-// the
-//             callback included. The callback runs on the worker thread without a lock.
+//             the callback included. The callback runs on the worker thread without a lock.
 // Ownership:  the device stays open and the worker object is reused for the life of the handler.
 //             Stop() before destroying a handler of one's own: the destructor does not.
-// Blocking:   ioctl; Stop() waits for a running callback, so its caller must hold no lock that the
-//             callback takes. It returns only after the last callback, unless called from inside
-//             one: then the worker ends when that callback returns, the rest of its buffer is
-//             dropped, and only another thread can Start() it again.
+// Blocking:   ioctl; Stop(), and Configure() and Start() beside it, wait for a running callback:
+//             their callers must hold no lock that the callback takes. Stop() returns only after
+//             the last callback, unless called from inside one: then the worker ends when that
+//             callback returns, the rest of its buffer is dropped, and only another thread can
+//             Start() it again.
 // Errors:     logged and returned as false. A device that is gone or fails is logged once and
-// looked
-//             at again after 10 ms, then ever less often up to once a second, until it works.
+//             looked at again after 10 ms, then ever less often up to once a second, until it
+//             works.
 // Units:      display coordinates in pixels; the device counts resolution_scaling_factor as many.
 class FP_UTILS_EXPORT FpsTouchHandler {
  public:
@@ -133,7 +133,8 @@ class FP_UTILS_EXPORT FpsTouchHandler {
   mutable std::mutex touch_event_mutex_;
 
  public:
-  // The last report. Read it inside the callback; elsewhere, GetTouchEvent().
+  // The last report, or the cleared form. The callback gets its own copy, others call
+  // GetTouchEvent(): reading this member is safe only while no report comes and nothing clears it.
   TouchEvent touch_event_;
 };
 

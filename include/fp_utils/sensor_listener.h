@@ -24,11 +24,12 @@ namespace android::fp_utils {
 // server has died, before any other operation: sensors and queue are gone with it.
 //
 // Threading:  StartSampling, StopSampling and OnSystemServerDeath lock; any thread may call them,
-//             the callbacks too. Callbacks run on the worker thread without a lock and are read
-//             without one: install them before the first StartSampling().
+//             the callbacks too. Callbacks run on the worker thread (or on the one that calls
+//             PollSensorEvent() or ProcessSensorEvent() itself) without a lock and are read without
+//             one: install them before the first StartSampling().
 // Ownership:  owns worker and queue. The destructor ends the worker and gives the sensors back. It
-//             may run in a callback: the worker then ends with that callback and does not touch the
-//             listener any more. No other thread may be in an operation.
+//             may run in a callback on the worker, which then ends with that callback and does not
+//             touch the listener any more. No other thread may be in an operation.
 // Blocking:   connecting waits for the sensor service. OnSystemServerDeath() and the destructor
 //             wait for a callback that runs. A callback does not wait for them: what it calls
 //             meanwhile gives up, as described below.
@@ -62,8 +63,9 @@ class FP_UTILS_EXPORT SensorListener {
 
   bool IsAnySamplerStarted() const;
 
-  // Forgets the connection without a call on anything that belonged to it. Ends the worker; in a
-  // callback, which cannot wait for its own thread, the worker stays for the next connection.
+  // Forgets the connection without a call on anything that belonged to it. Ends the worker, and
+  // drops events that it has fetched and not yet delivered; in a callback, which cannot wait for
+  // its own thread, the worker stays for the next connection.
   void OnSystemServerDeath();
 
   // The steps of the above. The first is for StartSampling(), which holds the lock; the second

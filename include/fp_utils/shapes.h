@@ -14,7 +14,8 @@ namespace android::fp_utils {
 // Threading:  no shared state; const operations may run on several threads at once.
 // Blocking:   none.
 // Errors:     none. Fields are not validated: with a NaN, swapped corners or a negative radius a
-//             shape contains nothing; where there is nothing to cover, coverage is NaN.
+//             shape contains nothing. A coverage that is not finite means that none is known: there
+//             was nothing to cover, or the samples were too many to count.
 // Units:      panel units, x to the right, y downwards; radians; coverage in percent.
 class FP_UTILS_EXPORT Point {
  public:

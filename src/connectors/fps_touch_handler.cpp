@@ -5,9 +5,9 @@
 #include <sys/ioctl.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <chrono>
+#include <cstdlib>
 #include <cstring>
 #include <string>
 #include <thread>
@@ -106,16 +106,19 @@ bool FpsTouchHandler::Start() NO_THREAD_SAFETY_ANALYSIS {  // of a lock that may
   FP_LOG_DEBUG(kTag, "%s", "Start");
   if (!configured_) {
     FP_LOG_ERROR(kTag, "%s: configuration has not been completed", "Start");
-  } else if (!lock.owns_lock() || (ending_itself_ && IsOnWorker())) {
+    return false;
+  }
+  if (!lock.owns_lock() || (ending_itself_ && IsOnWorker())) {
     FP_LOG_ERROR(kTag, "%s: the worker is ending and cannot start itself", "Start");
     return false;
-  } else if (!started_) {
+  }
+  if (!started_) {
     WaitForWorkerEndingItself();
     dropping_rest_ = false;
     touch_polling_worker_thread_->Start();
     started_ = true;
   }
-  return configured_;
+  return true;
 }
 
 bool FpsTouchHandler::Stop() NO_THREAD_SAFETY_ANALYSIS {  // of a lock that may not be taken

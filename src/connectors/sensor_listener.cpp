@@ -163,7 +163,10 @@ bool SensorListener::ConnectSensorManagerIfNeeded() {
   if (sensor_polling_worker_thread_ == nullptr) {
     sensor_polling_worker_thread_ =
         sp<SensorPollingWorkerThread>(new SensorPollingWorkerThread(this));
-    sensor_polling_worker_thread_->Start();
+  }
+  if (!sensor_polling_worker_thread_->Start()) {
+    FP_LOG_ERROR(kTag, "Failed to start the polling worker.");
+    return false;
   }
   FP_LOG_DEBUG(kTag, "Successfully connected to Sensor Manager.");
   sensor_manager_ = manager;

@@ -17,10 +17,7 @@ thread_local const SensorListener::SensorPollingWorkerThread* current_worker = n
 }  // namespace
 
 bool SensorListener::SensorPollingWorkerThread::Start() {
-  if (!isRunning()) {
-    run("SensorPollingWorkerThread", 0, 0);
-  }
-  return true;
+  return isRunning() || run("SensorPollingWorkerThread", 0, 0) == OK;
 }
 
 bool SensorListener::SensorPollingWorkerThread::Stop() {

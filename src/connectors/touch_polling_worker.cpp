@@ -113,19 +113,24 @@ void FpsTouchHandler::TouchPollingWorkerThread::pollFds() {
                    {.fd = cancel_pipe_fds_[0], .events = POLLIN, .revents = 0}};
   const int result = poll(fds, 2, -1);
   if (result < 0) {
-    FP_LOG_ERROR(kTag, "%s: poll failed (errno=%d)\n", "pollFds", errno);
-    BackOff();
+    const int error = errno;
+    FP_LOG_ERROR(kTag, "%s: poll failed (errno=%d)\n", "pollFds", error);
+    if (error != EINTR) {  // a signal says nothing about the device
+      BackOff();
+    }
   } else if (result == 0) {
     FP_LOG_INFO(kTag, "%s: timed out", "pollFds");
   } else if ((fds[1].revents & POLLIN) != 0) {
     FP_LOG_INFO(kTag, "%s: received cancel event", "pollFds");
     ReadAndClearCancelEvent();
   } else if ((fds[0].revents & POLLIN) != 0 && handler_->ReadTouchEvent()) {
+    device_failed_ = false;
     backoff_ms_ = 0;
   } else {
-    if (backoff_ms_ == 0) {
+    if (!device_failed_) {
       FP_LOG_ERROR(kTag, "%s: touch device failed (revents=0x%x)", "pollFds", fds[0].revents);
     }
+    device_failed_ = true;
     BackOff();
   }
 }
@@ -142,6 +147,7 @@ void FpsTouchHandler::TouchPollingWorkerThread::BackOff() {
 
 bool FpsTouchHandler::TouchPollingWorkerThread::threadLoop() {
   handler_->worker_id_ = std::this_thread::get_id();
+  device_failed_ = false;
   backoff_ms_ = 0;
   FP_LOG_DEBUG(kTag, "%s starting", "threadLoop");
   if (handler_->configured_) {

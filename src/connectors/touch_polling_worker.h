@@ -38,7 +38,8 @@ class FpsTouchHandler::TouchPollingWorkerThread : public android::Thread {
   FpsTouchHandler* const handler_;                     // Not owned; outlives the worker's run.
   std::array<int32_t, 2> cancel_pipe_fds_ = {-1, -1};  // read end, write end
 
-  int backoff_ms_ = 0;  // 0: the device worked when last looked at
+  bool device_failed_ = false;  // when last looked at, and logged
+  int backoff_ms_ = 0;          // the last pause; 0 since the device worked
 };
 
 }  // namespace android::fp_utils

@@ -37,11 +37,12 @@ AuthStats::AuthStats(std::string name, uint32_t max_attempts, bool backup_enable
 AuthStats::~AuthStats() = default;
 
 void AuthStats::Init() {
+  initialized = false;  // a save would cut off the file that is being loaded
   if (backup_enabled) {
     backup_path = BackupFile::Prepare(kWording, kBackupDir, "AuthStats." + name);
     LoadAttemptsFromBackupFile();
   }
-  initialized = true;  // last, so that loading did not save
+  initialized = true;
 }
 
 void AuthStats::Reset() {

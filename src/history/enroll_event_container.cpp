@@ -34,10 +34,11 @@ EnrollEventContainer::EnrollEventContainer() = default;
 EnrollEventContainer::~EnrollEventContainer() = default;
 
 void EnrollEventContainer::Init(char const* event_type) {
+  initialized = false;  // a save would cut off the file that is being loaded
   this->event_type = event_type != nullptr ? event_type : "";
   backup_path = BackupFile::Prepare(kWording, kBackupDir, "EnrollEventContainer");
   LoadEventsFromBackupFile();
-  initialized = true;  // last, so that loading did not save
+  initialized = true;
 }
 
 std::shared_ptr<EnrollEvent> EnrollEventContainer::CreateEvent() {

@@ -32,8 +32,8 @@ steady_clock::time_point ToTimePoint(steady_clock::rep ticks) {
 }  // namespace
 
 FpStateTracker& FpStateTracker::GetInstance() {
-  static FpStateTracker instance;
-  return instance;
+  static auto* const instance = new FpStateTracker;
+  return *instance;
 }
 
 FpStateTracker::FpStateTracker() = default;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "fp_utils/dynamic_exposure.h"
 
+#include <array>
 #include <cmath>
 #include <optional>
 #include <string>
@@ -56,8 +57,30 @@ class DynamicExposureTest : public ::testing::Test {
     }
   }
 
+  std::string Dump() {
+    return DumpText([this](int fd) { controller_->Dump(fd); });
+  }
+
+  // With these settings and no sample yet.
+  static std::string DumpWith(const std::array<int32_t, 8>& settings) {
+    constexpr const char* kNames[] = {"NumberOfAttempts",     "ExpoChangeUnitDenominator",
+                                      "FrrThreshold",         "IqThreshold",
+                                      "HighRawMeanThreshold", "LowRawMeanThreshold",
+                                      "ExpoUpperBoundUs",     "ExpoLowerBoundUs"};
+    std::string dump = "DynamicExposureSupported:1\nDynamicExposure:\n";
+    for (size_t i = 0; i < settings.size(); ++i) {
+      dump += "  k" + std::string(kNames[i]) + ": " + std::to_string(settings[i]) + "\n";
+    }
+    return dump +
+           "  Stats of last 0 attempts:\n"
+           "    FRR: 0.00%\n"
+           "    Avg IQ: 0.00\n"
+           "    Avg raw mean: 0.00\n"
+           "  \n";
+  }
+
   std::string Sample() {
-    const std::string dump = DumpText([this](int fd) { controller_->Dump(fd); });
+    const std::string dump = Dump();
     return dump.substr(dump.find("  Stats of last"));
   }
 
@@ -80,10 +103,18 @@ TEST_F(DynamicExposureTest, StepsDownOnBrightPoorSamples) {
   EXPECT_FLOAT_EQ(13.333333F, changes_[0].expo);
   EXPECT_FLOAT_EQ(33.333333F, changes_[0].base);
   EXPECT_EQ(-1, controller.GetStep());
-  EXPECT_EQ(
-      "  Stats of last 0 attempts:\n    FRR: 0.00%\n    Avg IQ: 0.00\n"
-      "    Avg raw mean: 0.00\n  \n",
-      Sample());
+  EXPECT_EQ(DumpWith({10, 60, 20, 28, 2500, 1500, 150000, 10000}), Dump());
+}
+
+TEST_F(DynamicExposureTest, EverySettingHasItsProperty) {
+  int32_t value = 0;
+  for (const char* name : {"number_of_attempts", "expo_change_unit_denominator", "frr_threshold",
+                           "image_quality_threshold", "high_raw_mean_threshold",
+                           "low_raw_mean_threshold", "upper_bound_us", "lower_bound_us"}) {
+    Set(name, std::to_string(++value));
+  }
+  controller_.emplace();
+  EXPECT_EQ(DumpWith({1, 2, 3, 4, 5, 6, 7, 8}), Dump());
 }
 
 TEST_F(DynamicExposureTest, RefusedStepKeepsStepAndSample) {
@@ -221,23 +252,7 @@ TEST_F(DynamicExposureTest, OddSettings) {
   Set("lower_bound_us", "");
   Calibrated(20.0F, 50.0F);
   Feed(20, false, 0, 9000);
-  EXPECT_EQ(
-      "DynamicExposureSupported:1\n"
-      "DynamicExposure:\n"
-      "  kNumberOfAttempts: 0\n"
-      "  kExpoChangeUnitDenominator: 0\n"
-      "  kFrrThreshold: -1\n"
-      "  kIqThreshold: 28\n"
-      "  kHighRawMeanThreshold: 2500\n"
-      "  kLowRawMeanThreshold: 1500\n"
-      "  kExpoUpperBoundUs: 31\n"
-      "  kExpoLowerBoundUs: 10000\n"
-      "  Stats of last 0 attempts:\n"
-      "    FRR: 0.00%\n"
-      "    Avg IQ: 0.00\n"
-      "    Avg raw mean: 0.00\n"
-      "  \n",
-      DumpText([this](int fd) { controller_->Dump(fd); }));
+  EXPECT_EQ(DumpWith({0, 0, -1, 28, 2500, 1500, 31, 10000}), Dump());
   TakeLog();
   controller_->AdjustExposure(StepAdjustment::kUp);
   EXPECT_EQ((std::vector{Error("DynamicExposure",

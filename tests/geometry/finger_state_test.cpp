@@ -2,6 +2,7 @@
 #include "fp_utils/finger_state.h"
 
 #include <atomic>
+#include <limits>
 #include <thread>
 
 #include <utils/SystemClock.h>
@@ -9,6 +10,7 @@
 #include "control/touch_node.h"
 #include "fp_utils/fps_touch_handler.h"
 #include "support/device_test.h"
+#include "support/recorder.h"
 
 namespace android::fp_utils {
 namespace {
@@ -123,7 +125,9 @@ TEST_F(FingerStateTest, LptwFollowsTheFinger) {
 TEST_F(FingerStateTest, WorksFromCallbacksWhileTheHandlerStops) {
   fp_test::MuteLog(true);
   FpsTouchHandler& handler = FpsTouchHandler::GetInstance();
-  handler.touch_event_callback_ = [this](const TouchEvent& event) {
+  std::atomic<int> callbacks = 0;
+  handler.touch_event_callback_ = [&](const TouchEvent& event) {
+    ++callbacks;
     state_.Set(event.id % 2 == 0, 1, Contact(1), true);
   };
   std::atomic<bool> done = false;
@@ -140,6 +144,8 @@ TEST_F(FingerStateTest, WorksFromCallbacksWhileTheHandlerStops) {
   });
   for (int i = 0; i < fp_test::Share(2000); ++i) {
     handler.Start();
+    const int before = callbacks;  // Stop() would else end the worker before its first report
+    EXPECT_TRUE(fp_test::Eventually([&] { return callbacks != before; }));
     handler.Stop();
   }
   done = true;

@@ -120,14 +120,6 @@ TEST_F(AuthEventTest, G7DebugTextAddsWhatTheOutcomeCallsFor) {
             event.ToDebugString());
 }
 
-TEST_F(AuthEventTest, DebugTextIsCutAtItsBuffer) {
-  AuthEvent event;
-  event.timestamp = std::numeric_limits<int32_t>::max() * 30000000LL;  // a year of nine digits
-  event.acquired_info = 1;
-  event.fid = event.latency = event.iq = std::numeric_limits<int32_t>::min();
-  EXPECT_GE(127u, event.ToDebugString().size());
-}
-
 TEST_F(AuthEventTest, FailureReasons) {
   constexpr int32_t kGood1 = 225220215;
   constexpr int32_t kGood2 = 83205205;
@@ -207,7 +199,7 @@ TEST_F(AuthEventTest, LoadTakesItsPartOutOfTheText) {
 TEST_F(AuthEventTest, FailedLoadsLogAndKeepWhatWasReadable) {
   AuthEventG7 event = Matched();
   std::string text = "0x10,0x2,0x1,0x7,0x8";
-  errno = 0;
+  errno = EIO;  // which the scan leaves alone
   EXPECT_FALSE(event.LoadFromBackupString(text));
   EXPECT_EQ("0x10,0x2,0x1,0x7,0x8", text);
   EXPECT_EQ(kTime, event.timestamp);
@@ -215,12 +207,13 @@ TEST_F(AuthEventTest, FailedLoadsLogAndKeepWhatWasReadable) {
   EXPECT_EQ(7, event.fid) << "scanned straight into the record";
   EXPECT_EQ(8, event.latency);
   EXPECT_EQ(80, event.iq);
-  EXPECT_EQ((std::vector{
-                Error("AuthEvent", "[" + std::string(kBaseSignature) +
-                                       "] failed to parse str:'0x10,0x2,0x1,0x7,0x8' with error 0"),
-                Error("AuthEventG7", "[" + std::string(kG7Signature) +
-                                         "] AuthEvent failed to load '0x10,0x2,0x1,0x7,0x8'")}),
-            TakeLog());
+  EXPECT_EQ(
+      (std::vector{
+          Error("AuthEvent", "[" + std::string(kBaseSignature) +
+                                 "] failed to parse str:'0x10,0x2,0x1,0x7,0x8' with error -5"),
+          Error("AuthEventG7", "[" + std::string(kG7Signature) +
+                                   "] AuthEvent failed to load '0x10,0x2,0x1,0x7,0x8'")}),
+      TakeLog());
 
   text = "0x10,0x2,0x1,0x7,0x8,0x9,1.50,2.50,7,0x";
   errno = 0;

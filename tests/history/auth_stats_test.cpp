@@ -218,6 +218,18 @@ TEST_F(AuthStatsTest, ResetForgetsRecordsAndFile) {
   EXPECT_TRUE(Saves([&] { stats->AddAttempt(Attempt(true)); })) << "until Init runs again";
 }
 
+TEST_F(AuthStatsTest, InitAfterResetFindsEveryRecord) {
+  auto stats = Fresh(100);
+  for (int i = 0; i < 100; ++i) {
+    stats->AddAttempt(Attempt(true, i));
+  }
+  const std::string saved = ReadFile(kFile);
+  stats->Reset();
+  stats->Init();
+  EXPECT_EQ(100u, stats->GetTotalAttempts());
+  EXPECT_EQ(saved, ReadFile(kFile)) << "loading does not save";
+}
+
 TEST_F(AuthStatsTest, InitCreatesTheDirectoryAndLogsWhatFails) {
   const std::string open_failed =
       "[LoadAttemptsFromBackupFile] Failed to open \"" + std::string(kFile) + "\" with error ";
@@ -243,6 +255,15 @@ TEST_F(AuthStatsTest, InitCreatesTheDirectoryAndLogsWhatFails) {
                                        std::string(kFile) + "\" with error 13.")}),
             TakeLog());
   EXPECT_EQ(1u, stats.GetTotalAttempts());
+  fp_host::ClearFaults();
+
+  WriteFile(kFile, "0x1,0x1,x");
+  stats.Init();
+  EXPECT_EQ((std::vector{Error(
+                "AuthStats",
+                "[0][void android::fp_utils::AuthStats::LoadAttemptsFromBackupFile()] Crc checksum "
+                "didn't match!")}),
+            TakeLog());
 
   AuthStats memory_only("2", 10, false);
   memory_only.Init();

@@ -58,10 +58,12 @@ class BackupKillTest : public fp_test::DeviceTest {
     progress_->started = 0;
     progress_->finished = 0;
     const pid_t child = fork();
+    ASSERT_LE(0, child);
     if (child == 0) {
       ServeUntilKilled();
     }
     while (progress_->finished <= static_cast<int32_t>(kCapacity)) {
+      ASSERT_EQ(0, waitpid(child, nullptr, WNOHANG)) << "died by itself";
       std::this_thread::yield();
     }
     const auto end = std::chrono::steady_clock::now() + delay;

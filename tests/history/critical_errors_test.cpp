@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "fp_utils/critical_errors.h"
 
+#include <algorithm>
+#include <string>
 #include <thread>
+#include <vector>
 
 #include "support/device_test.h"
 
@@ -14,17 +17,21 @@ using fp_test::DumpText;
 constexpr time_t kTime = 1772600767;
 
 std::shared_ptr<ErrorEvent> Event(const std::string& message) {
-  setenv("TZ", "UTC", 1);
   auto event = std::make_shared<ErrorEvent>(message);
   event->timestamp = kTime;
   return event;
 }
 
+class CriticalErrorsTest : public ::testing::Test {
+ protected:
+  CriticalErrorsTest() { setenv("TZ", "UTC", 1); }
+};
+
 std::string Dump() {
   return DumpText([](int fd) { CriticalErrors::GetInstance().Dump(fd, nullptr, 0); });
 }
 
-TEST(CriticalErrors, KeepsTheNewestHundred) {
+TEST_F(CriticalErrorsTest, KeepsTheNewestHundred) {
   EXPECT_EQ("Critical Errors:\n", Dump());
   std::string expected = "Critical Errors:\n";
   for (int i = 0; i <= 100; ++i) {
@@ -38,7 +45,7 @@ TEST(CriticalErrors, KeepsTheNewestHundred) {
   EXPECT_EQ(expected, Dump());
 }
 
-TEST(CriticalErrors, EventsHaveTheirTimeAndAreCut) {
+TEST_F(CriticalErrorsTest, EventsHaveTheirTimeAndAreCut) {
   const time_t before = time(nullptr);
   const ErrorEvent now("x");
   EXPECT_LE(before, now.timestamp);
@@ -48,7 +55,7 @@ TEST(CriticalErrors, EventsHaveTheirTimeAndAreCut) {
   EXPECT_EQ("2026-03-04 05:06:07 100%s", Event("100%s")->ToDebugString()) << "data, not a format";
 }
 
-TEST(CriticalErrors, AddsAndDumpsFromAnyThread) {
+TEST_F(CriticalErrorsTest, AddsAndDumpsFromAnyThread) {
   std::vector<std::thread> threads;
   for (int i = 0; i < 4; ++i) {
     threads.emplace_back([] {

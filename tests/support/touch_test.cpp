@@ -59,7 +59,7 @@ void TouchTest::Run(std::function<void(const TouchEvent&)> callback) {
   handler_.touch_event_callback_ = std::move(callback);
   ASSERT_TRUE(handler_.Configure(kSensingArea));
   ASSERT_TRUE(handler_.Start());
-  ASSERT_TRUE(Eventually([] { return !TakeLog().empty(); }));
+  ASSERT_TRUE(Eventually([] { return LinesWith(TakeLog(), "threadLoop starting") == 1; }));
   node_.TakeRequests();
 }
 

@@ -9,8 +9,8 @@
 
 namespace fp_host {
 
-// From now on it is `seconds` since the epoch, until the next call of either function.
-void StopWallClock(time_t seconds);
+// From now on it is that long after the epoch, until the next call of either function.
+void StopWallClock(time_t seconds, int milliseconds = 0);
 void ReleaseWallClock();
 
 }  // namespace fp_host

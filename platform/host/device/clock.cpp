@@ -2,6 +2,7 @@
 #include "device/clock.h"
 
 #include <atomic>
+#include <cstdint>
 #include <limits>
 
 #include "control/clock.h"
@@ -9,18 +10,23 @@
 namespace fp_host {
 namespace {
 
-constexpr time_t kRuns = std::numeric_limits<time_t>::min();
-std::atomic<time_t> stopped_at = kRuns;
+constexpr int64_t kRuns = std::numeric_limits<int64_t>::min();
+std::atomic<int64_t> stopped_at_ms = kRuns;
 
 }  // namespace
 
-void StopWallClock(time_t seconds) { stopped_at = seconds; }
+void StopWallClock(time_t seconds, int milliseconds) {
+  stopped_at_ms = int64_t{seconds} * 1000 + milliseconds;
+}
 
-void ReleaseWallClock() { stopped_at = kRuns; }
+void ReleaseWallClock() { stopped_at_ms = kRuns; }
 
-std::optional<time_t> StoppedWallClock() {
-  const time_t seconds = stopped_at;
-  return seconds == kRuns ? std::nullopt : std::optional(seconds);
+std::optional<timespec> StoppedWallClock() {
+  const int64_t at_ms = stopped_at_ms;
+  if (at_ms == kRuns) {
+    return std::nullopt;
+  }
+  return timespec{.tv_sec = at_ms / 1000, .tv_nsec = at_ms % 1000 * 1000000};
 }
 
 }  // namespace fp_host

@@ -7,6 +7,6 @@
 namespace fp_host {
 
 // Where the wall clock stands; nothing while it runs.
-std::optional<time_t> StoppedWallClock();
+std::optional<timespec> StoppedWallClock();
 
 }  // namespace fp_host

@@ -277,9 +277,9 @@ time_t time(time_t* out) {
     return next(out);
   }
   if (out != nullptr) {
-    *out = *stopped;
+    *out = stopped->tv_sec;
   }
-  return *stopped;
+  return stopped->tv_sec;
 }
 
 int gettimeofday(timeval* out, void* zone) {
@@ -288,7 +288,7 @@ int gettimeofday(timeval* out, void* zone) {
   if (!stopped) {
     return next(out, zone);
   }
-  *out = {.tv_sec = *stopped, .tv_usec = 0};
+  *out = {.tv_sec = stopped->tv_sec, .tv_usec = stopped->tv_nsec / 1000};
   return 0;
 }
 
@@ -298,7 +298,7 @@ int clock_gettime(clockid_t clock, timespec* out) {
   if (!stopped || clock != CLOCK_REALTIME) {
     return next(clock, out);
   }
-  *out = {.tv_sec = *stopped, .tv_nsec = 0};
+  *out = *stopped;
   return 0;
 }
 
