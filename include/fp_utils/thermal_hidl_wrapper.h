@@ -22,10 +22,11 @@ class IThermal;
 //             unregistering hold one until their callback has returned, so that it must not do
 //             either.
 // Ownership:  shares the AIDL client; a registered callback is kept until it is unregistered.
-// Blocking:   every operation waits for the AIDL service.
+// Blocking:   every operation but the HIDL 1.0 queries waits for the AIDL service.
 // Errors:     all operations return Void(). Failures reach the callback, with the AIDL status's
 //             message where the service failed; a callback whose unregistration failed stays
-//             registered. Without an AIDL client every operation reports so.
+//             registered. Without an AIDL client the operations of HIDL 2.0 report so and debug()
+//             writes nothing.
 class FP_UTILS_EXPORT ThermalHidlWrapper : public ::android::hardware::thermal::V2_0::IThermal {
  public:
   explicit ThermalHidlWrapper(

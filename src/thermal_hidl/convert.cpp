@@ -23,7 +23,7 @@ V2_0::TemperatureType ToHidl(TemperatureType type) {
              : V2_0::TemperatureType::UNKNOWN;
 }
 
-// From the catch-all kind on the two number different things.
+// AIDL numbers further kinds behind the catch-all one.
 V2_0::CoolingType ToHidl(CoolingType type) {
   return static_cast<uint32_t>(type) < static_cast<uint32_t>(V2_0::CoolingType::COMPONENT)
              ? static_cast<V2_0::CoolingType>(type)

@@ -6,11 +6,11 @@
 #include <cstring>
 #include <utility>
 
+#include <aidl/android/hardware/thermal/BnThermalChangedCallback.h>
 #include <aidl/android/hardware/thermal/IThermal.h>
 #include <hidl/HidlTransportSupport.h>
 
 #include "thermal_hidl/convert.h"
-#include "thermal_hidl/thermal_changed_callback_wrapper.h"
 
 namespace aidl::android::hardware::thermal {
 
@@ -42,10 +42,15 @@ V1_0::ThermalStatus ToHidl(const ScopedAStatus& status) {
   return status.isOk() ? Success() : Failure(status.getMessage());
 }
 
-// Hands the result of an AIDL query to a HIDL callback.
-template <typename Record, typename Callback>
-Return<void> Answer(const ScopedAStatus& status, const std::vector<Record>& records,
-                    const Callback& cb) {
+// Hands the result of an AIDL query, which `query` makes, to a HIDL callback.
+template <typename Record, typename Callback, typename Query>
+Return<void> Answer(const std::shared_ptr<IThermal>& service, const Callback& cb, Query query) {
+  if (service == nullptr) {
+    cb(Failure(kNoClient), {});
+    return Void();
+  }
+  std::vector<Record> records;
+  const ScopedAStatus status = query(*service, &records);
   hidl_vec<decltype(ToHidl(std::declval<Record>()))> converted;
   if (status.isOk()) {
     converted.resize(records.size());
@@ -58,12 +63,21 @@ Return<void> Answer(const ScopedAStatus& status, const std::vector<Record>& reco
 
 }  // namespace
 
-ScopedAStatus ThermalHidlWrapper::IThermalChangedCallbackWrapper::notifyThrottling(
-    const Temperature& temperature) {
-  // Asking is what makes a failure of the transport one that may be ignored.
-  callback_hidl->notifyThrottling(ToHidl(temperature)).isOk();
-  return ScopedAStatus::ok();
-}
+// What is registered with the AIDL service in the name of a HIDL callback.
+class ThermalHidlWrapper::IThermalChangedCallbackWrapper : public BnThermalChangedCallback {
+ public:
+  explicit IThermalChangedCallbackWrapper(sp<V2_0::IThermalChangedCallback> callback)
+      : callback_hidl(std::move(callback)) {}
+
+  // On a binder thread. The service is not told if the client is gone.
+  ScopedAStatus notifyThrottling(const Temperature& temperature) override {
+    // Asking is what makes a failure of the transport one that may be ignored.
+    callback_hidl->notifyThrottling(ToHidl(temperature)).isOk();
+    return ScopedAStatus::ok();
+  }
+
+  const sp<V2_0::IThermalChangedCallback> callback_hidl;
+};
 
 ThermalHidlWrapper::ThermalHidlWrapper(
     std::shared_ptr<::aidl::android::hardware::thermal::IThermal> thermal_service)
@@ -89,43 +103,29 @@ Return<void> ThermalHidlWrapper::getCoolingDevices(getCoolingDevices_cb cb) {
 Return<void> ThermalHidlWrapper::getCurrentTemperatures(bool filter_type,
                                                         V2_0::TemperatureType type,
                                                         getCurrentTemperatures_cb cb) {
-  if (thermal_service_ == nullptr) {
-    cb(Failure(kNoClient), {});
-    return Void();
-  }
-  std::vector<Temperature> temperatures;
-  const ScopedAStatus status = filter_type ? thermal_service_->getTemperaturesWithType(
-                                                 static_cast<TemperatureType>(type), &temperatures)
-                                           : thermal_service_->getTemperatures(&temperatures);
-  return Answer(status, temperatures, cb);
+  return Answer<Temperature>(thermal_service_, cb, [=](auto& service, auto* temperatures) {
+    return filter_type
+               ? service.getTemperaturesWithType(static_cast<TemperatureType>(type), temperatures)
+               : service.getTemperatures(temperatures);
+  });
 }
 
 Return<void> ThermalHidlWrapper::getTemperatureThresholds(bool filter_type,
                                                           V2_0::TemperatureType type,
                                                           getTemperatureThresholds_cb cb) {
-  if (thermal_service_ == nullptr) {
-    cb(Failure(kNoClient), {});
-    return Void();
-  }
-  std::vector<TemperatureThreshold> thresholds;
-  const ScopedAStatus status = filter_type
-                                   ? thermal_service_->getTemperatureThresholdsWithType(
-                                         static_cast<TemperatureType>(type), &thresholds)
-                                   : thermal_service_->getTemperatureThresholds(&thresholds);
-  return Answer(status, thresholds, cb);
+  return Answer<TemperatureThreshold>(thermal_service_, cb, [=](auto& service, auto* thresholds) {
+    return filter_type ? service.getTemperatureThresholdsWithType(
+                             static_cast<TemperatureType>(type), thresholds)
+                       : service.getTemperatureThresholds(thresholds);
+  });
 }
 
 Return<void> ThermalHidlWrapper::getCurrentCoolingDevices(bool filter_type, V2_0::CoolingType type,
                                                           getCurrentCoolingDevices_cb cb) {
-  if (thermal_service_ == nullptr) {
-    cb(Failure(kNoClient), {});
-    return Void();
-  }
-  std::vector<CoolingDevice> devices;
-  const ScopedAStatus status = filter_type ? thermal_service_->getCoolingDevicesWithType(
-                                                 static_cast<CoolingType>(type), &devices)
-                                           : thermal_service_->getCoolingDevices(&devices);
-  return Answer(status, devices, cb);
+  return Answer<CoolingDevice>(thermal_service_, cb, [=](auto& service, auto* devices) {
+    return filter_type ? service.getCoolingDevicesWithType(static_cast<CoolingType>(type), devices)
+                       : service.getCoolingDevices(devices);
+  });
 }
 
 Return<void> ThermalHidlWrapper::registerThermalChangedCallback(
