@@ -3,7 +3,6 @@
 
 #include <cerrno>
 #include <memory>
-#include <optional>
 #include <string>
 #include <thread>
 #include <vector>
@@ -262,17 +261,6 @@ TEST_F(DisplayControllerTest, DeathDuringASwitch) {
   const std::vector<LogLine> log = TakeLog();
   EXPECT_EQ(2, std::count(log.begin(), log.end(), kConnected));
   EXPECT_EQ(1, std::count(log.begin(), log.end(), kDied));
-}
-
-TEST_F(DisplayControllerTest, SwitchWaitsUntilTheServiceIsUp) {
-  Kill();
-  std::thread starting([this] {
-    EXPECT_TRUE(fp_host::WaitForWaitingThreads(1));
-    service_.Start();
-  });
-  EXPECT_EQ(0, Set(true));
-  starting.join();
-  EXPECT_TRUE(service_.IsLhbmOn());
 }
 
 TEST_F(DisplayControllerTest, EndsWhileConnected) {

@@ -223,11 +223,7 @@ class RandomLife {
 };
 
 void LiveOften(int lives, uint64_t seed) {
-  printf("%d lives, seed %lu\n", lives, seed);
-  for (int i = 0; i < lives && !::testing::Test::HasFailure(); ++i) {
-    SCOPED_TRACE("seed " + std::to_string(seed + static_cast<uint64_t>(i)));
-    RandomLife(seed + static_cast<uint64_t>(i)).Run(30);
-  }
+  fp_test::RunSeeded("lives", lives, seed, [](uint64_t own) { RandomLife(own).Run(30); });
 }
 
 TEST_F(DisplayFaultsTest, RandomLives) { LiveOften(fp_test::Share(300), 1); }

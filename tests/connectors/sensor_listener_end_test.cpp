@@ -5,7 +5,6 @@
 #include <atomic>
 #include <cerrno>
 
-#include "fp_utils/als_monitor.h"
 #include "support/listener_test.h"
 
 namespace android::fp_utils {
@@ -105,35 +104,12 @@ TEST_F(SensorListenerEndTest, WorkerThatWaitsForTheLockGivesUpAsItHasToEnd) {
 }
 
 TEST_F(SensorListenerEndTest, WakeThatAnotherPollerTookIsSentAgain) {
-  EXPECT_EQ(0, AlsMonitor::GetInstance()->StartSampling());
   StartQuietly();
   for (const int swallowed : {1, 5}) {
     fp_host::SetSensorFault({.function = "ALooper_wake", .calls = swallowed});
     fp_test::RunBounded("death with lost wakes", [this] { listener_->OnSystemServerDeath(); });
     EXPECT_EQ(0, listener_->StartSampling(kLight));
   }
-  // The monitor polls after the wake and before the worker does.
-  Gate before_poll;
-  EXPECT_TRUE(Eventually(IsWorkerIdle));
-  on_light_ = [&before_poll] { before_poll.Pass(); };
-  SetLux(1);
-  ASSERT_TRUE(before_poll.AwaitArrival());
-  std::atomic<bool> woken = false;
-  fp_host::OnSensorCall("ALooper_wake", nullptr, [&woken] {
-    if (!woken.exchange(true)) {
-      float lux = 0;
-      AlsMonitor::GetInstance()->GetLight(&lux);  // takes the signal of its own event, if any
-      AlsMonitor::GetInstance()->GetLight(&lux);  // and the wake
-    }
-  });
-  std::thread opener([&] {
-    Eventually([&woken] { return woken.load(); });
-    before_poll.Open();
-  });
-  fp_test::RunBounded("death as the monitor takes the wake",
-                      [this] { listener_->OnSystemServerDeath(); });
-  opener.join();
-  on_light_ = nullptr;
 }
 
 // A batch is being delivered as the system server dies: what is left of it is not matched against

@@ -151,6 +151,7 @@ TEST_F(SensorListenerTest, TakesTheLastSensorOfExactlyTheStringType) {
                          "found.\n"),
                    kConnected, Error(kTag, "sensor[1] is not available.")}),
       TakeLog());
+  EXPECT_TRUE(Eventually(IsWorkerIdle)) << "polls from the connection on";
   EXPECT_EQ(0, listener_->StartSampling(kLight));
   EXPECT_EQ("ASensorEventQueue_registerSensor(queue 1, rear, 20000, 0) = 0", MyCalls().back());
   SetLux(3);

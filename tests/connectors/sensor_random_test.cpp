@@ -2,7 +2,6 @@
 //
 // The clients of the sensor service in random sequences of all that can happen to them.
 #include <cerrno>
-#include <cstdlib>
 #include <random>
 #include <set>
 
@@ -29,7 +28,7 @@ constexpr auto kLongPress = SensorListener::kLongPress;
 // A service that does everything in any order, with a fault now and then.
 class RandomRun {
  public:
-  explicit RandomRun(unsigned seed) : random_(seed) {}
+  explicit RandomRun(uint64_t seed) : random_(static_cast<unsigned>(seed)) {}
 
   void Run() {
     for (int i = 0; i < 15; ++i) {
@@ -154,14 +153,9 @@ class RandomRun {
 
 void RunRandomSequences(int count) {
   fp_host::RecordSensorCalls(false);
-  const char* given = getenv("FP_TEST_SEED");
-  const unsigned seed =
-      given == nullptr ? std::random_device()() : static_cast<unsigned>(strtoul(given, nullptr, 0));
-  printf("%d sequences, FP_TEST_SEED=%u\n", count, seed);
-  for (int i = 0; i < count && !::testing::Test::HasFailure(); ++i) {
-    const unsigned own = seed + static_cast<unsigned>(i);
-    RunBounded("FP_TEST_SEED=" + std::to_string(own), [own] { RandomRun(own).Run(); });
-  }
+  fp_test::RunSeeded("sequences", count, std::random_device()(), [](uint64_t seed) {
+    RunBounded("FP_TEST_SEED=" + std::to_string(seed), [seed] { RandomRun(seed).Run(); });
+  });
 }
 
 using SensorRandomTest = fp_test::SensorTest;

@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
-#include <memory>
 #include <optional>
 #include <string>
 #include <thread>
@@ -67,6 +66,10 @@ class ThermalTest : public ::testing::Test {
  protected:
   ThermalTest() {
     ABinderProcess_startThreadPool();
+    MeasureSkin();
+  }
+
+  void MeasureSkin() {
     aidl_.SetTemperatures({Reading("cpu", TemperatureType::CPU, 80, 6),
                            Reading("front", TemperatureType::SKIN, 41.25F, 2),
                            Reading("back", TemperatureType::SKIN, 50, 5)});
@@ -201,25 +204,7 @@ TEST_F(ThermalTest, ConstructorSeesAConnectionInTime) {
   }));
 }
 
-TEST_F(ThermalTest, FailuresOfTheHalCountAsNoThrottling) {
-  PutUp(aidl_);
-  Construct();
-  ASSERT_TRUE(Eventually([this] { return Severity() == 2; }));
-  TakeLog();
-  RefuseAll();
-  EXPECT_EQ(0, Severity());
-  AcceptAll();
-  EXPECT_EQ(2, Severity());
-  TakeLog();
-  aidl_.SetTemperatures({Reading("cpu", TemperatureType::CPU, 80, 6)});
-  EXPECT_EQ(0, Severity()) << "success with nothing in it";
-  EXPECT_TRUE(TakeLog().empty());
-  aidl_.Kill();
-  EXPECT_EQ(0, Severity());
-  aidl_.Start();
-  EXPECT_EQ(0, Severity()) << "there is no second connection";
-}
-
+// Failures count as no throttling, and there is no second connection.
 TEST_F(ThermalTest, EveryCallMeetsEveryFault) {
   using Service = fp_host::RemoteService;
   const struct {
@@ -234,6 +219,12 @@ TEST_F(ThermalTest, EveryCallMeetsEveryFault) {
       {"dies after", [](Service& service) { service.DieAtCall(1, Death::kAfter); }, true, true},
       {"is dead", [](Service& service) { service.Kill(); }, false, true},
       {"refuses", [this](Service&) { RefuseAll(); }, false, false},
+      {"knows no skin sensor",
+       [this](Service&) {
+         aidl_.SetTemperatures({Reading("cpu", TemperatureType::CPU, 80, 6)});
+         hidl_.SetTemperatures({});
+       },
+       false, false},
       {"is slow", [](Service& service) { service.SetDelay(std::chrono::milliseconds(2)); }, true,
        false},
       {"came back",
@@ -243,7 +234,6 @@ TEST_F(ThermalTest, EveryCallMeetsEveryFault) {
        },
        false, true},
   };
-  fp_test::MuteLog(true);
   for (Service* service : {static_cast<Service*>(&aidl_), static_cast<Service*>(&hidl_)}) {
     for (const auto& fault : kFaults) {
       SCOPED_TRACE(service->GetInstance() + " " + fault.name);
@@ -253,9 +243,15 @@ TEST_F(ThermalTest, EveryCallMeetsEveryFault) {
       const int32_t severity = service == &aidl_ ? 2 : 3;
       ASSERT_TRUE(Eventually([&] { return Severity() == severity; }));
       fault.strike(*service);
+      TakeLog();
       EXPECT_EQ(fault.answered ? severity : 0, Severity());
+      const Log log = TakeLog();
+      EXPECT_EQ(fault.answered, std::any_of(log.begin(), log.end(), [](const LogLine& line) {
+                  return line.message.starts_with("Name: ");
+                }));
       service->SetDelay(std::chrono::milliseconds(0));
       AcceptAll();
+      MeasureSkin();
       service->Start();
       EXPECT_EQ(fault.dead ? 0 : severity, Severity());
     }

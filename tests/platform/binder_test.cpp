@@ -2,13 +2,11 @@
 //
 // The rules of references, identity and services that the stand-in for the binder NDK keeps.
 #include <memory>
-#include <set>
 #include <thread>
 
 #include <aidl/com/norvan/hardware/kestra/display/BnDisplay.h>
 #include <aidl/com/norvan/hardware/kestra/display/BpDisplay.h>
 #include <android/binder_manager.h>
-#include <android/binder_process.h>
 
 #include "control/display_service.h"
 #include "support/device_test.h"
@@ -234,19 +232,6 @@ TEST(Binder, ConversionNeedsALiveObjectOfTheInterface) {
   EXPECT_EQ(nullptr, IDisplay::fromBinder(binder)) << "died before it could say what it is";
 }
 
-TEST(Binder, ServiceAnswersArriveAsTheyAre) {
-  DisplayService service;
-  service.Start();
-  const std::shared_ptr<IDisplay> proxy = IDisplay::fromBinder(Find(service));
-  service.Refuse([] { return ScopedAStatus::fromServiceSpecificErrorWithMessage(3, "busy"); });
-  EXPECT_STREQ("busy", proxy->setLhbmState(true).getMessage());
-  service.Refuse([] { return ScopedAStatus(); });
-  EXPECT_EQ(STATUS_UNEXPECTED_NULL, proxy->setLhbmState(true).getStatus())
-      << "a reply without a status";
-  EXPECT_FALSE(service.IsLhbmOn());
-  EXPECT_EQ((std::vector{true, true}), service.GetRequests());
-}
-
 TEST(Binder, DumpReachesTheImplementation) {
   const auto local = SharedRefBase::make<LocalDisplay>();
   EXPECT_EQ("a.b.", fp_test::DumpText([&](int fd) {
@@ -257,41 +242,6 @@ TEST(Binder, DumpReachesTheImplementation) {
   service.Start();
   EXPECT_EQ(STATUS_OK, AIBinder_dump(Find(service).get(), 1, nullptr, 0)) << "nothing to say";
   EXPECT_EQ(1, service.CountCalls());
-}
-
-// What becomes of the call that ends the service, and of the next.
-TEST(Binder, CallsMeetTheDeathOfTheService) {
-  using Death = fp_host::RemoteService::Death;
-  const struct {
-    Death moment;
-    bool answered, done;
-  } kCases[] = {
-      {Death::kBefore, false, false}, {Death::kDuring, false, true}, {Death::kAfter, true, true}};
-  for (const auto& test : kCases) {
-    DisplayService service;
-    service.Start();
-    const std::shared_ptr<IDisplay> proxy = IDisplay::fromBinder(Find(service));
-    service.DieAtCall(2, test.moment);
-    EXPECT_TRUE(proxy->setLhbmState(false).isOk());
-    EXPECT_EQ(test.answered, proxy->setLhbmState(true).isOk());
-    EXPECT_EQ(test.done, service.IsLhbmOn());
-    EXPECT_FALSE(service.IsUp());
-    EXPECT_EQ(STATUS_DEAD_OBJECT, proxy->setLhbmState(true).getStatus());
-  }
-}
-
-TEST(Binder, CallThatWaitsIsEndedByTheDeathOfTheService) {
-  DisplayService service;
-  service.Start();
-  service.Hold();
-  const std::shared_ptr<IDisplay> proxy = IDisplay::fromBinder(Find(service));
-  ScopedAStatus status;
-  std::thread calling([&] { status = proxy->setLhbmState(true); });
-  EXPECT_TRUE(service.WaitForHeldCalls(1));
-  service.Kill();
-  calling.join();
-  EXPECT_EQ(STATUS_DEAD_OBJECT, status.getStatus());
-  EXPECT_TRUE(service.GetRequests().empty());
 }
 
 }  // namespace

@@ -5,7 +5,6 @@
 
 #include <atomic>
 #include <cerrno>
-#include <cmath>
 
 #include <android/sensor.h>
 
@@ -27,10 +26,9 @@ int PollElsewhere() {
 
 class SensorBridgeTest : public fp_test::SensorTest {
  protected:
-  ASensorEventQueue* QueueOf(int type, ALooper_callbackFunc callback = nullptr,
-                             void* data = nullptr) {
+  ASensorEventQueue* QueueOf(int type) {
     ASensorEventQueue* queue =
-        ASensorManager_createEventQueue(manager_, ALooper_forThread(), 7, callback, data);
+        ASensorManager_createEventQueue(manager_, ALooper_forThread(), 7, nullptr, nullptr);
     EXPECT_EQ(0, ASensorEventQueue_registerSensor(queue, SensorOf(type), 20000, 0));
     return queue;
   }
@@ -101,37 +99,6 @@ TEST_F(SensorBridgeTest, WakesOneWaitingThread) {
   second.join();
 }
 
-TEST_F(SensorBridgeTest, CallbackRunsInThePollUntilItReturnsZero) {
-  struct Seen {
-    ASensorEventQueue* queue = nullptr;
-    int calls = 0;
-    int events = 0;
-    int keep = 1;
-  } seen;
-  seen.queue = QueueOf(
-      ASENSOR_TYPE_LIGHT,
-      [](int fd, int events, void* data) {
-        EXPECT_EQ(-1, fd);
-        EXPECT_EQ(ALOOPER_EVENT_INPUT, events);
-        auto& seen = *static_cast<Seen*>(data);
-        ++seen.calls;
-        seen.events += Take(seen.queue);
-        return seen.keep;
-      },
-      &seen);
-  SetLux(1);
-  EXPECT_EQ(0, seen.calls) << "not before the poll";
-  EXPECT_EQ(ALOOPER_POLL_CALLBACK, Poll());
-  EXPECT_EQ(1, seen.events) << "which lets it take the events";
-  for (const int keep : {0, 1}) {
-    seen.keep = keep;
-    SetLux(1);
-    EXPECT_EQ(ALOOPER_POLL_CALLBACK, Poll());
-  }
-  EXPECT_EQ(2, seen.calls) << "unregistered by its 0";
-  EXPECT_EQ(1, Take(seen.queue)) << "the queue outlives its callback";
-}
-
 TEST_F(SensorBridgeTest, ManagerIsOneAndKeepsItsListUntilTheServiceRestarts) {
   EXPECT_EQ(manager_, ASensorManager_getInstanceForPackage(nullptr));
   ASensorList list = nullptr;
@@ -146,7 +113,6 @@ TEST_F(SensorBridgeTest, ManagerIsOneAndKeepsItsListUntilTheServiceRestarts) {
   EXPECT_STREQ("light", ASensor_getName(list[0]));
   EXPECT_EQ(ASENSOR_TYPE_LIGHT, ASensor_getType(list[0]));
   EXPECT_EQ(20000, ASensor_getMinDelay(list[0]));
-  EXPECT_NE(ASensor_getHandle(list[0]), ASensor_getHandle(list[1]));
 
   QueueOf(ASENSOR_TYPE_LIGHT);
   SetLux(1);
@@ -184,10 +150,7 @@ TEST_F(SensorBridgeTest, NullHandlesAreAnswered) {
       {ASensorManager_getSensorList(nullptr, nullptr), "getSensorList"},
       {ASensorManager_destroyEventQueue(manager_, nullptr), "destroyEventQueue"},
       {ASensorEventQueue_registerSensor(nullptr, light, 0, 0), "registerSensor"},
-      {ASensorEventQueue_enableSensor(nullptr, light), "enableSensor"},
-      {ASensorEventQueue_setEventRate(nullptr, light, 0), "setEventRate"},
       {ASensorEventQueue_disableSensor(nullptr, light), "disableSensor"},
-      {ASensorEventQueue_hasEvents(nullptr), "hasEvents"},
       {ASensorEventQueue_getEvents(nullptr, nullptr, 1), "getEvents"},
   };
   for (const auto& call : kCalls) {
@@ -198,14 +161,9 @@ TEST_F(SensorBridgeTest, NullHandlesAreAnswered) {
   EXPECT_EQ(nullptr, ASensorManager_createEventQueue(nullptr, looper, 0, nullptr, nullptr));
   EXPECT_EQ(nullptr, ASensorManager_createEventQueue(manager_, nullptr, 0, nullptr, nullptr));
   EXPECT_EQ(nullptr, ASensor_getName(nullptr));
-  EXPECT_EQ(nullptr, ASensor_getVendor(nullptr));
   EXPECT_EQ(nullptr, ASensor_getStringType(nullptr));
   EXPECT_EQ(ASENSOR_TYPE_INVALID, ASensor_getType(nullptr));
-  EXPECT_TRUE(std::isnan(ASensor_getResolution(nullptr)));
   EXPECT_EQ(ASENSOR_DELAY_INVALID, ASensor_getMinDelay(nullptr));
-  EXPECT_EQ(-1, ASensor_getFifoMaxEventCount(nullptr));
-  EXPECT_EQ(-1, ASensor_getFifoReservedEventCount(nullptr));
-  EXPECT_EQ(ASENSOR_INVALID, ASensor_getHandle(nullptr));
 }
 
 using SensorBridgeDeathTest = SensorBridgeTest;
@@ -231,11 +189,10 @@ TEST_F(SensorBridgeTest, QueuesTakeTheEventsOfTheirEnabledSensors) {
       ASensorManager_createEventQueue(manager_, ALooper_forThread(), 0, nullptr, nullptr);
   const ASensor* const light = SensorOf(ASENSOR_TYPE_LIGHT);
   SetLux(1);
-  EXPECT_EQ(0, ASensorEventQueue_hasEvents(queue)) << "not enabled yet";
-  EXPECT_EQ(0, ASensorEventQueue_enableSensor(queue, light));
-  EXPECT_EQ(1, ASensorEventQueue_hasEvents(queue)) << "an enabled light sensor reports its value";
+  EXPECT_EQ(0, Take(queue)) << "not enabled yet";
   EXPECT_EQ(0, ASensorEventQueue_registerSensor(queue, light, 0, 0));
-  EXPECT_EQ(1, Take(queue)) << "once";
+  EXPECT_EQ(0, ASensorEventQueue_registerSensor(queue, light, 0, 0));
+  EXPECT_EQ(1, Take(queue)) << "an enabled light sensor reports its value, once";
   SetLux({2, 3});
   EXPECT_EQ(0, ASensorEventQueue_disableSensor(queue, light));
   SetLux(4);
@@ -244,27 +201,14 @@ TEST_F(SensorBridgeTest, QueuesTakeTheEventsOfTheirEnabledSensors) {
   ASSERT_EQ(2, ASensorEventQueue_getEvents(queue, events, 4)) << "queued events stay queued";
   EXPECT_EQ(3, events[1].light);
   EXPECT_EQ(ASENSOR_TYPE_LIGHT, events[1].type);
-  EXPECT_EQ(ASensor_getHandle(light), events[1].sensor);
-  EXPECT_EQ(0, ASensorEventQueue_setEventRate(queue, light, 1000));
+  EXPECT_EQ(0, ASensorEventQueue_registerSensor(queue, light, 1000, 0));
   SetLux(5);
-  EXPECT_EQ(2, Take(queue)) << "setting a rate enables";
+  EXPECT_EQ(2, Take(queue)) << "the value as it was enabled again, and the next";
   SetLux(std::vector<float>(1000, 1));
   EXPECT_EQ(8, Take(queue)) << "no bound but the reader's";
   EXPECT_EQ(0, ASensorManager_destroyEventQueue(manager_, queue));
   EXPECT_EQ(ALOOPER_POLL_TIMEOUT, Poll()) << "undelivered events are dropped";
   EXPECT_EQ(fp_host::SensorUsage(), fp_host::GetSensorUsage());
-}
-
-TEST_F(SensorBridgeTest, AdditionalInfoHasToBeAskedFor) {
-  ASensorEventQueue* const queue = QueueOf(ASENSOR_TYPE_LIGHT);
-  ASensorEvent info = {};
-  info.type = ASENSOR_TYPE_ADDITIONAL_INFO;
-  fp_host::PushSensorEvents({info});
-  EXPECT_EQ(ALOOPER_POLL_TIMEOUT, Poll());
-  EXPECT_EQ(0, ASensorEventQueue_requestAdditionalInfoEvents(queue, true));
-  fp_host::PushSensorEvents({info});
-  EXPECT_EQ(1, Take(queue));
-  EXPECT_EQ(0, ASensorEventQueue_requestAdditionalInfoEvents(nullptr, true));
 }
 
 // Vendor code that uses these does not link on a device.
@@ -275,26 +219,6 @@ TEST_F(SensorBridgeTest, ExportsNoMoreThanTheBridge) {
         "ASensorManager_getDefaultSensorEx", "ASensorManager_getDynamicSensorList"}) {
     EXPECT_EQ(nullptr, dlsym(RTLD_DEFAULT, name)) << name;
   }
-}
-
-TEST_F(SensorBridgeTest, FaultsAndHooksMeetTheirCalls) {
-  ASensorEventQueue* const queue = QueueOf(ASENSOR_TYPE_LIGHT);
-  fp_host::SetSensorFault({.function = "ASensorEventQueue_getEvents", .result = -11, .calls = 2});
-  fp_host::SetSensorFault({.function = "ASensorManager_createEventQueue"});
-  EXPECT_EQ(-11, Take(queue));
-  EXPECT_EQ(-11, Take(queue));
-  EXPECT_EQ(0, Take(queue));
-  EXPECT_EQ(nullptr,
-            ASensorManager_createEventQueue(manager_, ALooper_forThread(), 0, nullptr, nullptr));
-  EXPECT_EQ("ASensorManager_createEventQueue(manager 1, looper, 0, null) = null", MyCalls().back());
-  std::thread waiting([] { EXPECT_EQ(ALOOPER_POLL_ERROR, Poll(-1)); });
-  EXPECT_TRUE(Eventually([] { return fp_host::ArePollersIdle(1); }));
-  fp_host::SetSensorFault(
-      {.function = "ALooper_pollOnce", .result = ALOOPER_POLL_ERROR, .calls = 1});
-  waiting.join();
-  // A queue that dies while it is in use is answered like none: its user could not know.
-  fp_host::OnSensorCall("ASensorEventQueue_getEvents", [] { fp_host::RestartSensorService(); });
-  EXPECT_EQ(-EINVAL, Take(queue));
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -60,6 +61,17 @@ std::string DumpText(const std::function<void(int fd)>& dump) {
 int Share(int full) {
   const char* share = getenv("FP_TEST_SHARE");
   return share == nullptr ? full : static_cast<int>(full * atof(share));
+}
+
+void RunSeeded(const char* what, int count, uint64_t first,
+               const std::function<void(uint64_t seed)>& run) {
+  const char* given = getenv("FP_TEST_SEED");
+  first = given == nullptr ? first : strtoull(given, nullptr, 0);
+  printf("%d %s, FP_TEST_SEED=%lu\n", count, what, first);
+  for (uint64_t seed = first; count-- > 0 && !::testing::Test::HasFailure(); ++seed) {
+    SCOPED_TRACE("FP_TEST_SEED=" + std::to_string(seed));
+    run(seed);
+  }
 }
 
 }  // namespace fp_test

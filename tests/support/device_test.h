@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <functional>
 #include <string>
 
@@ -33,5 +34,10 @@ std::string DumpText(const std::function<void(int fd)>& dump);
 // How much work a long test does: `full` by default, less where FP_TEST_SHARE (a fraction) says so,
 // as under a sanitizer, more in the long checks.
 int Share(int full);
+
+// Runs `run` with as many seeds, the first one and those after it, until a test fails. FP_TEST_SEED
+// in the environment, which failures name, goes before `first`.
+void RunSeeded(const char* what, int count, uint64_t first,
+               const std::function<void(uint64_t seed)>& run);
 
 }  // namespace fp_test

@@ -51,7 +51,6 @@ class SensorTest : public ::testing::Test {
   // The calls since the last TakeCalls(): those of this thread, and those of all others. Repeated
   // wakes are one: how many it takes is a matter of scheduling.
   void TakeCalls();
-  const Texts& Mine() const { return mine_; }
   const Texts& Others() const { return others_; }
   Texts MyCalls();
 

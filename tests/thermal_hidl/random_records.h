@@ -2,6 +2,7 @@
 #pragma once
 
 #include <bit>
+#include <cstdint>
 #include <random>
 #include <string>
 #include <vector>
@@ -52,8 +53,14 @@ class RandomRecords {
   Enum Value() {
     const ndk::enum_range<Enum> known;
     const size_t count = static_cast<size_t>(known.end() - known.begin());
-    return random_() % 4 == 0 ? static_cast<Enum>(static_cast<int32_t>(random_()))
-                              : known.begin()[random_() % count];
+    switch (random_() % 8) {
+      case 0:
+        return static_cast<Enum>(static_cast<int32_t>(random_()));
+      case 1:
+        return static_cast<Enum>(random_() % 2 == 0 ? INT32_MIN : INT32_MAX);
+      default:
+        return known.begin()[random_() % count];
+    }
   }
   float Float() { return std::bit_cast<float>(static_cast<uint32_t>(random_())); }
   std::vector<float> Floats() {

@@ -2,13 +2,13 @@
 //
 // The thermal HAL fails in every way under the wrapper and under the monitor: each call has a
 // defined answer within the test's bound, and a new connection works.
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <cerrno>
 #include <functional>
 #include <iterator>
-#include <memory>
-#include <optional>
+#include <latch>
 #include <random>
 #include <set>
 #include <thread>
@@ -18,7 +18,6 @@
 #include <android/binder_process.h>
 
 #include "control/hidl_thermal_client.h"
-#include "control/hidl_thermal_service.h"
 #include "control/thermal_service.h"
 #include "fp_utils/thermal.h"
 #include "fp_utils/thermal_hidl_wrapper.h"
@@ -34,19 +33,19 @@ using android::fp_utils::Thermal;
 using android::hardware::thermal::V1_0::ThermalStatus;
 using android::hardware::thermal::V1_0::ThermalStatusCode;
 using fp_host::HidlThermalClient;
-using fp_host::HidlThermalService;
 using fp_host::ThermalService;
 using fp_host::WaitForPools;
 using Death = fp_host::RemoteService::Death;
 
 constexpr auto kSkin = V2_0::TemperatureType::SKIN;
 constexpr char kGone[] = "";  // the message of a service that is dead
+constexpr char kRegisteredBefore[] = "The callback was already registered through wrapper";
 
 ndk::ScopedAStatus NotReady() {
   return ndk::ScopedAStatus::fromExceptionCodeWithMessage(EX_ILLEGAL_STATE, "not ready");
 }
 
-// A wrapper on a service, and two callbacks of HIDL clients.
+// A wrapper on a service, and two HIDL clients of it.
 class Bridge {
  public:
   explicit Bridge(ThermalService& thermal_service) : service(thermal_service) {
@@ -56,41 +55,26 @@ class Bridge {
 
   void Connect() {
     const ndk::SpAIBinder binder(AServiceManager_waitForService(service.GetInstance().c_str()));
-    wrapper = sp<V2_0::IThermal>(
+    const auto wrapper = sp<V2_0::IThermal>(
         new aidl_thermal::ThermalHidlWrapper(aidl_thermal::IThermal::fromBinder(binder)));
+    for (HidlThermalClient& client : clients) {
+      client.Connect(wrapper);
+    }
   }
 
-  // "ok", or the message of the failure; "?" if the call was not answered exactly once.
+  // "ok", or the message of the failure.
   using Operation = std::string (Bridge::*)();
 
-  std::string Temperatures() {
-    return Do([&](auto cb) {
-      return wrapper->getCurrentTemperatures(
-          filter, kSkin, [&](const ThermalStatus& status, const auto&) { cb(status); });
-    });
-  }
-  std::string Thresholds() {
-    return Do([&](auto cb) {
-      return wrapper->getTemperatureThresholds(
-          filter, kSkin, [&](const ThermalStatus& status, const auto&) { cb(status); });
-    });
-  }
+  std::string Temperatures() { return TextOf(clients[0].Temperatures(filter, kSkin)); }
+  std::string Thresholds() { return TextOf(clients[0].Thresholds(filter, kSkin)); }
   std::string CoolingDevices() {
-    return Do([&](auto cb) {
-      return wrapper->getCurrentCoolingDevices(
-          filter, V2_0::CoolingType::FAN,
-          [&](const ThermalStatus& status, const auto&) { cb(status); });
-    });
+    return TextOf(clients[0].CoolingDevices(filter, V2_0::CoolingType::FAN));
   }
   std::string Register(size_t client) {
-    return Do([&](auto cb) {
-      return wrapper->registerThermalChangedCallback(clients[client].NewProxy(), filter, kSkin, cb);
-    });
+    return TextOf(clients[client].Register(clients[client].NewProxy(), filter, kSkin));
   }
   std::string Unregister(size_t client) {
-    return Do([&](auto cb) {
-      return wrapper->unregisterThermalChangedCallback(clients[client].NewProxy(), cb);
-    });
+    return TextOf(clients[client].Unregister(clients[client].NewProxy()));
   }
   std::string RegisterFirst() { return Register(0); }
   std::string UnregisterSecond() { return Unregister(1); }
@@ -98,20 +82,18 @@ class Bridge {
   ThermalService& service;
   bool filter = false;  // which of the two forms of each operation is meant
   std::array<HidlThermalClient, 2> clients;
-  sp<V2_0::IThermal> wrapper;
 
  private:
-  template <typename Call>
-  std::string Do(Call call) {
-    std::string answer = "?";
-    int answers = 0;
-    const bool ok = call([&](const ThermalStatus& status) {
-                      ++answers;
-                      answer = status.code == ThermalStatusCode::SUCCESS
-                                   ? "ok"
-                                   : static_cast<std::string>(status.debugMessage);
-                    }).isOk();
-    return ok && answers == 1 ? answer : "?";
+  static std::string TextOf(const ThermalStatus& status) {
+    return status.code == ThermalStatusCode::SUCCESS
+               ? "ok"
+               : static_cast<std::string>(status.debugMessage);
+  }
+  template <typename Record>
+  static std::string TextOf(const HidlThermalClient::Answer<Record>& answer) {
+    const bool ok = answer.status.code == ThermalStatusCode::SUCCESS;
+    EXPECT_TRUE(ok || answer.records.empty());
+    return TextOf(answer.status);
   }
 };
 
@@ -222,9 +204,7 @@ class RandomBridge {
   std::string Expected() const { return !connected_ ? kGone : refusing_ ? "not ready" : "ok"; }
 
   void Register(size_t client) {
-    const std::string expected = listed_.contains(client)
-                                     ? "The callback was already registered through wrapper"
-                                     : Expected();
+    const std::string expected = listed_.contains(client) ? kRegisteredBefore : Expected();
     EXPECT_EQ(expected, bridge_.Register(client));
     if (expected == "ok") {
       listed_.insert(client);
@@ -261,105 +241,14 @@ class RandomBridge {
   std::multiset<size_t> at_service_;  // also those of earlier wrappers
 };
 
-// A random boot of a device with either service or none, and a monitor on it.
-class RandomMonitor {
- public:
-  explicit RandomMonitor(uint64_t seed) : random_(seed) {
-    ThermalService::Temperature skin;
-    skin.type = aidl_thermal::TemperatureType::SKIN;
-    skin.throttlingStatus = aidl_thermal::ThrottlingSeverity::MODERATE;
-    aidl_.SetTemperatures({skin});
-    hidl_.SetTemperatures({{kSkin, "skin", 30, V2_0::ThrottlingSeverity::SEVERE}});
-  }
-
-  void Run() {
-    const bool has_aidl = random_() % 2 == 0;
-    const bool has_hidl = random_() % 2 == 0;
-    const bool late = random_() % 4 == 0;
-    fp_host::RemoteService* service = has_aidl   ? static_cast<fp_host::RemoteService*>(&aidl_)
-                                      : has_hidl ? &hidl_
-                                                 : nullptr;
-    has_aidl ? aidl_.Declare() : aidl_.Undeclare();
-    has_hidl ? hidl_.Declare() : hidl_.Undeclare();
-    if (service == nullptr) {
-      EXPECT_EQ(-ENODEV, Thermal().GetCpuSeverity());
-      return;
-    }
-    if (!late) {
-      service->Start();
-    }
-    Thermal thermal;
-    if (late) {
-      EXPECT_EQ(-ENODEV, thermal.GetCpuSeverity());
-      service->Start();
-    }
-    const int32_t severity = has_aidl ? 2 : 3;
-    EXPECT_TRUE(fp_test::Eventually([&] { return thermal.GetCpuSeverity() == severity; }));
-    Live(thermal, *service, severity);
-  }
-
- private:
-  void Live(Thermal& thermal, fp_host::RemoteService& service, int32_t severity) {
-    bool dead = false;
-    bool refusing = false;
-    for (int i = 0; i < 10; ++i) {
-      bool dies = false;
-      auto moment = Death::kAfter;
-      switch (random_() % 6) {
-        case 0:
-          service.Kill();
-          dead = true;
-          break;
-        case 1:
-          service.Start();
-          break;
-        case 2:
-          refusing = !refusing;
-          refusing ? aidl_.Refuse(NotReady) : aidl_.Accept();
-          refusing ? hidl_.Refuse("not ready") : hidl_.Accept();
-          break;
-        case 3:
-          dies = true;
-          moment = static_cast<Death>(random_() % 3);
-          service.DieAtCall(1, moment);
-          break;
-        default:
-          break;
-      }
-      const bool answered = !dead && !refusing && (!dies || moment == Death::kAfter);
-      EXPECT_EQ(answered ? severity : 0, thermal.GetCpuSeverity());
-      service.DieAtCall(0, Death::kBefore);
-      dead = dead || dies;
-    }
-  }
-
-  std::mt19937_64 random_;
-  ThermalService aidl_;
-  HidlThermalService hidl_;
-};
-
-template <typename Run>
-void RunOften(const char* what, int count, uint64_t seed, Run run) {
-  printf("%d %s, seed %lu\n", count, what, seed);
-  for (int i = 0; i < count && !::testing::Test::HasFailure(); ++i) {
-    SCOPED_TRACE("seed " + std::to_string(seed + static_cast<uint64_t>(i)));
-    run(seed + static_cast<uint64_t>(i));
-  }
-}
-
 void RunBridges(int count, uint64_t seed) {
-  RunOften("bridges", count, seed, [](uint64_t one) { RandomBridge(one).Run(40); });
-}
-void RunMonitors(int count, uint64_t seed) {
-  RunOften("monitors", count, seed, [](uint64_t one) { RandomMonitor(one).Run(); });
+  fp_test::RunSeeded("bridges", count, seed, [](uint64_t own) { RandomBridge(own).Run(40); });
 }
 
 TEST_F(ThermalFaultsTest, RandomBridges) { RunBridges(fp_test::Share(300), 1); }
-TEST_F(ThermalFaultsTest, RandomMonitors) { RunMonitors(fp_test::Share(100), 1); }
 
 using LongThermalFaultsTest = ThermalFaultsTest;
 TEST_F(LongThermalFaultsTest, RandomBridges) { RunBridges(10000, std::random_device()()); }
-TEST_F(LongThermalFaultsTest, RandomMonitors) { RunMonitors(10000, std::random_device()()); }
 
 TEST_F(ThermalFaultsTest, OneWrapperServesManyThreads) {
   ThermalService service;
@@ -387,6 +276,31 @@ TEST_F(ThermalFaultsTest, OneWrapperServesManyThreads) {
   over = true;
   notifying.join();
   EXPECT_EQ(0, service.CountCallbacks());
+}
+
+// All but the first wait for the service's answer to it.
+TEST_F(ThermalFaultsTest, OneOfManyThreadsRegistersTheirClient) {
+  ThermalService service;
+  Bridge bridge(service);
+  constexpr size_t kThreads = 3;
+  for (int i = 0; i < fp_test::Share(300); ++i) {
+    std::array<std::string, kThreads> answers;
+    std::array<std::thread, kThreads> threads;
+    std::latch all_here(kThreads);
+    for (size_t k = 0; k < kThreads; ++k) {
+      threads[k] = std::thread([&, k] {
+        all_here.arrive_and_wait();
+        answers[k] = bridge.Register(0);
+      });
+    }
+    for (std::thread& thread : threads) {
+      thread.join();
+    }
+    EXPECT_EQ(1, std::count(answers.begin(), answers.end(), "ok"));
+    EXPECT_EQ(2, std::count(answers.begin(), answers.end(), kRegisteredBefore));
+    EXPECT_EQ(1, service.CountCallbacks());
+    EXPECT_EQ("ok", bridge.Unregister(0));
+  }
 }
 
 // The HAL crashes in a loop while wrappers and monitors connect to it, are used and go. All comes

@@ -4,7 +4,7 @@
 #include <memory>
 #include <vector>
 
-#include <android/hardware/thermal/2.0/IThermalChangedCallback.h>
+#include <android/hardware/thermal/2.0/IThermal.h>
 
 namespace fp_host {
 
@@ -12,18 +12,64 @@ namespace ipc {
 class Process;
 }  // namespace ipc
 
-// A client of the HIDL thermal HAL in another process, with one callback.
+// A client of the HIDL thermal HAL in another process, with one callback. The transport sees to it
+// that each call is answered exactly once.
 class HidlThermalClient {
  public:
+  using CoolingDevice = android::hardware::thermal::V2_0::CoolingDevice;
+  using CoolingType = android::hardware::thermal::V2_0::CoolingType;
+  using IThermal = android::hardware::thermal::V2_0::IThermal;
+  using IThermalChangedCallback = android::hardware::thermal::V2_0::IThermalChangedCallback;
   using Temperature = android::hardware::thermal::V2_0::Temperature;
+  using TemperatureThreshold = android::hardware::thermal::V2_0::TemperatureThreshold;
+  using TemperatureType = android::hardware::thermal::V2_0::TemperatureType;
+  using ThermalStatus = android::hardware::thermal::V1_0::ThermalStatus;
+
+  template <typename Record>
+  struct Answer {
+    ThermalStatus status;
+    std::vector<Record> records;
+  };
 
   HidlThermalClient();
   ~HidlThermalClient();
   HidlThermalClient(const HidlThermalClient&) = delete;
   HidlThermalClient& operator=(const HidlThermalClient&) = delete;
 
+  // Calls go to `service`, an object of this process, until the next time. Null lets go of it.
+  void Connect(const android::sp<IThermal>& service);
+
+  Answer<Temperature> Temperatures(bool filter, TemperatureType type) const {
+    return Ask<Temperature>(&IThermal::getCurrentTemperatures, filter, type);
+  }
+  Answer<TemperatureThreshold> Thresholds(bool filter, TemperatureType type) const {
+    return Ask<TemperatureThreshold>(&IThermal::getTemperatureThresholds, filter, type);
+  }
+  Answer<CoolingDevice> CoolingDevices(bool filter, CoolingType type) const {
+    return Ask<CoolingDevice>(&IThermal::getCurrentCoolingDevices, filter, type);
+  }
+  // The answer to any query.
+  template <typename Record, typename Query, typename... Parameters>
+  Answer<Record> Ask(Query query, Parameters... parameters) const {
+    Answer<Record> answer = {kNone, {}};
+    const auto take = [&answer](const ThermalStatus& status,
+                                const android::hardware::hidl_vec<Record>& records) {
+      answer = {status, records};
+    };
+    (service_.get()->*query)(parameters..., take).isOk();
+    return answer;
+  }
+
+  ThermalStatus Register(const android::sp<IThermalChangedCallback>& callback, bool filter = false,
+                         TemperatureType type = TemperatureType::SKIN) const {
+    return Do(&IThermal::registerThermalChangedCallback, callback, filter, type);
+  }
+  ThermalStatus Unregister(const android::sp<IThermalChangedCallback>& callback) const {
+    return Do(&IThermal::unregisterThermalChangedCallback, callback);
+  }
+
   // The callback as a service sees it: each call over the transport brings another proxy of it.
-  android::sp<android::hardware::thermal::V2_0::IThermalChangedCallback> NewProxy() const;
+  android::sp<IThermalChangedCallback> NewProxy() const;
 
   void Kill();
 
@@ -33,8 +79,20 @@ class HidlThermalClient {
  private:
   class Callback;
 
+  template <typename Operation, typename... Parameters>
+  ThermalStatus Do(Operation operation, const Parameters&... parameters) const {
+    ThermalStatus answer = kNone;
+    const auto take = [&answer](const ThermalStatus& status) { answer = status; };
+    (service_.get()->*operation)(parameters..., take).isOk();
+    return answer;
+  }
+
+  // What stands where the transport has failed.
+  const ThermalStatus kNone = {android::hardware::thermal::V1_0::ThermalStatusCode::FAILURE, "?"};
+
   const android::sp<Callback> callback_;
   const std::shared_ptr<ipc::Process> process_;
+  android::sp<IThermal> service_;
 };
 
 }  // namespace fp_host

@@ -49,9 +49,12 @@ decltype(pipe)* NextPipe() {
 }
 [[maybe_unused]] decltype(pipe)* const kNextPipe = NextPipe();
 
-mode_t ModeArgument(int flags, va_list arguments) {
-  return (flags & (O_CREAT | O_TMPFILE)) != 0 ? va_arg(arguments, mode_t) : 0;
-}
+// The argument behind `last`. Where the caller gave none it is arbitrary, and nobody looks at it.
+#define OPTIONAL_ARGUMENT(Type, name, last)  \
+  va_list arguments;                         \
+  va_start(arguments, last);                 \
+  Type const name = va_arg(arguments, Type); \
+  va_end(arguments)
 
 using OpenFunction = int(const char*, int, ...);
 
@@ -133,37 +136,25 @@ extern "C" {
 
 int open(const char* path, int flags, ...) {
   NEXT(open);
-  va_list arguments;
-  va_start(arguments, flags);
-  const mode_t mode = ModeArgument(flags, arguments);
-  va_end(arguments);
+  OPTIONAL_ARGUMENT(mode_t, mode, flags);
   return Open(next, path, flags, mode);
 }
 
 int open64(const char* path, int flags, ...) {
   NEXT(open64);
-  va_list arguments;
-  va_start(arguments, flags);
-  const mode_t mode = ModeArgument(flags, arguments);
-  va_end(arguments);
+  OPTIONAL_ARGUMENT(mode_t, mode, flags);
   return Open(next, path, flags, mode);
 }
 
 int openat(int folder, const char* path, int flags, ...) {
   NEXT(openat);
-  va_list arguments;
-  va_start(arguments, flags);
-  const mode_t mode = ModeArgument(flags, arguments);
-  va_end(arguments);
+  OPTIONAL_ARGUMENT(mode_t, mode, flags);
   return OpenAt(next, folder, path, flags, mode);
 }
 
 int openat64(int folder, const char* path, int flags, ...) {
   NEXT(openat64);
-  va_list arguments;
-  va_start(arguments, flags);
-  const mode_t mode = ModeArgument(flags, arguments);
-  va_end(arguments);
+  OPTIONAL_ARGUMENT(mode_t, mode, flags);
   return OpenAt(next, folder, path, flags, mode);
 }
 
@@ -225,10 +216,7 @@ ssize_t write(int fd, const void* buffer, size_t size) {
 
 int ioctl(int fd, unsigned long request, ...) {
   NEXT(ioctl);
-  va_list arguments;
-  va_start(arguments, request);
-  void* const argument = va_arg(arguments, void*);
-  va_end(arguments);
+  OPTIONAL_ARGUMENT(void*, argument, request);
   if (fp_host::IsTracked(fd) && Judge(Call::kIoctl).fails) {
     return -1;
   }
@@ -256,10 +244,7 @@ int pipe(int fds[2]) {
 
 int fcntl(int fd, int command, ...) {
   NEXT(fcntl);
-  va_list arguments;
-  va_start(arguments, command);
-  void* const argument = va_arg(arguments, void*);
-  va_end(arguments);
+  OPTIONAL_ARGUMENT(void*, argument, command);
   return Judge(Call::kFcntl).fails ? -1 : next(fd, command, argument);
 }
 

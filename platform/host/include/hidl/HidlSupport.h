@@ -4,35 +4,18 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
-#include <cstdint>
 #include <cstring>
 #include <initializer_list>
 #include <iterator>
-#include <memory>
 #include <ostream>
 #include <string>
-#include <type_traits>
 #include <utility>
 #include <vector>
 
 #include <cutils/native_handle.h>
-#include <utils/Errors.h>
-#include <utils/RefBase.h>
 #include <utils/StrongPointer.h>
 
-namespace android {
-
-namespace hidl::base::V1_0 {
-struct IBase;
-}  // namespace hidl::base::V1_0
-
-namespace hardware {
-
-// What a client links to an interface to hear of its death. The link does not keep it alive.
-struct hidl_death_recipient : public virtual RefBase {
-  virtual void serviceDied(uint64_t cookie,
-                           const ::android::wp<::android::hidl::base::V1_0::IBase>& who) = 0;
-};
+namespace android::hardware {
 
 // A handle with descriptors: borrowed when made from a pointer, a duplicate of its own when copied.
 struct hidl_handle {
@@ -199,7 +182,6 @@ struct hidl_array {
   T& operator[](size_t index) { return mBuffer[index]; }
   const T& operator[](size_t index) const { return mBuffer[index]; }
   static constexpr size_t size() { return SIZE1; }
-  static constexpr size_t elementCount() { return SIZE1; }
   operator std::array<T, SIZE1>() const {  // NOLINT: implicit
     std::array<T, SIZE1> array;
     std::copy_n(mBuffer, SIZE1, array.begin());
@@ -215,18 +197,4 @@ struct hidl_array {
   T mBuffer[SIZE1];
 };
 
-namespace details {
-// Specialised for each enumeration by the header that declares it, with a std::array of all values.
-template <typename T, typename = std::enable_if_t<std::is_enum<T>::value>>
-constexpr void* hidl_enum_values = nullptr;
-}  // namespace details
-
-// All values of an enumeration, in the order of their declaration.
-template <typename T, typename = std::enable_if_t<std::is_enum<T>::value>>
-struct hidl_enum_range {
-  constexpr auto begin() const { return std::begin(details::hidl_enum_values<T>); }
-  constexpr auto end() const { return std::end(details::hidl_enum_values<T>); }
-};
-
-}  // namespace hardware
-}  // namespace android
+}  // namespace android::hardware

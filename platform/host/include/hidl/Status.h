@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <cstdint>
 #include <string>
 #include <utility>
 
@@ -14,38 +13,19 @@ namespace android::hardware {
 // The result of the transport.
 class Status final {
  public:
-  enum Exception : int32_t {
-    EX_NONE = 0,
-    EX_SECURITY = -1,
-    EX_BAD_PARCELABLE = -2,
-    EX_ILLEGAL_ARGUMENT = -3,
-    EX_NULL_POINTER = -4,
-    EX_ILLEGAL_STATE = -5,
-    EX_NETWORK_MAIN_THREAD = -6,
-    EX_UNSUPPORTED_OPERATION = -7,
-    EX_TRANSACTION_FAILED = -129,
-  };
-
   static Status ok();
-  static Status fromExceptionCode(int32_t exceptionCode);
-  static Status fromExceptionCode(int32_t exceptionCode, const char* message);
   static Status fromStatusT(status_t status);
 
   Status() = default;
 
-  bool isOk() const { return mException == EX_NONE; }
-  int32_t exceptionCode() const { return mException; }
-  const char* exceptionMessage() const { return mMessage.c_str(); }
-  status_t transactionError() const { return mException == EX_TRANSACTION_FAILED ? mError : OK; }
+  bool isOk() const { return mError == OK; }
+  status_t transactionError() const { return mError; }
   std::string description() const;
 
  private:
-  Status(int32_t exception, status_t error, std::string message)
-      : mException(exception), mError(error), mMessage(std::move(message)) {}
+  explicit Status(status_t error) : mError(error) {}
 
-  int32_t mException = EX_NONE;
   status_t mError = OK;
-  std::string mMessage;
 };
 
 namespace details {
@@ -71,9 +51,6 @@ class return_status {
   }
   std::string description() const { return mStatus.description(); }
 
- protected:
-  void assertOk() const;
-
  private:
   Status mStatus;
   mutable bool mCheckedStatus = false;
@@ -81,24 +58,9 @@ class return_status {
 
 }  // namespace details
 
-// What a call across processes returns: a value, or the transport's failure.
+// What a call across processes returns. Values come back through callbacks.
 template <typename T>
-class Return : public details::return_status {
- public:
-  Return(T value) : mValue(std::move(value)) {}                      // NOLINT: implicit
-  Return(const Status& status) : return_status(status), mValue{} {}  // NOLINT: implicit
-  Return(Return&&) = default;
-  Return& operator=(Return&&) = default;
-
-  operator T() const {  // NOLINT: implicit
-    assertOk();
-    return mValue;
-  }
-  T withDefault(T fallback) { return isOk() ? mValue : fallback; }
-
- private:
-  T mValue;
-};
+class Return;
 
 template <>
 class Return<void> : public details::return_status {

@@ -27,47 +27,6 @@ Status Remote::CallOneway(std::function<void()> serve) const {
   return Status::ok();
 }
 
-bool Remote::Link(const wp<IBase>& proxy, const wp<hidl_death_recipient>& recipient,
-                  uint64_t cookie) {
-  if (home_ == nullptr || !home_->IsAlive()) {
-    return false;
-  }
-  ipc::HidlPool().Start();
-  const std::lock_guard lock(links_->mutex);
-  if (links_->recipients.empty()) {
-    home_->OnDeath([links = links_, proxy] {
-      ipc::HidlPool().Post([links, proxy] { Announce(*links, proxy); });
-    });
-  }
-  links_->recipients.emplace_back(recipient, cookie);
-  return true;
-}
-
-bool Remote::Unlink(const wp<hidl_death_recipient>& recipient) {
-  const std::lock_guard lock(links_->mutex);
-  auto& recipients = links_->recipients;
-  for (auto link = recipients.rbegin(); link != recipients.rend(); ++link) {
-    if (link->first == recipient) {
-      recipients.erase(std::next(link).base());
-      return true;
-    }
-  }
-  return false;
-}
-
-void Remote::Announce(Links& links, const wp<IBase>& proxy) {
-  std::vector<std::pair<wp<hidl_death_recipient>, uint64_t>> recipients;
-  {
-    const std::lock_guard lock(links.mutex);
-    recipients.swap(links.recipients);
-  }
-  for (const auto& [weak_recipient, cookie] : recipients) {
-    if (const sp<hidl_death_recipient> recipient = weak_recipient.promote()) {
-      recipient->serviceDied(cookie, proxy);
-    }
-  }
-}
-
 void CheckAnswered(bool is_right) {
   if (!is_right) {
     __android_log_print(ANDROID_LOG_FATAL, "HidlTransport",

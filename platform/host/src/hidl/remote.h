@@ -1,14 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <cstdint>
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <tuple>
 #include <utility>
-#include <vector>
 
 #include <android/hidl/base/1.0/IBase.h>
 #include <hidl/Status.h>
@@ -18,8 +15,6 @@
 namespace fp_host::hidl {
 
 using android::sp;
-using android::wp;
-using android::hardware::hidl_death_recipient;
 using android::hardware::hidl_handle;
 using android::hardware::hidl_string;
 using android::hardware::hidl_vec;
@@ -48,20 +43,9 @@ class Remote {
   // One that nobody waits for, on the thread of the HIDL pool.
   Status CallOneway(std::function<void()> serve) const;
 
- protected:
-  bool Link(const wp<IBase>& proxy, const wp<hidl_death_recipient>& recipient, uint64_t cookie);
-  bool Unlink(const wp<hidl_death_recipient>& recipient);
-
  private:
-  struct Links {
-    std::mutex mutex;
-    std::vector<std::pair<wp<hidl_death_recipient>, uint64_t>> recipients;  // Guarded by mutex.
-  };
-  static void Announce(Links& links, const wp<IBase>& proxy);
-
   const sp<IBase> object_;
   const std::shared_ptr<ipc::Process> home_;
-  const std::shared_ptr<Links> links_ = std::make_shared<Links>();
 };
 
 // Ends the process unless it is right so: a server answers each call exactly once.
@@ -97,18 +81,6 @@ class Proxy : public INTERFACE, public Remote {
   Return<void> debug(const hidl_handle& fd, const hidl_vec<hidl_string>& options) override {
     const hidl_handle duplicate = fd;  // the other process gets descriptors of its own
     return Call([&] { Get().debug(duplicate, options).isOk(); });
-  }
-
-  Return<void> ping() override {
-    return Call([] {});
-  }
-
-  Return<bool> linkToDeath(const sp<hidl_death_recipient>& recipient, uint64_t cookie) override {
-    return recipient != nullptr && Link(wp<IBase>(this), recipient, cookie);
-  }
-
-  Return<bool> unlinkToDeath(const sp<hidl_death_recipient>& recipient) override {
-    return recipient != nullptr && Unlink(recipient);
   }
 
  protected:

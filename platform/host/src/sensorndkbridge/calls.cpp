@@ -2,7 +2,6 @@
 #include "sensorndkbridge/calls.h"
 
 #include <algorithm>
-#include <array>
 #include <cstdio>
 #include <cstdlib>
 #include <iterator>
@@ -20,28 +19,18 @@ constexpr const char* kFunctions[] = {
     "ALooper_prepare",
     "ALooper_pollOnce",
     "ALooper_wake",
-    "ASensorManager_getInstance",
     "ASensorManager_getInstanceForPackage",
     "ASensorManager_getSensorList",
     "ASensorManager_getDefaultSensor",
     "ASensorManager_createEventQueue",
     "ASensorManager_destroyEventQueue",
     "ASensorEventQueue_registerSensor",
-    "ASensorEventQueue_enableSensor",
-    "ASensorEventQueue_setEventRate",
     "ASensorEventQueue_disableSensor",
-    "ASensorEventQueue_hasEvents",
     "ASensorEventQueue_getEvents",
-    "ASensorEventQueue_requestAdditionalInfoEvents",
     "ASensor_getName",
-    "ASensor_getVendor",
     "ASensor_getStringType",
     "ASensor_getType",
-    "ASensor_getResolution",
     "ASensor_getMinDelay",
-    "ASensor_getFifoMaxEventCount",
-    "ASensor_getFifoReservedEventCount",
-    "ASensor_getHandle",
 };
 
 struct Hooks {
@@ -123,11 +112,15 @@ void RecordCall(const char* function, std::initializer_list<std::string> argumen
   Get().calls.push_back({std::this_thread::get_id(), text + " = " + result});
 }
 
+void AbortOver(const char* function, const std::string& argument) {
+  fprintf(stderr, "%s() was called with %s\n", function, argument.c_str());
+  abort();
+}
+
 void ReportDeadHandle(const char* function, const std::string& handle) {
   ++Get().dead_handle_uses;
   if (!Get().counts_dead_handles) {
-    fprintf(stderr, "%s() was called with %s, which is gone\n", function, handle.c_str());
-    abort();
+    AbortOver(function, handle + ", which is gone");
   }
 }
 

@@ -26,6 +26,9 @@ bool AreCallsRecorded();
 void RecordCall(const char* function, std::initializer_list<std::string> arguments,
                 const std::string& result);
 
+// Ends the process over a call that crashes on a device, or that is not simulated.
+[[noreturn]] void AbortOver(const char* function, const std::string& argument);
+
 // Aborts or counts.
 void ReportDeadHandle(const char* function, const std::string& handle);
 

@@ -18,7 +18,6 @@
 struct ASensor {
   ASensorManager* manager;
   fp_host::FakeSensor info;
-  int handle;
 };
 
 struct ASensorManager {
@@ -41,11 +40,6 @@ struct ASensorEventQueue {
   std::set<const ASensor*> enabled;
   std::vector<ASensorEvent> events;  // those before next_event are taken
   size_t next_event = 0;
-  bool wants_additional_info = false;
-
-  // Guarded by the looper's mutex.
-  ALooper_callbackFunc callback = nullptr;
-  void* data = nullptr;
 };
 
 namespace fp_host {

@@ -3,8 +3,6 @@
 
 #include <algorithm>
 #include <chrono>
-#include <cstdio>
-#include <cstdlib>
 
 #include "sensorndkbridge/calls.h"
 #include "sensorndkbridge/handles.h"
@@ -29,7 +27,7 @@ int ALooper::Poll(int timeout_ms) {
     return *fault;
   }
   if (!ready_.empty()) {
-    RunCallbacks();  // data goes first, a wake stays for the next poll
+    ready_.clear();  // data goes first, a wake stays for the next poll
     return ALOOPER_POLL_CALLBACK;
   }
   if (awoken_) {
@@ -37,16 +35,6 @@ int ALooper::Poll(int timeout_ms) {
     return ALOOPER_POLL_WAKE;
   }
   return ALOOPER_POLL_TIMEOUT;
-}
-
-// With the mutex held, as on a device: a callback must not poll, wake or destroy a queue.
-void ALooper::RunCallbacks() {
-  for (ASensorEventQueue* queue : ready_) {
-    if (queue->callback != nullptr && queue->callback(-1, ALOOPER_EVENT_INPUT, queue->data) == 0) {
-      queue->callback = nullptr;
-    }
-  }
-  ready_.clear();
 }
 
 void ALooper::Wake() {
@@ -120,8 +108,7 @@ int ALooper_pollOnce(int timeout_ms, int* out_fd, int* out_events, void** out_da
 
 void ALooper_wake(ALooper* looper) {
   if (looper == nullptr) {
-    fprintf(stderr, "ALooper_wake() was called with null\n");
-    abort();
+    fp_host::AbortOver("ALooper_wake", "null");
   }
   PlatformCall(
       "ALooper_wake",

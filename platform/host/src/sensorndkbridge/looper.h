@@ -26,8 +26,6 @@ struct ALooper {
   bool IsIdle(int waiting_threads);
 
  private:
-  void RunCallbacks();
-
   std::mutex mutex_;
   std::condition_variable changed_;
   std::vector<ASensorEventQueue*> ready_;

@@ -19,7 +19,6 @@ constexpr int kLongPressType = 65537;
 ASensorEvent EventOf(const ASensor& sensor, float reading) {
   ASensorEvent event = {};
   event.version = sizeof event;
-  event.sensor = sensor.handle;
   event.type = sensor.info.type;
   event.data[0] = reading;
   return event;
@@ -52,24 +51,21 @@ void SensorService::ReportLongPresses(int times) {
 
 void SensorService::ReportReadings(const char* string_type, const std::vector<float>& readings) {
   Deliver([&](ASensorEventQueue& queue) {
-    bool taken = false;
     for (const ASensor* sensor : queue.enabled) {
       for (const float reading : readings) {
-        taken |=
-            sensor->info.string_type == string_type && Append(queue, EventOf(*sensor, reading));
+        if (sensor->info.string_type == string_type) {
+          queue.events.push_back(EventOf(*sensor, reading));
+        }
       }
     }
-    return taken;
   });
 }
 
 void SensorService::Push(const std::vector<ASensorEvent>& events) {
   Deliver([&](ASensorEventQueue& queue) {
-    bool taken = false;
-    for (const ASensorEvent& event : events) {
-      taken |= !queue.enabled.empty() && Append(queue, event);
+    if (!queue.enabled.empty()) {
+      queue.events.insert(queue.events.end(), events.begin(), events.end());
     }
-    return taken;
   });
 }
 
@@ -79,23 +75,23 @@ void SensorService::Deliver(Fill fill) {
   {
     const std::lock_guard lock(mutex_);
     std::copy_if(queues_.begin(), queues_.end(), std::back_inserter(filled),
-                 [&fill](ASensorEventQueue* queue) { return fill(*queue); });
+                 [&fill](ASensorEventQueue* queue) {
+                   const size_t events = queue->events.size();
+                   fill(*queue);
+                   return queue->events.size() > events;
+                 });
   }
   for (ASensorEventQueue* queue : filled) {
     TheLooper().SignalData(queue);
   }
 }
 
-bool SensorService::Append(ASensorEventQueue& queue, const ASensorEvent& event) {
-  if (event.type == ASENSOR_TYPE_ADDITIONAL_INFO && !queue.wants_additional_info) {
+bool SensorService::ReportCurrentValue(ASensorEventQueue& queue, const ASensor& sensor) {
+  if (!lux_ || sensor.info.string_type != kLight) {
     return false;
   }
-  queue.events.push_back(event);
+  queue.events.push_back(EventOf(sensor, *lux_));
   return true;
-}
-
-bool SensorService::ReportCurrentValue(ASensorEventQueue& queue, const ASensor& sensor) {
-  return lux_ && sensor.info.string_type == kLight && Append(queue, EventOf(sensor, *lux_));
 }
 
 void SetLux(float lux) { SensorService::Get().ReportLux({lux}); }

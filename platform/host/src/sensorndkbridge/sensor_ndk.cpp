@@ -2,10 +2,6 @@
 //
 // The sensor calls of <android/sensor.h> that the vendor bridge exports, each over the simulated
 // service.
-#include <cmath>
-#include <cstdio>
-#include <cstdlib>
-
 #include <android/sensor.h>
 #include <utils/Errors.h>
 
@@ -13,27 +9,11 @@
 #include "sensorndkbridge/handles.h"
 #include "sensorndkbridge/service.h"
 
+using fp_host::AbortOver;
 using fp_host::PlatformCall;
 using fp_host::SensorService;
 
 namespace {
-
-// The rate of ASensorEventQueue_enableSensor().
-constexpr int32_t kDefaultPeriodUs = 200000;
-
-int Enable(const char* function, ASensorEventQueue* queue, const ASensor* sensor, int32_t period_us,
-           int64_t latency_us) {
-  if (queue != nullptr && sensor == nullptr) {
-    fprintf(stderr, "%s() was called with a null sensor\n", function);
-    abort();
-  }
-  return PlatformCall(
-      function,
-      [=] {
-        return queue == nullptr ? android::BAD_VALUE : SensorService::Get().Enable(queue, sensor);
-      },
-      queue, sensor, period_us, latency_us);
-}
 
 // A property of a sensor, or what null has for it.
 template <typename Value, typename Get>
@@ -47,10 +27,6 @@ Value Property(const char* function, const ASensor* sensor, Value of_null, Get g
 }
 
 }  // namespace
-
-ASensorManager* ASensorManager_getInstance() {
-  return PlatformCall("ASensorManager_getInstance", [] { return SensorService::Get().Connect(); });
-}
 
 ASensorManager* ASensorManager_getInstanceForPackage(const char* package) {
   return PlatformCall(
@@ -72,14 +48,16 @@ const ASensor* ASensorManager_getDefaultSensor(ASensorManager* manager, int type
 
 ASensorEventQueue* ASensorManager_createEventQueue(ASensorManager* manager, ALooper* looper,
                                                    int ident, ALooper_callbackFunc callback,
-                                                   void* data) {
+                                                   void* /*data*/) {
+  if (callback != nullptr) {
+    AbortOver("ASensorManager_createEventQueue", "a callback, which is not simulated");
+  }
   return PlatformCall(
       "ASensorManager_createEventQueue",
       [=]() -> ASensorEventQueue* {
-        return looper == nullptr ? nullptr
-                                 : SensorService::Get().CreateQueue(manager, callback, data);
+        return looper == nullptr ? nullptr : SensorService::Get().CreateQueue(manager);
       },
-      manager, looper, ident, callback == nullptr ? "null" : "callback");
+      manager, looper, ident, "null");
 }
 
 int ASensorManager_destroyEventQueue(ASensorManager* manager, ASensorEventQueue* queue) {
@@ -90,17 +68,15 @@ int ASensorManager_destroyEventQueue(ASensorManager* manager, ASensorEventQueue*
 
 int ASensorEventQueue_registerSensor(ASensorEventQueue* queue, const ASensor* sensor,
                                      int32_t period_us, int64_t latency_us) {
-  return Enable("ASensorEventQueue_registerSensor", queue, sensor, period_us, latency_us);
-}
-
-int ASensorEventQueue_enableSensor(ASensorEventQueue* queue, const ASensor* sensor) {
-  return Enable("ASensorEventQueue_enableSensor", queue, sensor, kDefaultPeriodUs, 0);
-}
-
-// The bridge makes no difference between this and enabling.
-int ASensorEventQueue_setEventRate(ASensorEventQueue* queue, const ASensor* sensor,
-                                   int32_t period_us) {
-  return Enable("ASensorEventQueue_setEventRate", queue, sensor, period_us, 0);
+  if (queue != nullptr && sensor == nullptr) {
+    AbortOver("ASensorEventQueue_registerSensor", "a null sensor");
+  }
+  return PlatformCall(
+      "ASensorEventQueue_registerSensor",
+      [=] {
+        return queue == nullptr ? android::BAD_VALUE : SensorService::Get().Enable(queue, sensor);
+      },
+      queue, sensor, period_us, latency_us);
 }
 
 int ASensorEventQueue_disableSensor(ASensorEventQueue* queue, const ASensor* sensor) {
@@ -109,31 +85,15 @@ int ASensorEventQueue_disableSensor(ASensorEventQueue* queue, const ASensor* sen
       [=] { return SensorService::Get().Disable(queue, sensor); }, queue, sensor);
 }
 
-int ASensorEventQueue_hasEvents(ASensorEventQueue* queue) {
-  return PlatformCall(
-      "ASensorEventQueue_hasEvents", [=] { return SensorService::Get().HasEvents(queue); }, queue);
-}
-
 ssize_t ASensorEventQueue_getEvents(ASensorEventQueue* queue, ASensorEvent* events, size_t count) {
   return PlatformCall(
       "ASensorEventQueue_getEvents",
       [=] { return SensorService::Get().GetEvents(queue, events, count); }, queue, count);
 }
 
-int ASensorEventQueue_requestAdditionalInfoEvents(ASensorEventQueue* queue, bool enable) {
-  return PlatformCall(
-      "ASensorEventQueue_requestAdditionalInfoEvents",
-      [=] { return SensorService::Get().WantAdditionalInfo(queue, enable); }, queue, enable);
-}
-
 const char* ASensor_getName(const ASensor* sensor) {
   return Property<const char*>("ASensor_getName", sensor, nullptr,
                                [](const ASensor& s) { return s.info.name.c_str(); });
-}
-
-const char* ASensor_getVendor(const ASensor* sensor) {
-  return Property<const char*>("ASensor_getVendor", sensor, nullptr,
-                               [](const ASensor& /*sensor*/) { return "fp_host"; });
 }
 
 const char* ASensor_getStringType(const ASensor* sensor) {
@@ -146,27 +106,7 @@ int ASensor_getType(const ASensor* sensor) {
                        [](const ASensor& s) { return s.info.type; });
 }
 
-float ASensor_getResolution(const ASensor* sensor) {
-  return Property<float>("ASensor_getResolution", sensor, NAN,
-                         [](const ASensor& /*sensor*/) { return 1.0F; });
-}
-
 int ASensor_getMinDelay(const ASensor* sensor) {
   return Property<int>("ASensor_getMinDelay", sensor, ASENSOR_DELAY_INVALID,
                        [](const ASensor& s) { return s.info.min_delay_us; });
-}
-
-int ASensor_getFifoMaxEventCount(const ASensor* sensor) {
-  return Property<int>("ASensor_getFifoMaxEventCount", sensor, ASENSOR_FIFO_COUNT_INVALID,
-                       [](const ASensor& /*sensor*/) { return 0; });
-}
-
-int ASensor_getFifoReservedEventCount(const ASensor* sensor) {
-  return Property<int>("ASensor_getFifoReservedEventCount", sensor, ASENSOR_FIFO_COUNT_INVALID,
-                       [](const ASensor& /*sensor*/) { return 0; });
-}
-
-int ASensor_getHandle(const ASensor* sensor) {
-  return Property<int>("ASensor_getHandle", sensor, ASENSOR_INVALID,
-                       [](const ASensor& s) { return s.handle; });
 }

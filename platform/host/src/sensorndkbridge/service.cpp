@@ -84,8 +84,7 @@ void SensorService::LoadList(ASensorManager& manager) {
   }
   manager.has_list = true;
   for (const FakeSensor& sensor : sensors_) {
-    const int handle = static_cast<int>(manager.sensors.size()) + 1;
-    manager.sensors.push_back({&manager, sensor, handle});
+    manager.sensors.push_back({&manager, sensor});
     manager.list.push_back(&manager.sensors.back());
   }
 }
@@ -113,8 +112,7 @@ const ASensor* SensorService::GetDefaultSensor(ASensorManager* manager, int type
   return found == manager->list.end() ? nullptr : *found;
 }
 
-ASensorEventQueue* SensorService::CreateQueue(ASensorManager* manager,
-                                              ALooper_callbackFunc callback, void* data) {
+ASensorEventQueue* SensorService::CreateQueue(ASensorManager* manager) {
   const std::lock_guard lock(mutex_);
   if (!IsUsable(manager)) {
     return nullptr;
@@ -122,8 +120,6 @@ ASensorEventQueue* SensorService::CreateQueue(ASensorManager* manager,
   const int number = static_cast<int>(all_queues_.size()) + 1;
   all_queues_.push_back(std::make_unique<ASensorEventQueue>(number, manager));
   ASensorEventQueue* queue = all_queues_.back().get();
-  queue->callback = callback;
-  queue->data = data;
   queues_.push_back(queue);
   return queue;
 }
@@ -167,11 +163,6 @@ int SensorService::Disable(ASensorEventQueue* queue, const ASensor* sensor) {
   return OK;
 }
 
-int SensorService::HasEvents(ASensorEventQueue* queue) {
-  const std::lock_guard lock(mutex_);
-  return IsUsable(queue) ? static_cast<int>(queue->next_event < queue->events.size()) : BAD_VALUE;
-}
-
 ssize_t SensorService::GetEvents(ASensorEventQueue* queue, ASensorEvent* events, size_t count) {
   const std::lock_guard lock(mutex_);
   if (!IsUsable(queue)) {
@@ -186,14 +177,6 @@ ssize_t SensorService::GetEvents(ASensorEventQueue* queue, ASensorEvent* events,
     queue->next_event = 0;
   }
   return static_cast<ssize_t>(count);
-}
-
-int SensorService::WantAdditionalInfo(ASensorEventQueue* queue, bool want) {
-  const std::lock_guard lock(mutex_);
-  if (IsUsable(queue)) {
-    queue->wants_additional_info = want;
-  }
-  return OK;
 }
 
 void SetSensors(std::vector<FakeSensor> sensors) {

@@ -33,25 +33,20 @@ class SensorService {
   ASensorManager* Connect();
   int GetSensorList(ASensorManager* manager, ASensorList* list);
   const ASensor* GetDefaultSensor(ASensorManager* manager, int type);
-  ASensorEventQueue* CreateQueue(ASensorManager* manager, ALooper_callbackFunc callback,
-                                 void* data);
+  ASensorEventQueue* CreateQueue(ASensorManager* manager);
   int DestroyQueue(ASensorManager* manager, ASensorEventQueue* queue);
   int Enable(ASensorEventQueue* queue, const ASensor* sensor);
   int Disable(ASensorEventQueue* queue, const ASensor* sensor);
-  int HasEvents(ASensorEventQueue* queue);
   ssize_t GetEvents(ASensorEventQueue* queue, ASensorEvent* events, size_t count);
-  int WantAdditionalInfo(ASensorEventQueue* queue, bool want);
 
  private:
   enum class State { kUp, kDown, kAwaited };
 
   void LoadList(ASensorManager& manager);
   void ReportReadings(const char* string_type, const std::vector<float>& readings);
-  // Fills each live queue and signals those that `fill` says it has added to.
+  // Fills each live queue and signals those that got events.
   template <typename Fill>
   void Deliver(Fill fill);
-  // True if the queue took the event.
-  static bool Append(ASensorEventQueue& queue, const ASensorEvent& event);
   // What a sensor that is being enabled reports at once: true if it does.
   bool ReportCurrentValue(ASensorEventQueue& queue, const ASensor& sensor);
 

@@ -12,8 +12,8 @@ namespace fp_host {
 using android::sp;
 using android::hardware::Return;
 using android::hardware::Void;
+using android::hardware::thermal::V2_0::BpHwThermal;
 using android::hardware::thermal::V2_0::BpHwThermalChangedCallback;
-using android::hardware::thermal::V2_0::IThermalChangedCallback;
 
 class HidlThermalClient::Callback : public IThermalChangedCallback {
  public:
@@ -39,7 +39,11 @@ HidlThermalClient::HidlThermalClient()
 
 HidlThermalClient::~HidlThermalClient() = default;
 
-sp<IThermalChangedCallback> HidlThermalClient::NewProxy() const {
+void HidlThermalClient::Connect(const sp<IThermal>& service) {
+  service_ = service == nullptr ? nullptr : sp<IThermal>(new BpHwThermal(service, nullptr));
+}
+
+sp<HidlThermalClient::IThermalChangedCallback> HidlThermalClient::NewProxy() const {
   return sp<IThermalChangedCallback>(new BpHwThermalChangedCallback(callback_, process_));
 }
 

@@ -50,9 +50,6 @@ struct ThermalService::State {
     if (refusal != nullptr) {
       return refusal();
     }
-    if (callback == nullptr || Find(callback) != registrations.end()) {
-      return Bad(callback == nullptr ? "Invalid nullptr callback" : "Callback already registered");
-    }
     registrations.push_back({callback, filter});
     return ScopedAStatus::ok();
   }
@@ -63,11 +60,10 @@ struct ThermalService::State {
     if (refusal != nullptr) {
       return refusal();
     }
-    const auto registration = callback == nullptr ? registrations.end() : Find(callback);
-    if (registration == registrations.end()) {
-      return Bad("Callback was not registered");
-    }
-    registrations.erase(registration);
+    // Each call brings a proxy of its own; their binder says whether they are the same.
+    std::erase_if(registrations, [&](const Registration& registration) {
+      return registration.callback->asBinder() == callback->asBinder();
+    });
     return ScopedAStatus::ok();
   }
 
@@ -82,17 +78,6 @@ struct ThermalService::State {
   std::deque<std::string> calls;
 
  private:
-  static ScopedAStatus Bad(const char* message) {
-    return ScopedAStatus::fromExceptionCodeWithMessage(EX_ILLEGAL_ARGUMENT, message);
-  }
-
-  std::vector<Registration>::iterator Find(const Callback& callback) {
-    // Each call brings a proxy of its own; their binder says whether they are the same.
-    return std::find_if(registrations.begin(), registrations.end(), [&](const auto& registration) {
-      return registration.callback->asBinder() == callback->asBinder();
-    });
-  }
-
   template <typename Type>
   void WriteDown(const char* call, std::optional<Type> filter) {
     calls.push_back(call);

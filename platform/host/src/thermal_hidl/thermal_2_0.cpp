@@ -12,16 +12,6 @@ const char* IThermal::descriptor = "android.hardware.thermal@2.0::IThermal";
 const char* IThermalChangedCallback::descriptor =
     "android.hardware.thermal@2.0::IThermalChangedCallback";
 
-Return<void> IThermal::interfaceChain(interfaceChain_cb _hidl_cb) {
-  _hidl_cb({descriptor, V1_0::IThermal::descriptor, IBase::descriptor});
-  return Void();
-}
-
-Return<void> IThermal::interfaceDescriptor(interfaceDescriptor_cb _hidl_cb) {
-  _hidl_cb(descriptor);
-  return Void();
-}
-
 sp<IThermal> IThermal::getService(const std::string& service_name, bool get_stub) {
   auto& services = fp_host::ipc::Registry::Get();
   const std::string name = std::string(descriptor) + "/" + service_name;
@@ -30,16 +20,6 @@ sp<IThermal> IThermal::getService(const std::string& service_name, bool get_stub
   }
   const auto entry = std::static_pointer_cast<fp_host::hidl::Entry>(services.Wait(name));
   return entry == nullptr ? nullptr : sp<IThermal>(new BpHwThermal(entry->object, entry->home));
-}
-
-Return<void> IThermalChangedCallback::interfaceChain(interfaceChain_cb _hidl_cb) {
-  _hidl_cb({descriptor, IBase::descriptor});
-  return Void();
-}
-
-Return<void> IThermalChangedCallback::interfaceDescriptor(interfaceDescriptor_cb _hidl_cb) {
-  _hidl_cb(descriptor);
-  return Void();
 }
 
 namespace {

@@ -25,9 +25,6 @@ struct IThermal : public ::android::hidl::base::V1_0::IBase {
   using getCoolingDevices_cb = std::function<void(
       const ThermalStatus& status, const ::android::hardware::hidl_vec<CoolingDevice>& devices)>;
   virtual ::android::hardware::Return<void> getCoolingDevices(getCoolingDevices_cb _hidl_cb) = 0;
-
-  ::android::hardware::Return<void> interfaceChain(interfaceChain_cb _hidl_cb) override;
-  ::android::hardware::Return<void> interfaceDescriptor(interfaceDescriptor_cb _hidl_cb) override;
 };
 
 }  // namespace android::hardware::thermal::V1_0

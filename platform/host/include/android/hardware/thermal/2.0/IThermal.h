@@ -54,9 +54,6 @@ struct IThermal : public ::android::hardware::thermal::V1_0::IThermal {
   virtual ::android::hardware::Return<void> getCurrentCoolingDevices(
       bool filterType, CoolingType type, getCurrentCoolingDevices_cb _hidl_cb) = 0;
 
-  ::android::hardware::Return<void> interfaceChain(interfaceChain_cb _hidl_cb) override;
-  ::android::hardware::Return<void> interfaceDescriptor(interfaceDescriptor_cb _hidl_cb) override;
-
   // Null at once if the device's manifest does not name the instance; otherwise waits until the
   // service is up. `getStub` asks for an implementation in this process, of which there is none.
   static ::android::sp<IThermal> getService(const std::string& serviceName = "default",

@@ -13,9 +13,6 @@ struct IThermalChangedCallback : public ::android::hidl::base::V1_0::IBase {
   // Oneway: nobody waits for it.
   virtual ::android::hardware::Return<void> notifyThrottling(
       const ::android::hardware::thermal::V2_0::Temperature& temperature) = 0;
-
-  ::android::hardware::Return<void> interfaceChain(interfaceChain_cb _hidl_cb) override;
-  ::android::hardware::Return<void> interfaceDescriptor(interfaceDescriptor_cb _hidl_cb) override;
 };
 
 }  // namespace android::hardware::thermal::V2_0

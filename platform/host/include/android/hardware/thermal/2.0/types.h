@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <array>
 #include <cstdint>
 
 #include <android/hardware/thermal/1.0/types.h>
@@ -93,47 +92,3 @@ static inline bool operator!=(const CoolingDevice& lhs, const CoolingDevice& rhs
 }
 
 }  // namespace android::hardware::thermal::V2_0
-
-namespace android::hardware::details {
-
-template <>
-constexpr inline std::array<::android::hardware::thermal::V2_0::TemperatureType, 11>
-    hidl_enum_values<::android::hardware::thermal::V2_0::TemperatureType> = {
-        ::android::hardware::thermal::V2_0::TemperatureType::UNKNOWN,
-        ::android::hardware::thermal::V2_0::TemperatureType::CPU,
-        ::android::hardware::thermal::V2_0::TemperatureType::GPU,
-        ::android::hardware::thermal::V2_0::TemperatureType::BATTERY,
-        ::android::hardware::thermal::V2_0::TemperatureType::SKIN,
-        ::android::hardware::thermal::V2_0::TemperatureType::USB_PORT,
-        ::android::hardware::thermal::V2_0::TemperatureType::POWER_AMPLIFIER,
-        ::android::hardware::thermal::V2_0::TemperatureType::BCL_VOLTAGE,
-        ::android::hardware::thermal::V2_0::TemperatureType::BCL_CURRENT,
-        ::android::hardware::thermal::V2_0::TemperatureType::BCL_PERCENTAGE,
-        ::android::hardware::thermal::V2_0::TemperatureType::NPU,
-};
-
-template <>
-constexpr inline std::array<::android::hardware::thermal::V2_0::CoolingType, 7>
-    hidl_enum_values<::android::hardware::thermal::V2_0::CoolingType> = {
-        ::android::hardware::thermal::V2_0::CoolingType::FAN,
-        ::android::hardware::thermal::V2_0::CoolingType::BATTERY,
-        ::android::hardware::thermal::V2_0::CoolingType::CPU,
-        ::android::hardware::thermal::V2_0::CoolingType::GPU,
-        ::android::hardware::thermal::V2_0::CoolingType::MODEM,
-        ::android::hardware::thermal::V2_0::CoolingType::NPU,
-        ::android::hardware::thermal::V2_0::CoolingType::COMPONENT,
-};
-
-template <>
-constexpr inline std::array<::android::hardware::thermal::V2_0::ThrottlingSeverity, 7>
-    hidl_enum_values<::android::hardware::thermal::V2_0::ThrottlingSeverity> = {
-        ::android::hardware::thermal::V2_0::ThrottlingSeverity::NONE,
-        ::android::hardware::thermal::V2_0::ThrottlingSeverity::LIGHT,
-        ::android::hardware::thermal::V2_0::ThrottlingSeverity::MODERATE,
-        ::android::hardware::thermal::V2_0::ThrottlingSeverity::SEVERE,
-        ::android::hardware::thermal::V2_0::ThrottlingSeverity::CRITICAL,
-        ::android::hardware::thermal::V2_0::ThrottlingSeverity::EMERGENCY,
-        ::android::hardware::thermal::V2_0::ThrottlingSeverity::SHUTDOWN,
-};
-
-}  // namespace android::hardware::details
