@@ -47,19 +47,14 @@ struct StoredForm {
 bool LoadWritten(AuthEvent& event, std::string& text) {
   RecordReader reader(text);
   StoredForm stored;
-  int32_t fid = 0;
-  int32_t latency = 0;
-  int32_t iq = 0;
-  if (!reader.HexLong(&stored.timestamp) || !reader.Comma() || !reader.Hex(&stored.acquired_info) ||
-      !reader.Comma() || !reader.Hex(&stored.auth_successful) || !reader.Comma() ||
-      !reader.Hex(&fid) || !reader.Comma() || !reader.Hex(&latency) || !reader.Comma() ||
-      !reader.Hex(&iq)) {
+  AuthEvent read = event;
+  if (!reader.HexLong(&stored.timestamp) || !reader.HexField(&stored.acquired_info) ||
+      !reader.HexField(&stored.auth_successful) || !reader.HexField(&read.fid) ||
+      !reader.HexField(&read.latency) || !reader.HexField(&read.iq)) {
     return false;
   }
-  stored.StoreInto(event);
-  event.fid = fid;
-  event.latency = latency;
-  event.iq = iq;
+  stored.StoreInto(read);
+  event = read;
   text.erase(0, reader.Consumed());
   return true;
 }

@@ -79,34 +79,17 @@ const char* Reason(const AuthEventG7& event) {
 // The tail in the form in which ToBackupString() writes it. False leaves the record alone.
 bool LoadWrittenTail(AuthEventG7& event, const std::string& text) {
   RecordReader reader(text);
-  float t_cov = 0;
-  float t_dist = 0;
-  uint32_t lptw = 0;
-  uint32_t rc = 0;
-  if (!reader.Comma() || !reader.FixedPoint(&t_cov) || !reader.Comma() ||
-      !reader.FixedPoint(&t_dist) || !reader.Comma() || !reader.Decimal(&lptw) || !reader.Comma() ||
-      !reader.Hex(&rc)) {
+  AuthEventG7 read = event;
+  if (!reader.FixedPointField(&read.t_cov) || !reader.FixedPointField(&read.t_dist) ||
+      !reader.DecimalField(&read.lptw) || !reader.HexField(&read.rc) ||
+      !reader.HexField(&read.rawmean_delta) || !reader.HexField(&read.packed_metric_1) ||
+      !reader.HexField(&read.packed_metric_2) || !reader.HexField(&read.packed_metric_3) ||
+      !reader.HexField(&read.extra_metric) || !reader.HexField(&read.foreign_matter_count) ||
+      !reader.HexField(&read.match_score) || !reader.HexFields(&read.stitch_img_num_) ||
+      !reader.HexFields(&read.stitch_img_area_)) {
     return false;
   }
-  std::array<int32_t, 7> metrics;
-  std::array<int32_t, AuthEventG7::kStitchSlots> nums;
-  std::array<int32_t, AuthEventG7::kStitchSlots> areas;
-  if (!reader.HexFields(metrics) || !reader.HexFields(nums) || !reader.HexFields(areas)) {
-    return false;
-  }
-  event.t_cov = t_cov;
-  event.t_dist = t_dist;
-  event.lptw = lptw;
-  event.rc = rc;
-  event.rawmean_delta = metrics[0];
-  event.packed_metric_1 = metrics[1];
-  event.packed_metric_2 = metrics[2];
-  event.packed_metric_3 = metrics[3];
-  event.extra_metric = metrics[4];
-  event.foreign_matter_count = metrics[5];
-  event.match_score = metrics[6];
-  event.stitch_img_num_ = nums;
-  event.stitch_img_area_ = areas;
+  event = read;
   return true;
 }
 
@@ -175,12 +158,8 @@ char* WriteAuthEventG7(char* out, const AuthEventG7& event) {
   out = WriteHexField(out, event.extra_metric);
   out = WriteHexField(out, event.foreign_matter_count);
   out = WriteHexField(out, event.match_score);
-  for (const auto* slots : {&event.stitch_img_num_, &event.stitch_img_area_}) {
-    for (const int32_t value : *slots) {
-      out = WriteHexField(out, value);
-    }
-  }
-  return out;
+  out = WriteHexFields(out, event.stitch_img_num_);
+  return WriteHexFields(out, event.stitch_img_area_);
 }
 
 bool AuthEventG7::LoadFromBackupString(std::string& text) {

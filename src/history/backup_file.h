@@ -39,9 +39,6 @@ class BackupFrames {
 // One history's reader and writer of its file, with the names under which the history logs.
 class BackupFile {
  public:
-  // The longest record text that the reader takes.
-  static constexpr size_t kMaxRecordBytes = 1024;
-
   struct Wording {
     const char* tag;
     const char* create_operation;  // who creates the directory

@@ -18,28 +18,18 @@ namespace {
 bool LoadWritten(EnrollEvent& event, std::string& text) {
   RecordReader reader(text);
   uint64_t timestamp = 0;
-  uint32_t op = 0;
   uint32_t successful = 0;
-  int32_t gid = 0;
-  int32_t fid = 0;
-  int32_t capture_count = 0;
-  float iq_avg = 0;
-  int32_t enrolled_fingers_count = 0;
-  if (!reader.HexLong(&timestamp) || !reader.Comma() || !reader.Decimal(&op) || !reader.Comma() ||
-      !reader.Hex(&successful) || !reader.Comma() || !reader.Hex(&gid) || !reader.Comma() ||
-      !reader.Hex(&fid) || !reader.Comma() || !reader.Hex(&capture_count) || !reader.Comma() ||
-      !reader.FixedPoint(&iq_avg) || !reader.Comma() || !reader.Hex(&enrolled_fingers_count) ||
-      op > std::numeric_limits<int32_t>::max()) {
+  EnrollEvent read = event;
+  if (!reader.HexLong(&timestamp) || !reader.DecimalField(&read.op) ||
+      !reader.HexField(&successful) || !reader.HexField(&read.gid) || !reader.HexField(&read.fid) ||
+      !reader.HexField(&read.capture_count) || !reader.FixedPointField(&read.iq_avg) ||
+      !reader.HexField(&read.enrolled_fingers_count) ||
+      read.op > std::numeric_limits<int32_t>::max()) {
     return false;
   }
-  event.timestamp = static_cast<time_t>(timestamp);
-  event.op = op;
-  event.enroll_successful = successful != 0;
-  event.gid = gid;
-  event.fid = fid;
-  event.capture_count = capture_count;
-  event.iq_avg = iq_avg;
-  event.enrolled_fingers_count = enrolled_fingers_count;
+  read.timestamp = static_cast<time_t>(timestamp);
+  read.enroll_successful = successful != 0;
+  event = read;
   text.erase(0, reader.Consumed());
   return true;
 }

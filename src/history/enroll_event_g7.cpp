@@ -18,21 +18,12 @@ constexpr char kLoadSignature[] =
 // The tail in the form in which ToBackupString() writes it. False leaves the record alone.
 bool LoadWrittenTail(EnrollEventG7& event, const std::string& text) {
   RecordReader reader(text);
-  int32_t rc = 0;
-  float rawmean_delta = 0;
-  if (!reader.Comma() || !reader.Hex(&rc) || !reader.Comma() ||
-      !reader.FixedPoint(&rawmean_delta)) {
+  EnrollEventG7 read = event;
+  if (!reader.HexField(&read.rc) || !reader.FixedPointField(&read.rawmean_delta) ||
+      !reader.HexFields(&read.stitch_img_num_) || !reader.HexFields(&read.stitch_img_area_)) {
     return false;
   }
-  std::array<int32_t, EnrollEventG7::kStitchSlots> nums;
-  std::array<int32_t, EnrollEventG7::kStitchSlots> areas;
-  if (!reader.HexFields(nums) || !reader.HexFields(areas)) {
-    return false;
-  }
-  event.rc = rc;
-  event.rawmean_delta = rawmean_delta;
-  event.stitch_img_num_ = nums;
-  event.stitch_img_area_ = areas;
+  event = read;
   return true;
 }
 
@@ -86,11 +77,8 @@ char* WriteEnrollEventG7(char* out, const EnrollEventG7& event) {
   out = WriteHexField(out, event.rc);
   *out++ = ',';
   out = WriteFixedPoint(out, event.rawmean_delta, 2);
-  for (const auto* slots : {&event.stitch_img_num_, &event.stitch_img_area_}) {
-    for (const int32_t value : *slots) {
-      out = WriteHexField(out, value);
-    }
-  }
+  out = WriteHexFields(out, event.stitch_img_num_);
+  out = WriteHexFields(out, event.stitch_img_area_);
   // The tail has always been limited to this buffer; readers of old and new files see the same.
   return std::min(out, tail + kPieceSize - 1);
 }

@@ -150,7 +150,7 @@ bool RecordReader::Comma() {
 
 // Up to `limit` digits. One more would be too long for the number, and an x would make the zero
 // before it the second "0x" that scanf allows.
-bool RecordReader::HexDigits(int limit, uint64_t* value) {
+bool RecordReader::HexNumber(int limit, uint64_t* value) {
   if (end_ - position_ < 3 || position_[0] != '0' || position_[1] != 'x') {
     return false;
   }
@@ -169,7 +169,7 @@ bool RecordReader::HexDigits(int limit, uint64_t* value) {
   return true;
 }
 
-bool RecordReader::DecimalDigits(int limit, uint64_t* value) {
+bool RecordReader::DecimalNumber(int limit, uint64_t* value) {
   const char* digit = position_;
   const char* const stop = digit + std::min<ptrdiff_t>(limit, end_ - digit);
   uint64_t number = 0;
@@ -184,40 +184,44 @@ bool RecordReader::DecimalDigits(int limit, uint64_t* value) {
   return true;
 }
 
-bool RecordReader::HexLong(uint64_t* value) { return HexDigits(kHexDigits64, value); }
+bool RecordReader::HexLong(uint64_t* value) { return HexNumber(kHexDigits64, value); }
 
-bool RecordReader::Hex(uint32_t* value) {
+bool RecordReader::HexField(uint32_t* value) {
   uint64_t number = 0;
-  if (!HexDigits(kHexDigits32, &number)) {
+  if (!Comma() || !HexNumber(kHexDigits32, &number)) {
     return false;
   }
   *value = static_cast<uint32_t>(number);
   return true;
 }
 
-bool RecordReader::Hex(int32_t* value) {
+bool RecordReader::HexField(int32_t* value) {
   uint32_t number = 0;
-  if (!Hex(&number)) {
+  if (!HexField(&number)) {
     return false;
   }
   *value = static_cast<int32_t>(number);
   return true;
 }
 
-bool RecordReader::Decimal(uint32_t* value) {
+bool RecordReader::DecimalField(uint32_t* value) {
   uint64_t number = 0;
-  if (!DecimalDigits(kDecimalDigits32, &number) || number > std::numeric_limits<uint32_t>::max()) {
+  if (!Comma() || !DecimalNumber(kDecimalDigits32, &number) ||
+      number > std::numeric_limits<uint32_t>::max()) {
     return false;
   }
   *value = static_cast<uint32_t>(number);
   return true;
 }
 
-bool RecordReader::FixedPoint(float* value) {
+bool RecordReader::FixedPointField(float* value) {
+  if (!Comma()) {
+    return false;
+  }
   const bool negative = position_ != end_ && *position_ == '-';
   position_ += negative ? 1 : 0;
   uint64_t whole = 0;
-  if (!DecimalDigits(kFixedPointDigits, &whole) || end_ - position_ < 3 || position_[0] != '.' ||
+  if (!DecimalNumber(kFixedPointDigits, &whole) || end_ - position_ < 3 || position_[0] != '.' ||
       !IsDecimalDigit(position_[1]) || !IsDecimalDigit(position_[2])) {
     return false;
   }

@@ -15,12 +15,15 @@
 
 namespace android::fp_utils {
 
+// The longest record text that a reader of the backup file takes, and the room in which a record
+// composes its own.
+inline constexpr size_t kMaxRecordBytes = 1024;
+
 // Where a record text is composed. The functions below write at `out` and return the end, and may
 // scribble up to kScratch bytes beyond it; the comment names the printf conversion whose text it
 // is.
-inline constexpr size_t kMaxRecordText = 1024;
 inline constexpr size_t kScratch = 16;
-using RecordBuffer = char[kMaxRecordText + kScratch];
+using RecordBuffer = char[kMaxRecordBytes + kScratch];
 
 char* WriteDecimal(char* out, int64_t value);                 // %d, %u
 char* WriteFixedPoint(char* out, float value, int decimals);  // %.1f, %.2f
@@ -70,6 +73,14 @@ inline char* WriteHexField(char* out, int32_t value) {
   return WriteHexField(out, static_cast<uint32_t>(value));
 }
 
+template <size_t N>
+char* WriteHexFields(char* out, const std::array<int32_t, N>& values) {
+  for (const int32_t value : values) {
+    out = WriteHexField(out, value);
+  }
+  return out;
+}
+
 // Reads fields in exactly the form in which they are written. Where an operation returns false,
 // the text may still be valid to scanf, which takes blanks, signs, longer numbers and exponents.
 class RecordReader {
@@ -77,18 +88,18 @@ class RecordReader {
   explicit RecordReader(std::string_view text)
       : position_(text.data()), end_(text.data() + text.size()), begin_(text.data()) {}
 
-  bool Comma();
-  bool Hex(uint32_t* value);
-  bool Hex(int32_t* value);
   bool HexLong(uint64_t* value);
-  bool Decimal(uint32_t* value);
-  bool FixedPoint(float* value);
 
-  // A comma and a number for each field.
+  // A comma and a number.
+  bool HexField(uint32_t* value);
+  bool HexField(int32_t* value);
+  bool DecimalField(uint32_t* value);
+  bool FixedPointField(float* value);
+
   template <size_t N>
-  bool HexFields(std::array<int32_t, N>& fields) {
-    for (int32_t& field : fields) {
-      if (!Comma() || !Hex(&field)) {
+  bool HexFields(std::array<int32_t, N>* values) {
+    for (int32_t& value : *values) {
+      if (!HexField(&value)) {
         return false;
       }
     }
@@ -98,8 +109,9 @@ class RecordReader {
   size_t Consumed() const { return static_cast<size_t>(position_ - begin_); }
 
  private:
-  bool HexDigits(int limit, uint64_t* value);
-  bool DecimalDigits(int limit, uint64_t* value);
+  bool Comma();
+  bool HexNumber(int limit, uint64_t* value);
+  bool DecimalNumber(int limit, uint64_t* value);
 
   const char* position_;
   const char* end_;
