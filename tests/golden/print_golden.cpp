@@ -1,17 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // Prints what must be the same on every compiler and processor: record texts, decoded touch reports
-// and coverage counts of arbitrary values. Made of the library's sources that need nothing of the
-// platform beyond the log and the properties, so that it runs wherever a compiler reaches.
+// and coverage counts of arbitrary values, or, given a file of coverage cases, that file with its
+// counts. Made of the library's sources that need nothing of the platform beyond the log and the
+// properties, so that it runs wherever a compiler reaches.
 #include <bit>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <fstream>
 #include <string>
-
-#include <android-base/properties.h>
-#include <android/log.h>
 
 #include "connectors/touch_report.h"
 #include "fp_utils/auth_event.h"
@@ -19,21 +18,8 @@
 #include "fp_utils/enroll_event.h"
 #include "fp_utils/finger_sizes.h"
 #include "fp_utils/shapes.h"
-
-extern "C" int __android_log_print(int /*priority*/, const char* tag, const char* format, ...) {
-  printf("  log of %s: %s\n", tag, format);
-  return 1;
-}
-
-namespace android::base {
-
-template <typename Number>
-Number GetUintProperty(const std::string& /*name*/, Number default_value, Number /*max*/) {
-  return default_value;
-}
-template uint32_t GetUintProperty(const std::string&, uint32_t, uint32_t);
-
-}  // namespace android::base
+#include "golden/bare_platform.h"
+#include "golden/recount.h"
 
 using namespace android::fp_utils;
 
@@ -176,7 +162,12 @@ void PrintCoverage(Numbers& numbers) {
 
 }  // namespace
 
-int main() {
+int main(int argc, char** argv) {
+  if (argc > 1) {
+    fp_golden::MuteLog();
+    std::ifstream cases(argv[1]);
+    return fp_golden::Recount(cases) ? 0 : 1;
+  }
   setenv("TZ", "UTC", 1);
   Numbers numbers;
   PrintRecords(numbers);

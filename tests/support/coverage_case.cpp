@@ -1,9 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "support/coverage_case.h"
 
-#include <cstdlib>
-#include <sstream>
-
 #include <android-base/properties.h>
 #include <android-base/stringprintf.h>
 
@@ -50,22 +47,6 @@ std::string TextOf(AnyShape shape) {
   return text;
 }
 
-AnyShape ReadShape(std::istream& in) {
-  std::string token;
-  in >> token;
-  AnyShape shape = Rect();
-  if (token == "circle") {
-    shape = Circle();
-  } else if (token == "ellipse") {
-    shape = Ellipse();
-  }
-  for (float* field : FieldsOf(shape)) {
-    in >> token;
-    *field = strtof(token.c_str(), nullptr);  // streams read no hexadecimal floats
-  }
-  return shape;
-}
-
 }  // namespace
 
 const IShape& AsShape(const AnyShape& shape) {
@@ -94,24 +75,6 @@ std::vector<float*> CoverageCase::Fields() {
 std::string CoverageCase::ToString() const {
   const std::string points = is_tuned ? std::to_string(nx) + ' ' + std::to_string(ny) : "- -";
   return TextOf(grid) + ' ' + points + ' ' + TextOf(s1) + ' ' + TextOf(s2);
-}
-
-CoverageCase CoverageCase::FromString(const std::string& line) {
-  std::istringstream in(line);
-  CoverageCase c;
-  c.grid = std::get<Rect>(ReadShape(in));
-  std::string nx;
-  std::string ny;
-  in >> nx >> ny;
-  c.SetDefaultScanPoints();
-  if (nx != "-") {
-    c.is_tuned = true;
-    c.nx = static_cast<uint32_t>(std::stoul(nx));
-    c.ny = static_cast<uint32_t>(std::stoul(ny));
-  }
-  c.s1 = ReadShape(in);
-  c.s2 = ReadShape(in);
-  return c;
 }
 
 fp_reference::PlainCounts CoverageCase::Scan() const {

@@ -33,10 +33,8 @@ struct CoverageCase {
   // Every float of the case.
   std::vector<float*> Fields();
 
-  // One line in the form of geometry/coverage_golden.txt, without its counts; floats in
-  // hexadecimal.
+  // One line in the form of golden/coverage.txt, without its counts; floats in hexadecimal.
   std::string ToString() const;
-  static CoverageCase FromString(const std::string& line);
 
   // By the plain scan.
   fp_reference::PlainCounts Scan() const;

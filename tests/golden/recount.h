@@ -1,0 +1,12 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <istream>
+
+namespace fp_golden {
+
+// Prints the cases of a file like coverage.txt with the counts that this program comes to, and the
+// rest of the file as it is. False, with the case on stderr, where two ways to count differ.
+bool Recount(std::istream& file);
+
+}  // namespace fp_golden
