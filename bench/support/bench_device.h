@@ -3,10 +3,15 @@
 
 #include <string>
 
+#include "control/device.h"
+
 namespace fp_bench {
 
 // Boots a simulated device in memory, so that files cost what the file system's code costs and no
 // disk; removed at exit. Returns its root.
-const std::string& DeviceInMemory();
+inline const std::string& DeviceInMemory() {
+  static const fp_host::ScratchDevice device("fp_bench");
+  return device.GetRoot();
+}
 
 }  // namespace fp_bench

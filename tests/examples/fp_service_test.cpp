@@ -10,7 +10,7 @@
 #include <regex>
 #include <string>
 
-#include "support/scratch_folder.h"
+#include "control/device.h"
 
 namespace fp_service {
 namespace {
@@ -24,9 +24,6 @@ struct Result {
 
 class FpServiceTest : public ::testing::Test {
  protected:
-  FpServiceTest() { folder_ = fp_test::MakeScratchFolder("fp_service"); }
-  ~FpServiceTest() override { fs::remove_all(folder_); }
-
   Result Run(const std::string& options) const {
     const std::string command =
         std::string(FP_SERVICE) + " --device-root " + (folder_ / "device").string() + " " + options;
@@ -46,7 +43,8 @@ class FpServiceTest : public ::testing::Test {
   }
 
   const std::string day_ = "--scenario " + std::string(SCENARIOS) + "/day.jsonl";
-  fs::path folder_;
+  const fp_host::ScratchFolder scratch_{"fp_service"};
+  const fs::path folder_ = scratch_.GetPath();
 };
 
 TEST_F(FpServiceTest, DayShowsWhatExposureControlDoes) {

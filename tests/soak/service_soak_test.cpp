@@ -170,7 +170,7 @@ class Soak : public fp_test::DeviceTest {
   }
 
   std::mt19937_64 random_;
-  Phone phone_{root_, 1};
+  Phone phone_{device_.GetRoot(), 1};
   Service service_{phone_};
   int matches_ = 0;
   long restarts_ = 0;

@@ -11,23 +11,11 @@
 #include <fstream>
 #include <sstream>
 
-#include "support/scratch_folder.h"
-
 namespace fp_test {
 
 namespace fs = std::filesystem;
 
-DeviceTest::DeviceTest() {
-  root_ = MakeScratchFolder("fp_device");
-  fp_host::SetDeviceRoot(root_);
-  fp_host::BootDevice();
-}
-
-DeviceTest::~DeviceTest() {
-  fp_host::ClearFaults();
-  std::error_code ignored;
-  fs::remove_all(root_, ignored);
-}
+DeviceTest::~DeviceTest() { fp_host::ClearFaults(); }
 
 bool DeviceTest::Exists(const std::string& path) { return fs::exists(fp_host::HostPath(path)); }
 

@@ -16,7 +16,6 @@ namespace fp_test {
 // A freshly booted simulated device for each test; paths are the device's.
 class DeviceTest : public ::testing::Test {
  protected:
-  DeviceTest();
   ~DeviceTest() override;
 
   static bool Exists(const std::string& path);
@@ -25,7 +24,7 @@ class DeviceTest : public ::testing::Test {
   static void Remove(const std::string& path);
   static unsigned ModeOf(const std::string& path);
 
-  std::string root_;  // its folder on the host
+  const fp_host::ScratchDevice device_{"fp_device"};
 };
 
 // What `dump` writes to the descriptor that it is given.

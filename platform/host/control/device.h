@@ -18,4 +18,30 @@ std::string HostPath(const std::string& device_path);
 // Creates the folders that the device's init creates at boot. Those that exist stay as they are.
 void BootDevice();
 
+// A new folder of the caller's own, removed with what is in it at the end. In memory where the
+// machine has a place for that: what tests write again and again needs no disk.
+class ScratchFolder {
+ public:
+  explicit ScratchFolder(const std::string& name);  // a few characters are added
+  ~ScratchFolder();
+  ScratchFolder(const ScratchFolder&) = delete;
+  ScratchFolder& operator=(const ScratchFolder&) = delete;
+
+  const std::string& GetPath() const { return path_; }
+
+ private:
+  std::string path_;
+};
+
+// A freshly booted device in a folder of its own. The newest is the one that programs see.
+class ScratchDevice {
+ public:
+  explicit ScratchDevice(const std::string& name);
+
+  const std::string& GetRoot() const { return folder_.GetPath(); }
+
+ private:
+  ScratchFolder folder_;
+};
+
 }  // namespace fp_host
