@@ -7,10 +7,10 @@
 #include <cstdlib>
 #include <fstream>
 
-#include "fp_utils/crc32.h"
 #include "fuzzed_device.h"
 #include "support/history_kinds.h"
 
+using fp_test::Frame;
 using fp_test::HistoryKind;
 
 namespace {
@@ -25,13 +25,6 @@ const HistoryKind& Kind() {
     abort();
   }();
   return kind;
-}
-
-std::string Frame(const std::string& text) {
-  char header[64];
-  snprintf(header, sizeof header, "0x%x,0x%zx,", android::fp_utils::crc32(text.data(), text.size()),
-           text.size());
-  return header + text;
 }
 
 // The record texts of what still looks like frames, whatever their CRC.

@@ -13,7 +13,7 @@
 
 #include "control/sensor_service.h"
 #include "fp_utils/als_monitor.h"
-#include "support/ratios.h"
+#include "measure/ratios.h"
 
 namespace fp_bench {
 namespace {

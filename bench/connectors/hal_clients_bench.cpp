@@ -18,7 +18,7 @@
 #include "control/thermal_service.h"
 #include "fp_utils/display_controller.h"
 #include "fp_utils/thermal.h"
-#include "support/ratios.h"
+#include "measure/ratios.h"
 
 namespace fp_bench {
 namespace {

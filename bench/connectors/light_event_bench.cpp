@@ -11,8 +11,8 @@
 
 #include "control/sensor_service.h"
 #include "fp_utils/sensor_listener.h"
-#include "support/ratios.h"
-#include "support/wakes.h"
+#include "measure/ratios.h"
+#include "measure/wakes.h"
 
 namespace fp_bench {
 namespace {

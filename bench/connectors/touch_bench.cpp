@@ -13,9 +13,9 @@
 
 #include "control/touch_node.h"
 #include "fp_utils/fps_touch_handler.h"
+#include "measure/ratios.h"
+#include "measure/wakes.h"
 #include "support/allocations.h"
-#include "support/ratios.h"
-#include "support/wakes.h"
 
 namespace fp_bench {
 namespace {
@@ -24,6 +24,7 @@ using android::fp_utils::FpsTouchHandler;
 using android::fp_utils::TouchEvent;
 using fp_host::TouchNode;
 using fp_host::TouchRecord;
+using fp_test::Allocations;
 
 constexpr FpsTouchHandler::TouchConfig kArea = {.left = 0, .top = 0, .right = 200, .bottom = 200};
 

@@ -6,8 +6,8 @@
 
 #include "fp_utils/shapes.h"
 #include "geometry/touches.h"
+#include "measure/ratios.h"
 #include "reference/plain_geometry.h"
-#include "support/ratios.h"
 
 namespace fp_bench {
 namespace {

@@ -17,7 +17,7 @@
 
 #include "fp_utils/shapes.h"
 #include "geometry/touches.h"
-#include "support/ratios.h"
+#include "measure/ratios.h"
 
 namespace fp_bench {
 namespace {

@@ -5,7 +5,7 @@
 
 #include "fp_utils/crc32.h"
 #include "history/plain_crc32.h"
-#include "support/ratios.h"
+#include "measure/ratios.h"
 
 namespace fp_bench {
 namespace {

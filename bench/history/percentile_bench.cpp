@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "fp_utils/finger_sizes.h"
-#include "support/ratios.h"
+#include "measure/ratios.h"
 
 namespace fp_bench {
 namespace {

@@ -5,9 +5,9 @@
 #include <benchmark/benchmark.h>
 
 #include "history/sample_records.h"
+#include "measure/ratios.h"
 #include "reference/plain_auth_event.h"
 #include "reference/plain_enroll_event.h"
-#include "support/ratios.h"
 
 namespace fp_bench {
 namespace {

@@ -10,10 +10,10 @@
 #include "fp_utils/enroll_event_container.h"
 #include "history/plain_crc32.h"
 #include "history/sample_records.h"
+#include "measure/bench_device.h"
+#include "measure/ratios.h"
 #include "reference/plain_auth_event.h"
 #include "reference/plain_enroll_event.h"
-#include "support/bench_device.h"
-#include "support/ratios.h"
 
 namespace fp_bench {
 namespace {

@@ -7,8 +7,8 @@
 #include <string>
 
 #include "history/sample_records.h"
-#include "support/bench_device.h"
-#include "support/ratios.h"
+#include "measure/bench_device.h"
+#include "measure/ratios.h"
 
 namespace fp_bench {
 namespace {

@@ -9,8 +9,8 @@
 #include <thread>
 
 #include "fp_utils/fp_state_tracker.h"
-#include "support/ratios.h"
-#include "support/wakes.h"
+#include "measure/ratios.h"
+#include "measure/wakes.h"
 
 namespace fp_bench {
 namespace {

@@ -12,7 +12,7 @@
 namespace android::fp_utils {
 namespace {
 
-using fp_bench::Allocations;
+using fp_test::Allocations;
 
 TEST(SensorAllocation, GetLightDoesNotAllocate) {
   AlsMonitor* const monitor = AlsMonitor::GetInstance();

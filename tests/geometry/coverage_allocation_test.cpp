@@ -8,7 +8,7 @@
 namespace android::fp_utils {
 namespace {
 
-using fp_bench::Allocations;
+using fp_test::Allocations;
 
 TEST(CoverageAllocation, EstimatesDoNotAllocate) {
   fp_test::MuteLog(true);

@@ -9,25 +9,18 @@
 #include <filesystem>
 #include <random>
 
-#include "fp_utils/crc32.h"
 #include "support/device_test.h"
 #include "support/history_kinds.h"
 
 namespace android::fp_utils {
 namespace {
 
+using fp_test::Frame;
 using fp_test::HistoryKind;
 using fp_test::LogLine;
 using fp_test::Share;
 using fp_test::TakeLog;
 using Texts = std::vector<std::string>;
-
-std::string Frame(const std::string& text, uint64_t length) {
-  char header[64];
-  snprintf(header, sizeof header, "0x%x,0x%lx,", crc32(text.data(), text.size()), length);
-  return header + text;
-}
-std::string Frame(const std::string& text) { return Frame(text, text.size()); }
 
 class BackupDamage : public fp_test::DeviceTest, public ::testing::WithParamInterface<HistoryKind> {
  protected:

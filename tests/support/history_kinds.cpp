@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "support/history_kinds.h"
 
+#include <cstdio>
+
 #include "fp_utils/auth_stats.h"
+#include "fp_utils/crc32.h"
 #include "fp_utils/enroll_event_container.h"
 #include "fp_utils/finger_sizes.h"
 
@@ -99,6 +102,13 @@ std::vector<HistoryKind> AllHistoryKinds() {
       {"FingerSizes", "/data/vendor/fingerprint/FingerSizes.0", kFullSize,
        [] { return std::make_unique<FingerHistory>(); }},
   };
+}
+
+std::string Frame(const std::string& text, uint64_t length) {
+  char header[64];
+  snprintf(header, sizeof header, "0x%x,0x%lx,", android::fp_utils::crc32(text.data(), text.size()),
+           length);
+  return header + text;
 }
 
 }  // namespace fp_test

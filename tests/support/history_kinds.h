@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <ostream>
@@ -34,5 +35,9 @@ inline std::ostream& operator<<(std::ostream& out, const HistoryKind& kind) {
 }
 
 std::vector<HistoryKind> AllHistoryKinds();
+
+// A record text as it stands in a backup file; the header may claim another length.
+std::string Frame(const std::string& text, uint64_t length);
+inline std::string Frame(const std::string& text) { return Frame(text, text.size()); }
 
 }  // namespace fp_test

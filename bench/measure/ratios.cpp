@@ -2,7 +2,7 @@
 //
 // The benchmarks' main program: runs them interleaved and repeated, takes the fastest repetition of
 // each, which noise from outside disturbs least, and closes with the table of ratios.
-#include "support/ratios.h"
+#include "measure/ratios.h"
 
 #include <benchmark/benchmark.h>
 

@@ -3,9 +3,9 @@
 
 #include <cstdint>
 
-namespace fp_bench {
+namespace fp_test {
 
 // Calls of operator new on this thread so far, by the program and its libraries.
 uint64_t Allocations();
 
-}  // namespace fp_bench
+}  // namespace fp_test

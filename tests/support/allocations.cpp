@@ -10,7 +10,7 @@ thread_local uint64_t allocations = 0;
 
 }  // namespace
 
-uint64_t fp_bench::Allocations() { return allocations; }
+uint64_t fp_test::Allocations() { return allocations; }
 
 void* operator new(size_t size) {
   ++allocations;
