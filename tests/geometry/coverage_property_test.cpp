@@ -6,7 +6,7 @@
 #include "fp_utils/shapes.h"
 #include "geometry/grid_count.h"
 #include "reference/plain_geometry.h"
-#include "support/coverage_cases.h"
+#include "support/coverage_case_generator.h"
 #include "support/device_test.h"
 
 namespace android::fp_utils {
@@ -18,12 +18,12 @@ using fp_test::AsPlainShape;
 using fp_test::AsShape;
 using fp_test::CountIn;
 using fp_test::CoverageCase;
-using fp_test::CoverageCases;
+using fp_test::CoverageCaseGenerator;
 
 // Draws `count` cases from a numbered stream.
 void ExpectScanCounts(uint64_t stream, int count) {
   fp_test::MuteLog(true);
-  CoverageCases cases(stream);
+  CoverageCaseGenerator cases(stream);
   uint64_t partly_covered = 0;
   for (int i = 0; i < count; ++i) {
     const CoverageCase c = cases.Next();
@@ -52,7 +52,7 @@ TEST(LongCoverageProperty, RowsCountWhatTheScanCounts) {
 
 // Whether rows found with this multiple of the bound count an ellipse of the cases wrong.
 bool IsExactWith(double bound_factor, int count) {
-  CoverageCases cases(1);
+  CoverageCaseGenerator cases(1);
   for (int i = 0; i < count; ++i) {
     const CoverageCase c = cases.Next();
     const auto* ellipse = std::get_if<Ellipse>(&c.s1);
@@ -78,7 +78,7 @@ TEST(CoverageProperty, HalfTheBoundIsNoticed) {
 }
 
 TEST(CoverageProperty, ClosedForm) {
-  CoverageCases cases(1);
+  CoverageCaseGenerator cases(1);
   int lenses = 0;
   for (int i = 0; i < fp_test::Share(200000); ++i) {
     CoverageCase c = cases.Next();

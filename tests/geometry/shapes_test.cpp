@@ -8,7 +8,7 @@
 #include <string>
 
 #include "reference/plain_geometry.h"
-#include "support/coverage_cases.h"
+#include "support/coverage_case_generator.h"
 #include "support/device_test.h"
 
 namespace android::fp_utils {
@@ -91,7 +91,7 @@ TEST(Shapes, Contain) {
 
 // The rounding of each step, at samples near edges.
 TEST(Shapes, ContainToTheLastBit) {
-  fp_test::CoverageCases cases(11);
+  fp_test::CoverageCaseGenerator cases(11);
   int inside = 0;
   const int count = fp_test::Share(300000);
   for (int i = 0; i < count; ++i) {

@@ -13,9 +13,9 @@ namespace fp_test {
 // Cases in which rounding decides: samples that run along edges an ulp at a time, rows that touch a
 // shape, offsets that swallow the steps, axes from the smallest to the largest number, special
 // values and bit noise in every field, grids that are inverted, flat or wider than a piece.
-class CoverageCases {
+class CoverageCaseGenerator {
  public:
-  explicit CoverageCases(uint64_t stream) : random_(stream) {}
+  explicit CoverageCaseGenerator(uint64_t stream) : random_(stream) {}
 
   CoverageCase Next();
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "support/coverage_cases.h"
+#include "support/coverage_case_generator.h"
 
 #include <bit>
 #include <cmath>
@@ -29,14 +29,16 @@ float StepBy(float value, int ulps) {
 
 }  // namespace
 
-float CoverageCases::Between(float low, float high) {
+float CoverageCaseGenerator::Between(float low, float high) {
   const float value = low + (high - low) * static_cast<float>(random_() >> 40) * 0x1p-24F;
   return is_whole_ ? std::round(value * 2) / 2 : value;
 }
 
-float CoverageCases::Noise() { return std::bit_cast<float>(static_cast<uint32_t>(random_())); }
+float CoverageCaseGenerator::Noise() {
+  return std::bit_cast<float>(static_cast<uint32_t>(random_()));
+}
 
-float CoverageCases::Special() {
+float CoverageCaseGenerator::Special() {
   using Limits = std::numeric_limits<float>;
   const float values[] = {0,
                           -0.0F,
@@ -60,7 +62,7 @@ float CoverageCases::Special() {
   return values[Below(std::size(values))];
 }
 
-float CoverageCases::Orientation() {
+float CoverageCaseGenerator::Orientation() {
   switch (Below(4)) {
     case 0:
       return static_cast<float>(static_cast<int>(Below(17)) - 8) * kHalfTurn / 4;
@@ -73,7 +75,7 @@ float CoverageCases::Orientation() {
   }
 }
 
-void CoverageCases::PickScale() {
+void CoverageCaseGenerator::PickScale() {
   is_whole_ = false;
   size_ = Power(0, 7);
   offset_ = Between(-2000, 2000);
@@ -98,11 +100,11 @@ void CoverageCases::PickScale() {
   }
 }
 
-Point CoverageCases::Center() {
+Point CoverageCaseGenerator::Center() {
   return {offset_ + size_ * Between(-1, 1), offset_ + size_ * Between(-1, 1)};
 }
 
-AnyShape CoverageCases::Shape() {
+AnyShape CoverageCaseGenerator::Shape() {
   switch (Below(4)) {
     case 0:
       return Circle(Center(),
@@ -124,7 +126,7 @@ AnyShape CoverageCases::Shape() {
 
 // A point that rounding puts on the edge of a shape or beside it; often where a row or a column
 // only touches it.
-Point CoverageCases::OnEdge(const AnyShape& shape) {
+Point CoverageCaseGenerator::OnEdge(const AnyShape& shape) {
   const float angle = OneIn(2) ? static_cast<float>(Below(4)) * kHalfTurn / 2 : Between(-4, 4);
   if (const auto* circle = std::get_if<Circle>(&shape)) {
     return {circle->center.x + circle->radius * std::cos(angle),
@@ -150,7 +152,7 @@ Point CoverageCases::OnEdge(const AnyShape& shape) {
           static_cast<float>(ellipse.center.y - u * c + v * s)};
 }
 
-Rect CoverageCases::GridAround(const AnyShape& shape) {
+Rect CoverageCaseGenerator::GridAround(const AnyShape& shape) {
   const Point p = OneIn(2) ? OnEdge(shape) : Center();
   const float width = size_ * (OneIn(4) ? Power(-12, 4) : Between(0, 4));
   const float height = size_ * (OneIn(4) ? Power(-12, 4) : Between(0, 4));
@@ -160,7 +162,7 @@ Rect CoverageCases::GridAround(const AnyShape& shape) {
 }
 
 // A few ulps to a step, over a point of the edge.
-Rect CoverageCases::GridAlong(const AnyShape& shape) {
+Rect CoverageCaseGenerator::GridAlong(const AnyShape& shape) {
   const Point p = OnEdge(shape);
   const int width = 1 << Below(12);
   const int height = 1 << Below(10);
@@ -170,7 +172,7 @@ Rect CoverageCases::GridAlong(const AnyShape& shape) {
           {StepBy(p.x, width - before_x), StepBy(p.y, height - before_y)}};
 }
 
-void CoverageCases::PickScanPoints(CoverageCase* picked) {
+void CoverageCaseGenerator::PickScanPoints(CoverageCase* picked) {
   picked->SetDefaultScanPoints();
   if (picked->nx <= kMaxScanPoints && picked->ny <= kMaxScanPoints && OneIn(2)) {
     return;
@@ -183,7 +185,7 @@ void CoverageCases::PickScanPoints(CoverageCase* picked) {
   }
 }
 
-CoverageCase CoverageCases::Next() {
+CoverageCase CoverageCaseGenerator::Next() {
   PickScale();
   CoverageCase next;
   next.s1 = Shape();
