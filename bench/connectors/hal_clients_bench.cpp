@@ -5,7 +5,6 @@
 #include <benchmark/benchmark.h>
 
 #include <memory>
-#include <string>
 #include <thread>
 #include <vector>
 

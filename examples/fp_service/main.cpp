@@ -9,7 +9,6 @@
 #include <CLI/CLI.hpp>
 #include <cstdio>
 #include <fstream>
-#include <iostream>
 #include <map>
 #include <string>
 #include <vector>

@@ -11,12 +11,7 @@ namespace android::fp_utils {
 namespace {
 
 using fp_host::SetLux;
-using fp_test::Debug;
-using fp_test::Error;
-using fp_test::Info;
-using fp_test::LogLine;
-using fp_test::TakeLog;
-using fp_test::Texts;
+using namespace fp_test;
 
 constexpr char kTag[] = "AlsMonitor";
 constexpr char kGetManager[] = "ASensorManager_getInstanceForPackage() = manager 1";
@@ -57,7 +52,7 @@ TEST_F(AlsMonitorTest, AsksThePlatformInThisOrder) {
                    "ASensor_getMinDelay(light) = 20000",
                    "ASensorEventQueue_registerSensor(queue 1, light, 20000, 0) = 0"}),
             MyCalls());
-  EXPECT_EQ((std::vector{kConnected, kStarted}), TakeLog());
+  EXPECT_LOG(kConnected, kStarted);
 
   SetLux(350);
   EXPECT_EQ(350, Light());
@@ -69,7 +64,7 @@ TEST_F(AlsMonitorTest, AsksThePlatformInThisOrder) {
   EXPECT_EQ((Texts{kGetManager, "ASensor_getMinDelay(light) = 20000",
                    "ASensorEventQueue_registerSensor(queue 1, light, 20000, 0) = 0"}),
             MyCalls());
-  EXPECT_EQ((std::vector{kStarted}), TakeLog());
+  EXPECT_LOG(kStarted);
 
   EXPECT_EQ(0, Monitor().StopSampling());
   EXPECT_EQ((Texts{kGetManager, "ASensorEventQueue_disableSensor(queue 1, light) = 0",
@@ -78,7 +73,7 @@ TEST_F(AlsMonitorTest, AsksThePlatformInThisOrder) {
   EXPECT_EQ(kUntouched, Light(UNKNOWN_ERROR));
   EXPECT_EQ(0, Monitor().StopSampling());
   EXPECT_EQ((Texts{kGetManager, kGetManager}), MyCalls());
-  EXPECT_EQ((std::vector{kStopped, kNotStarted, kStopped}), TakeLog());
+  EXPECT_LOG(kStopped, kNotStarted, kStopped);
 
   EXPECT_EQ(0, Monitor().StartSampling());
   EXPECT_EQ(
@@ -145,20 +140,19 @@ TEST_F(AlsMonitorTest, MissingManagerLosesNothing) {
   EXPECT_EQ(-ENOMEM, Monitor().StopSampling());
   EXPECT_EQ(kUntouched, Light(-ENOMEM));
   EXPECT_FALSE(Monitor().ConnectSensorManagerIfNeeded());
-  EXPECT_EQ((std::vector{kNoManager, kNoConnection, kNoManager, kNoConnection, kNoManager,
-                         kNoConnection, kNoManager}),
-            TakeLog());
+  EXPECT_LOG(kNoManager, kNoConnection, kNoManager, kNoConnection, kNoManager, kNoConnection,
+             kNoManager);
   fp_host::ClearSensorFaults();
   EXPECT_TRUE(Monitor().ConnectSensorManagerIfNeeded());
   EXPECT_EQ(10, Light());
-  EXPECT_TRUE(TakeLog().empty());
+  EXPECT_LOG();
 }
 
 TEST_F(AlsMonitorTest, DrainsInBatchesAndKeepsTheNewest) {
   EXPECT_EQ(kUntouched, Light(UNKNOWN_ERROR));
   StartQuietly();
   EXPECT_EQ(kUntouched, Light(-EINVAL));
-  EXPECT_EQ((std::vector{kNoSample}), TakeLog());
+  EXPECT_LOG(kNoSample);
 
   const struct {
     size_t events;
@@ -202,7 +196,7 @@ TEST_F(AlsMonitorTest, PollErrorEndsTheDrainButKeepsTheSample) {
     }
   });
   EXPECT_EQ(kUntouched, Light(UNKNOWN_ERROR));
-  EXPECT_EQ((std::vector{kPollError}), TakeLog());
+  EXPECT_LOG(kPollError);
   fp_host::SetSensorFault({.function = "ASensorEventQueue_getEvents", .result = -11, .calls = 1});
   EXPECT_EQ(5, Light()) << "seen before the error; a negative count is an empty queue";
 
@@ -245,7 +239,7 @@ TEST_F(AlsMonitorTest, NewManagerHandleMeansStopped) {
   fp_host::RestartSensorService();
   EXPECT_EQ(kUntouched, Light(UNKNOWN_ERROR));
   EXPECT_EQ(0, Monitor().StopSampling());
-  EXPECT_EQ((std::vector{kConnected, kNotStarted, kStopped}), TakeLog());
+  EXPECT_LOG(kConnected, kNotStarted, kStopped);
   MyCalls();
   fp_host::StopSensorService();
   EXPECT_EQ(-ENOMEM, Monitor().StopSampling());
@@ -264,7 +258,7 @@ TEST_F(AlsMonitorTest, NewManagerHandleMeansStopped) {
 
 TEST_F(AlsMonitorTest, DeathOfTheSystemServerBeginsAnew) {
   AlsMonitor::OnSystemServerDeath();
-  EXPECT_EQ((std::vector{Info(kTag, "system server died.")}), TakeLog()) << "without an instance";
+  EXPECT_LOG(Info(kTag, "system server died.")) << "without an instance";
   StartQuietly();
   SetLux(20);
   EXPECT_EQ(20, Light());
@@ -273,7 +267,7 @@ TEST_F(AlsMonitorTest, DeathOfTheSystemServerBeginsAnew) {
   AlsMonitor::OnSystemServerDeath();
   EXPECT_TRUE(MyCalls().empty());
   EXPECT_EQ(0, Monitor().StartSampling());
-  EXPECT_EQ((std::vector{Info(kTag, "system server died."), kConnected, kStarted}), TakeLog());
+  EXPECT_LOG(Info(kTag, "system server died."), kConnected, kStarted);
 }
 
 // The service's thread is about to enter an operation as another hears of the death.
@@ -287,13 +281,13 @@ TEST_F(AlsMonitorTest, OldPointerFailsAndIsNotFollowed) {
   EXPECT_EQ(-ENOMEM, old->StopSampling());
   EXPECT_EQ(-ENOMEM, old->GetLight(&lux));
   EXPECT_FALSE(old->ConnectSensorManagerIfNeeded());
-  EXPECT_EQ((std::vector{kNoConnection, kNoConnection, kNoConnection}), TakeLog());
+  EXPECT_LOG(kNoConnection, kNoConnection, kNoConnection);
   EXPECT_TRUE(MyCalls().empty());
 }
 
 TEST_F(AlsMonitorTest, NullIsRefused) {
   EXPECT_EQ(-EINVAL, Monitor().GetLight(nullptr));
-  EXPECT_EQ((std::vector{Error(kTag, "GetLight: lux is null.")}), TakeLog());
+  EXPECT_LOG(Error(kTag, "GetLight: lux is null."));
 }
 
 }  // namespace

@@ -19,11 +19,7 @@
 namespace android::fp_utils {
 namespace {
 
-using fp_test::Call;
-using fp_test::Debug;
-using fp_test::Error;
-using fp_test::LogLine;
-using fp_test::TakeLog;
+using namespace fp_test;
 using ndk::ScopedAStatus;
 using std::chrono::milliseconds;
 
@@ -93,25 +89,25 @@ TEST_F(DisplayControllerTest, ConnectsAndSwitchesInThisOrder) {
   EXPECT_EQ(1, CountRefs()) << "the connection's; the one that came with the binder is released";
 
   Kill();
-  EXPECT_EQ((std::vector{kDied, Call("DeathRecipient_delete")}), TakeLog());
+  EXPECT_LOG(kDied, Call("DeathRecipient_delete"));
   service_.Start();
   EXPECT_EQ(0, Set(true));
   EXPECT_EQ(8u, TakeLog().size()) << "as on the first connection";
   controller_ = nullptr;
-  EXPECT_EQ((std::vector{Call("DeathRecipient_delete")}), TakeLog());
+  EXPECT_LOG(Call("DeathRecipient_delete"));
   EXPECT_EQ(0, CountRefs());
 }
 
 TEST_F(DisplayControllerTest, StateReachedIsNotAskedForAgain) {
   EXPECT_EQ(0, Set(false));
   EXPECT_EQ(0u, elapsed_);
-  EXPECT_EQ((std::vector{Debug(kTag, "[SetLhbm] Lhbm is already 0")}), TakeLog())
+  EXPECT_LOG(Debug(kTag, "[SetLhbm] Lhbm is already 0"))
       << "off from the start, without a connection";
   EXPECT_EQ(0, controller_->SetLhbm(true, nullptr));
   TakeLog();
   EXPECT_EQ(0, Set(true));
   EXPECT_EQ(0u, elapsed_);
-  EXPECT_EQ((std::vector{Debug(kTag, "[SetLhbm] Lhbm is already 1")}), TakeLog());
+  EXPECT_LOG(Debug(kTag, "[SetLhbm] Lhbm is already 1"));
   EXPECT_EQ((std::vector{true}), service_.GetRequests());
 }
 
@@ -122,7 +118,7 @@ TEST_F(DisplayControllerTest, StateSurvivesTheDeathOfTheService) {
   EXPECT_FALSE(service_.IsLhbmOn());
   TakeLog();
   EXPECT_EQ(0, Set(true));
-  EXPECT_EQ((std::vector{Debug(kTag, "[SetLhbm] Lhbm is already 1")}), TakeLog());
+  EXPECT_LOG(Debug(kTag, "[SetLhbm] Lhbm is already 1"));
   EXPECT_FALSE(service_.IsLhbmOn());
   EXPECT_EQ(0, Set(false));
   EXPECT_EQ(0, Set(true));
@@ -146,9 +142,8 @@ TEST_F(DisplayControllerTest, FailedSwitches) {
   service_.Refuse([] { return ScopedAStatus::fromStatus(STATUS_TIMED_OUT); });
   TakeLog();
   EXPECT_EQ(FAILED_TRANSACTION, Set(false));
-  EXPECT_EQ((std::vector{Debug(kTag, "[SetLhbm]: Turning off lhbm"),
-                         Error(kTag, "[SetLhbm] Failed to setLhbmState 0")}),
-            TakeLog());
+  EXPECT_LOG(Debug(kTag, "[SetLhbm]: Turning off lhbm"),
+             Error(kTag, "[SetLhbm] Failed to setLhbmState 0"));
   EXPECT_EQ(dump, CriticalErrorDump()) << "only a failed switch-on is critical";
   EXPECT_EQ(0, Set(true)) << "still on";
 }
@@ -171,10 +166,8 @@ TEST_F(DisplayControllerTest, ConnectionThatFailsKeepsNothing) {
   service_.StartImpostor();
   EXPECT_EQ(-ENODEV, Set(true));
   EXPECT_EQ(0u, elapsed_);
-  EXPECT_EQ((std::vector{
-                Error(kTag, std::string("Failed to get IDisplay service for ") + kInstance + "!"),
-                kNoConnection}),
-            TakeLog());
+  EXPECT_LOG(Error(kTag, std::string("Failed to get IDisplay service for ") + kInstance + "!"),
+             kNoConnection);
   EXPECT_EQ(0, CountRefs());
 
   Kill();
@@ -201,7 +194,7 @@ TEST_F(DisplayControllerTest, ElapsedTimeIncludesConnecting) {
   service_.SetDelay(milliseconds(20));
   EXPECT_EQ(0, Set(true));
   EXPECT_GE(elapsed_, 60u);
-  EXPECT_EQ((std::vector{kConnected, kTurningOn, Turned("on", elapsed_)}), TakeLog());
+  EXPECT_LOG(kConnected, kTurningOn, Turned("on", elapsed_));
   EXPECT_EQ(0, Set(false));
   EXPECT_GE(elapsed_, 20u);
   EXPECT_EQ(0, controller_->SetLhbm(true, nullptr));
@@ -268,13 +261,13 @@ TEST_F(DisplayControllerTest, EndsWhileConnected) {
   controller_ = nullptr;
   TakeLog();
   Kill();
-  EXPECT_TRUE(TakeLog().empty()) << "nobody left to tell";
+  EXPECT_LOG() << "nobody left to tell";
   DisplayController::BinderOnDeath(this);
   DisplayController::BinderOnDeath(nullptr);
-  EXPECT_TRUE(TakeLog().empty()) << "not controllers";
+  EXPECT_LOG() << "not controllers";
   DisplayController other;
   DisplayController::BinderOnDeath(&other);
-  EXPECT_EQ((std::vector{kDied}), TakeLog());
+  EXPECT_LOG(kDied);
 }
 
 }  // namespace

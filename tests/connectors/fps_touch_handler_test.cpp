@@ -17,17 +17,7 @@ namespace {
 
 using fp_host::TouchNode;
 using fp_host::TouchRecord;
-using fp_test::Debug;
-using fp_test::Decoded;
-using fp_test::Error;
-using fp_test::Eventually;
-using fp_test::Info;
-using fp_test::kSensingArea;
-using fp_test::LinesWith;
-using fp_test::LogLine;
-using fp_test::Same;
-using fp_test::Share;
-using fp_test::TakeLog;
+using namespace fp_test;
 
 constexpr char kTag[] = "FpsTouchHandler";
 
@@ -49,10 +39,9 @@ TEST_F(FpsTouchHandlerTest, ConfiguresTheScaledArea) {
   EXPECT_EQ((std::vector<TouchNode::Request>{{115, Block(0x7FFFFFFD, -15, 30, 0)},
                                              {115, Block(3, 6, 90, 120)}}),
             node_.TakeRequests());
-  EXPECT_EQ((std::vector{Debug(kTag, "OpenTouchDevice: opening device: /dev/fth_fd"),
-                         Debug(kTag, "Configure: left:2147483645, right:30, top:-15, bottom:0"),
-                         Debug(kTag, "Configure: left:3, right:90, top:6, bottom:120")}),
-            TakeLog());
+  EXPECT_LOG(Debug(kTag, "OpenTouchDevice: opening device: /dev/fth_fd"),
+             Debug(kTag, "Configure: left:2147483645, right:30, top:-15, bottom:0"),
+             Debug(kTag, "Configure: left:3, right:90, top:6, bottom:120"));
   EXPECT_EQ(1, node_.OpenDescriptors()) << "opened once";
 }
 
@@ -97,9 +86,7 @@ TEST_F(FpsTouchHandlerTest, FailedConfigureCanBeRepeated) {
   node_.Answer(115, -7);
   expect_failure({area, Error(kTag, "Configure: fth ioctl 115 error -7")});
   EXPECT_FALSE(handler_.Start());
-  EXPECT_EQ((std::vector{Debug(kTag, "Start"),
-                         Error(kTag, "Start: configuration has not been completed")}),
-            TakeLog());
+  EXPECT_LOG(Debug(kTag, "Start"), Error(kTag, "Start: configuration has not been completed"));
   node_.Answer(115, 0);
   EXPECT_TRUE(handler_.Configure(kSensingArea));
   node_.Answer(115, 1);
@@ -147,7 +134,7 @@ TEST_F(FpsTouchHandlerTest, SwitchesLptw) {
 
 TEST_F(FpsTouchHandlerTest, StartAndStopLogTheirSteps) {
   EXPECT_TRUE(handler_.Stop());
-  EXPECT_EQ((std::vector{Debug(kTag, "Stop")}), TakeLog());
+  EXPECT_LOG(Debug(kTag, "Stop"));
   handler_.Configure(kSensingArea);
   TakeLog();
   EXPECT_TRUE(handler_.Start());
@@ -231,7 +218,6 @@ TEST_F(FpsTouchHandlerTest, LooksAtNoMoreRecordsThanThereCanBe) {
 TEST_F(FpsTouchHandlerTest, EmptyCallbackAborts) {
   ASSERT_TRUE(handler_.Configure(kSensingArea));
   ASSERT_TRUE(node_.Push({{}}));
-  GTEST_FLAG_SET(death_test_style, "threadsafe");
   EXPECT_EXIT(handler_.ReadTouchEvent(), testing::KilledBySignal(SIGABRT), "");
 }
 

@@ -12,15 +12,7 @@ namespace {
 
 using fp_host::SensorUsage;
 using fp_host::SetLux;
-using fp_test::Debug;
-using fp_test::Error;
-using fp_test::Eventually;
-using fp_test::Gate;
-using fp_test::Info;
-using fp_test::IsWorkerIdle;
-using fp_test::LogLine;
-using fp_test::TakeLog;
-using fp_test::Texts;
+using namespace fp_test;
 
 constexpr char kTag[] = "SensorListener";
 const LogLine kDied = Info(kTag, "system server died.");
@@ -36,7 +28,7 @@ TEST_F(SensorListenerEndTest, ConnectsAfreshAfterTheDeathOfTheSystemServer) {
   RestartSystemServer();
   EXPECT_EQ((Texts{kWake}), MyCalls()) << "and nothing of the old service";
   EXPECT_EQ((Texts{"ALooper_pollOnce(-1) = -1"}), Others());
-  EXPECT_EQ((std::vector{kDied}), TakeLog());
+  EXPECT_LOG(kDied);
   EXPECT_FALSE(listener_->IsAnySamplerStarted());
   EXPECT_EQ(0, listener_->StopSampling(kLight));
 
@@ -60,12 +52,11 @@ TEST_F(SensorListenerEndTest, ConnectsAfreshAfterTheDeathOfTheSystemServer) {
   TakeLog();
   EXPECT_EQ(-ENOMEM, listener_->StartSampling(kLight));
   const std::string not_found = "ConnectSensorManagerIfNeeded: Sensor(";
-  EXPECT_EQ((std::vector{Debug(kTag, "The device sensor count:1"),
-                         Error(kTag, not_found + "android.sensor.light) not found.\n"),
-                         Error(kTag, not_found + "com.norvan.sensor.long_press) not found.\n"),
-                         Debug(kTag, "Successfully connected to Sensor Manager."),
-                         Error(kTag, "sensor[0] is not available.")}),
-            TakeLog())
+  EXPECT_LOG(Debug(kTag, "The device sensor count:1"),
+             Error(kTag, not_found + "android.sensor.light) not found.\n"),
+             Error(kTag, not_found + "com.norvan.sensor.long_press) not found.\n"),
+             Debug(kTag, "Successfully connected to Sensor Manager."),
+             Error(kTag, "sensor[0] is not available."))
       << "nor are the old sensors remembered";
 }
 
@@ -134,7 +125,7 @@ TEST_F(SensorListenerEndTest, DeathDuringACallbackEndsTheDelivery) {
   EXPECT_EQ(1, lights_);
   EXPECT_EQ(-ENOMEM, start);
   EXPECT_EQ(0, stop);
-  EXPECT_EQ((std::vector{kDied, Error(kTag, "Failed to connect sensor manager.")}), TakeLog());
+  EXPECT_LOG(kDied, Error(kTag, "Failed to connect sensor manager."));
 }
 
 TEST_F(SensorListenerEndTest, CallbackMayReportTheDeathItself) {

@@ -12,14 +12,7 @@ namespace android::fp_utils {
 namespace {
 
 using fp_host::SetLux;
-using fp_test::Debug;
-using fp_test::Error;
-using fp_test::Eventually;
-using fp_test::Info;
-using fp_test::IsWorkerIdle;
-using fp_test::LogLine;
-using fp_test::TakeLog;
-using fp_test::Texts;
+using namespace fp_test;
 
 constexpr char kTag[] = "SensorListener";
 
@@ -47,7 +40,7 @@ TEST_F(SensorListenerTest, ConnectsAtTheFirstStart) {
                    "ASensor_getMinDelay(light) = 20000",
                    "ASensorEventQueue_registerSensor(queue 1, light, 20000, 0) = 0"}),
             MyCalls());
-  EXPECT_EQ((std::vector{kCount, kFoundLight, kFoundLongPress, kConnected}), TakeLog());
+  EXPECT_LOG(kCount, kFoundLight, kFoundLongPress, kConnected);
   EXPECT_TRUE(listener_->IsAnySamplerStarted());
 
   EXPECT_EQ(0, listener_->StartSampling(kLight));
@@ -66,7 +59,7 @@ TEST_F(SensorListenerTest, ConnectsAtTheFirstStart) {
   EXPECT_EQ((Texts{"ASensorEventQueue_disableSensor(queue 1, light) = -5",
                    "ASensorEventQueue_disableSensor(queue 1, long press) = -5"}),
             MyCalls());
-  EXPECT_TRUE(TakeLog().empty());
+  EXPECT_LOG();
 }
 
 TEST_F(SensorListenerTest, FailedConnectIsRetriedFromWhereItStopped) {
@@ -162,8 +155,7 @@ TEST_F(SensorListenerTest, UnknownTypesAreRefused) {
   for (const int type : {-1, 2, 1000000}) {
     EXPECT_EQ(-ENOMEM, listener_->StartSampling(static_cast<SensorListener::SensorType>(type)));
     EXPECT_EQ(0, listener_->StopSampling(static_cast<SensorListener::SensorType>(type)));
-    EXPECT_EQ((std::vector{Error(kTag, "sensor[" + std::to_string(type) + "] is not available.")}),
-              TakeLog());
+    EXPECT_LOG(Error(kTag, "sensor[" + std::to_string(type) + "] is not available."));
   }
   EXPECT_EQ(Texts{}, MyCalls());
 }
@@ -268,7 +260,7 @@ TEST_F(SensorListenerTest, PollErrorIsLoggedAndPolledAgain) {
 
 TEST_F(SensorListenerTest, WithoutConnectionNothingIsTouched) {
   listener_->OnSystemServerDeath();
-  EXPECT_EQ((std::vector{kDied}), TakeLog());
+  EXPECT_LOG(kDied);
   EXPECT_EQ(0, AlsMonitor::GetInstance()->StartSampling());
   SetLux(1);
   TakeCalls();

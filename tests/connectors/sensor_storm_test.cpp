@@ -14,9 +14,7 @@ namespace android::fp_utils {
 namespace {
 
 using fp_host::SetLux;
-using fp_test::RepairSensorService;
-using fp_test::RunBounded;
-using fp_test::SensorClients;
+using namespace fp_test;
 
 constexpr auto kLight = SensorListener::kLight;
 constexpr auto kLongPress = SensorListener::kLongPress;

@@ -25,13 +25,7 @@ using aidl::android::hardware::thermal::TemperatureType;
 using aidl::android::hardware::thermal::ThrottlingSeverity;
 using fp_host::HidlThermalService;
 using fp_host::ThermalService;
-using fp_test::Call;
-using fp_test::Debug;
-using fp_test::Error;
-using fp_test::Eventually;
-using fp_test::LogLine;
-using fp_test::TakeLog;
-using fp_test::Warn;
+using namespace fp_test;
 using Death = fp_host::RemoteService::Death;
 using Log = std::vector<LogLine>;
 

@@ -16,11 +16,7 @@ namespace android::fp_utils {
 namespace {
 
 using fp_host::TouchRecord;
-using fp_test::Decoded;
-using fp_test::Eventually;
-using fp_test::kSensingArea;
-using fp_test::Same;
-using fp_test::Share;
+using namespace fp_test;
 
 // Buffers of any content: every delivered event is what the driver's interface says.
 class HostileReports : public fp_test::TouchTest {

@@ -14,11 +14,7 @@
 namespace android::fp_utils {
 namespace {
 
-using fp_test::DumpText;
-using fp_test::Error;
-using fp_test::Info;
-using fp_test::LogLine;
-using fp_test::TakeLog;
+using namespace fp_test;
 
 constexpr char kSupported[] = "persist.vendor.udfps.dynamic_exposure_supported";
 constexpr char kPrefix[] = "persist.vendor.udfps.dynamic.exposure.";
@@ -91,7 +87,7 @@ class DynamicExposureTest : public ::testing::Test {
 TEST_F(DynamicExposureTest, StepsDownOnBrightPoorSamples) {
   DynamicExposure& controller = Calibrated(20.0F, 50.0F);
   Feed(9, false, 20, 3000);
-  EXPECT_TRUE(TakeLog().empty()) << "never before the sample is full";
+  EXPECT_LOG() << "never before the sample is full";
   Feed(1, false, 20, 3000);
   EXPECT_EQ(
       (std::vector{Info("DynamicExposure", "[FeedAuthAttempt] Adjust exposure DOWN"),
@@ -208,13 +204,11 @@ TEST_F(DynamicExposureTest, NeedsCalibrationAndCallback) {
   controller_->AdjustExposure(StepAdjustment::kUp);
   controller_->UpdateCaliExpo(20.0F, 50.0F);
   controller_->AdjustExposure(StepAdjustment::kUp);
-  EXPECT_EQ((std::vector{
-                Error("DynamicExposure", "[AdjustExposure] cali_expo is not initialized"),
-                Info("DynamicExposure", "UpdateCaliExpo: cali_expo:20.000, cali_expo_base:0.000"),
-                Error("DynamicExposure", "[AdjustExposure] cali_expo is not initialized"),
-                Info("DynamicExposure", "UpdateCaliExpo: cali_expo:20.000, cali_expo_base:50.000"),
-                Error("DynamicExposure", "[AdjustExposure] expo changed cb is not registered")}),
-            TakeLog());
+  EXPECT_LOG(Error("DynamicExposure", "[AdjustExposure] cali_expo is not initialized"),
+             Info("DynamicExposure", "UpdateCaliExpo: cali_expo:20.000, cali_expo_base:0.000"),
+             Error("DynamicExposure", "[AdjustExposure] cali_expo is not initialized"),
+             Info("DynamicExposure", "UpdateCaliExpo: cali_expo:20.000, cali_expo_base:50.000"),
+             Error("DynamicExposure", "[AdjustExposure] expo changed cb is not registered"));
   EXPECT_EQ(0, controller_->GetStep());
 }
 
@@ -227,13 +221,11 @@ TEST_F(DynamicExposureTest, NewCalibrationRecalculatesOnlyAfterSteps) {
   Feed(3, false, 20, 3000);
   TakeLog();
   controller.UpdateCaliExpo(12.0F, 50.0F);
-  EXPECT_EQ((std::vector{
-                Info("DynamicExposure", "UpdateCaliExpo: cali_expo:12.000, cali_expo_base:50.000"),
-                Info("DynamicExposure", "UpdateCaliExpo: recalculate new exposure time"),
-                Info("DynamicExposure", "[AdjustExposure] adjustment step:-1, unit:16.667"),
-                Info("DynamicExposure", "[AdjustExposure] cali expo:12.000, base:50.000"),
-                Info("DynamicExposure", "[AdjustExposure] adjust to expo:8.000, base:33.333")}),
-            TakeLog())
+  EXPECT_LOG(Info("DynamicExposure", "UpdateCaliExpo: cali_expo:12.000, cali_expo_base:50.000"),
+             Info("DynamicExposure", "UpdateCaliExpo: recalculate new exposure time"),
+             Info("DynamicExposure", "[AdjustExposure] adjustment step:-1, unit:16.667"),
+             Info("DynamicExposure", "[AdjustExposure] cali expo:12.000, base:50.000"),
+             Info("DynamicExposure", "[AdjustExposure] adjust to expo:8.000, base:33.333"))
       << "below the lower bound, and applied";
   EXPECT_EQ(1u, changes_.size());
   EXPECT_EQ(0u, Sample().find("  Stats of last 0 attempts:\n"));
@@ -255,9 +247,8 @@ TEST_F(DynamicExposureTest, OddSettings) {
   EXPECT_EQ(DumpWith({0, 0, -1, 28, 2500, 1500, 31, 10000}), Dump());
   TakeLog();
   controller_->AdjustExposure(StepAdjustment::kUp);
-  EXPECT_EQ((std::vector{Error("DynamicExposure",
-                               "[AdjustExposure] target expo(inf) > upper bound(0.031), skip")}),
-            TakeLog());
+  EXPECT_LOG(
+      Error("DynamicExposure", "[AdjustExposure] target expo(inf) > upper bound(0.031), skip"));
   controller_->AdjustExposure(StepAdjustment::kNone);
   ASSERT_EQ(1u, changes_.size());
   EXPECT_TRUE(std::isnan(changes_[0].expo));

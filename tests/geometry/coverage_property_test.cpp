@@ -14,11 +14,7 @@ namespace {
 
 using fp_reference::PlainCounts;
 using fp_reference::PlainScan;
-using fp_test::AsPlainShape;
-using fp_test::AsShape;
-using fp_test::CountIn;
-using fp_test::CoverageCase;
-using fp_test::CoverageCaseGenerator;
+using namespace fp_test;
 
 // Draws `count` cases from a numbered stream.
 void ExpectScanCounts(uint64_t stream, int count) {

@@ -18,11 +18,7 @@ namespace android::fp_utils {
 namespace {
 
 using Counts = fp_reference::PlainCounts;
-using fp_test::CountIn;
-using fp_test::Debug;
-using fp_test::Error;
-using fp_test::LogLine;
-using fp_test::TakeLog;
+using namespace fp_test;
 
 constexpr float kInfinity = std::numeric_limits<float>::infinity();
 constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
@@ -161,7 +157,7 @@ TEST(Coverage, CountsAndLogs) {
   for (const auto& row : rows) {
     TuneScanPoints(row.x_points, row.y_points);
     EXPECT_EQ(row.expected, CountIn(ten, ten, Rect({0, 0}, {4, 10}))) << row.why;
-    EXPECT_EQ((std::vector{CornerLine(1, true), CornerLine(2, false)}), TakeLog()) << row.why;
+    EXPECT_LOG(CornerLine(1, true), CornerLine(2, false)) << row.why;
   }
   TuneScanPoints("", "");
   EXPECT_EQ(45.454548F, ten.CoverageCoveredBy(Rect({0, 0}, {4, 10})));
@@ -271,7 +267,7 @@ TEST(Coverage, OfCirclesInClosedForm) {
       EXPECT_FLOAT_EQ(row.expected, coverage) << row.why;
     }
   }
-  EXPECT_TRUE(TakeLog().empty());
+  EXPECT_LOG();
 }
 
 }  // namespace

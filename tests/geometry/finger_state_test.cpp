@@ -47,7 +47,7 @@ class FingerStateTest : public fp_test::DeviceTest {
 
 TEST_F(FingerStateTest, RedundantUpChangesNothing) {
   EXPECT_FALSE(state_.Set(false, 5, Contact(1), true));
-  EXPECT_EQ((std::vector{Debug("FingerState", "Set: ignore redundant finger up")}), TakeLog());
+  EXPECT_LOG(Debug("FingerState", "Set: ignore redundant finger up"));
   EXPECT_FALSE(state_.IsDown());
   EXPECT_EQ(0, state_.GetUpUptime());
   EXPECT_EQ(0, state_.GetEllipse().major_axis);

@@ -222,10 +222,8 @@ TEST_F(AuthEventTest, FailedLoadsLogAndKeepWhatWasReadable) {
   EXPECT_EQ(1.5F, event.t_cov);
   EXPECT_EQ(7u, event.lptw);
   EXPECT_EQ(2000, event.rawmean_delta);
-  EXPECT_EQ((std::vector{
-                Error("AuthEventG7", "[" + std::string(kG7Signature) +
-                                         "] failed to parse str:',1.50,2.50,7,0x' with error 0")}),
-            TakeLog());
+  EXPECT_LOG(Error("AuthEventG7", "[" + std::string(kG7Signature) +
+                                      "] failed to parse str:',1.50,2.50,7,0x' with error 0"));
 }
 
 }  // namespace

@@ -9,9 +9,7 @@
 namespace android::fp_utils {
 namespace {
 
-using fp_test::DumpText;
-using fp_test::Error;
-using fp_test::TakeLog;
+using namespace fp_test;
 
 constexpr char kFile[] = "/data/vendor/fingerprint/AuthStats.0";
 
@@ -192,7 +190,7 @@ TEST_F(AuthStatsTest, IsFoundAgainAtTheNextStart) {
 
   AuthStatsG7 again("0", 3, true);
   again.Init();
-  EXPECT_TRUE(TakeLog().empty());
+  EXPECT_LOG();
   EXPECT_EQ(3u, again.GetTotalAttempts()) << "the capacity holds for loading";
   EXPECT_EQ(3.0F, again.GetAvgIq());
   EXPECT_EQ(1u, again.GetAuthRejects());
@@ -239,35 +237,32 @@ TEST_F(AuthStatsTest, InitCreatesTheDirectoryAndLogsWhatFails) {
   stats.Init();
   EXPECT_EQ(kFile, stats.GetBackupPath());
   EXPECT_EQ(0600u, ModeOf("/data/vendor/fingerprint"));
-  EXPECT_EQ((std::vector{Error("AuthStats", open_failed + "2.")}), TakeLog());
+  EXPECT_LOG(Error("AuthStats", open_failed + "2."));
 
   fp_host::SetFault({.function = "mkdir", .error = EROFS});
   fp_host::SetFault({.function = "fopen", .error = EACCES});
   fp_host::SetFault({.function = "open", .error = EACCES});
   stats.Init();
   stats.AddAttempt(Attempt(true));
-  EXPECT_EQ((std::vector{
-                Error("AuthStats",
-                      "[Init] Failed to create directory \"/data/vendor/fingerprint/\" with error "
-                      "30."),
-                Error("AuthStats", open_failed + "13."),
-                Error("AuthStats", "[SaveAttemptsToBackupFile] Failed to open \"" +
-                                       std::string(kFile) + "\" with error 13.")}),
-            TakeLog());
+  EXPECT_LOG(Error("AuthStats",
+                   "[Init] Failed to create directory \"/data/vendor/fingerprint/\" with error "
+                   "30."),
+             Error("AuthStats", open_failed + "13."),
+             Error("AuthStats", "[SaveAttemptsToBackupFile] Failed to open \"" +
+                                    std::string(kFile) + "\" with error 13."));
   EXPECT_EQ(1u, stats.GetTotalAttempts());
   fp_host::ClearFaults();
 
   WriteFile(kFile, "0x1,0x1,x");
   stats.Init();
-  EXPECT_EQ((std::vector{Error(
-                "AuthStats",
-                "[0][void android::fp_utils::AuthStats::LoadAttemptsFromBackupFile()] Crc checksum "
-                "didn't match!")}),
-            TakeLog());
+  EXPECT_LOG(
+      Error("AuthStats",
+            "[0][void android::fp_utils::AuthStats::LoadAttemptsFromBackupFile()] Crc checksum "
+            "didn't match!"));
 
   AuthStats memory_only("2", 10, false);
   memory_only.Init();
-  EXPECT_TRUE(TakeLog().empty());
+  EXPECT_LOG();
   EXPECT_TRUE(memory_only.IsInitialized());
 }
 
@@ -275,10 +270,9 @@ TEST_F(AuthStatsTest, G7RefusesOtherRecords) {
   auto stats = Fresh();
   stats->AddAttempt(std::make_shared<AuthEvent>());
   EXPECT_EQ(0u, stats->GetTotalAttempts());
-  EXPECT_EQ((std::vector{Error("AuthStatsG7",
-                               "[0][virtual void android::fp_utils::AuthStatsG7::AddAttempt("
-                               "std::shared_ptr<AuthEvent>)] AuthEvent is not allowed!")}),
-            TakeLog());
+  EXPECT_LOG(Error("AuthStatsG7",
+                   "[0][virtual void android::fp_utils::AuthStatsG7::AddAttempt("
+                   "std::shared_ptr<AuthEvent>)] AuthEvent is not allowed!"));
 }
 
 TEST_F(AuthStatsTest, DumpPrintsStatisticsAndRecords) {

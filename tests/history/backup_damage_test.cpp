@@ -15,11 +15,7 @@
 namespace android::fp_utils {
 namespace {
 
-using fp_test::Frame;
-using fp_test::HistoryKind;
-using fp_test::LogLine;
-using fp_test::Share;
-using fp_test::TakeLog;
+using namespace fp_test;
 using Texts = std::vector<std::string>;
 
 class BackupDamage : public fp_test::DeviceTest, public ::testing::WithParamInterface<HistoryKind> {
@@ -149,13 +145,13 @@ TEST_P(BackupDamage, OddFiles) {
   for (const std::string& content :
        {std::string(), std::string("\n"), binary, std::string("hello")}) {
     EXPECT_TRUE(Load(content).empty());
-    EXPECT_TRUE(TakeLog().empty());
+    EXPECT_LOG();
   }
   const std::string path = fp_host::HostPath(GetParam().path);
   Load("");
   ASSERT_EQ(0, truncate(path.c_str(), 1L << 30));
   EXPECT_TRUE(GetParam().start()->RecordTexts().empty());
-  EXPECT_TRUE(TakeLog().empty()) << "a gigabyte of zeros is no header";
+  EXPECT_LOG() << "a gigabyte of zeros is no header";
 
   Remove(GetParam().path);
   std::filesystem::create_directory(path);

@@ -6,10 +6,7 @@
 namespace android::fp_utils {
 namespace {
 
-using fp_test::DumpText;
-using fp_test::Error;
-using fp_test::LogLine;
-using fp_test::TakeLog;
+using namespace fp_test;
 
 constexpr char kFile[] = "/data/vendor/fingerprint/EnrollEventContainer";
 
@@ -46,7 +43,7 @@ TEST_F(EnrollEventContainerTest, KeepsAndSavesTheNewestFifty) {
   // A file from a build that kept more: the last fifty are loaded.
   WriteFile(kFile, ReadFile(kFile) + ReadFile(kFile));
   EXPECT_EQ(50u, Started()->GetEvents().size());
-  EXPECT_TRUE(TakeLog().empty());
+  EXPECT_LOG();
 }
 
 TEST_F(EnrollEventContainerTest, SavesEveryEventOnceInitialised) {
@@ -77,7 +74,7 @@ TEST_F(EnrollEventContainerTest, UnknownTypeLoadsNothingAndStillSaves) {
         "EnrollEventContainer",
         "[void android::fp_utils::EnrollEventContainer::LoadEventsFromBackupFile()] Failed to "
         "create event!");
-    EXPECT_EQ((std::vector{unknown, failed, unknown, failed}), TakeLog());
+    EXPECT_LOG(unknown, failed, unknown, failed);
   }
   Started("?")->AddEvent(Event(3));
   EXPECT_EQ(1u, Started()->GetEvents().size());

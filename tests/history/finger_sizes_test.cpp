@@ -32,10 +32,9 @@ TEST_F(FingerSizesTest, TextsHaveOneDecimal) {
   EXPECT_FALSE(size.LoadFromBackupString(text));
   EXPECT_EQ(1.25F, size.major) << "scanned straight into the sample";
   EXPECT_EQ(2, size.op);
-  EXPECT_EQ((std::vector{Error("FingerSizes",
-                               "[virtual bool android::fp_utils::FingerSize::LoadFromBackupString("
-                               "std::string &)] failed to parse str:'-7, 1.25 ,3' with error 0")}),
-            TakeLog());
+  EXPECT_LOG(Error("FingerSizes",
+                   "[virtual bool android::fp_utils::FingerSize::LoadFromBackupString("
+                   "std::string &)] failed to parse str:'-7, 1.25 ,3' with error 0"));
   text = "-7, 1.25,3e2 and more";
   EXPECT_TRUE(size.LoadFromBackupString(text));
   EXPECT_EQ("-7, 1.25,3e2 and more", text) << "the text is left alone";
@@ -69,9 +68,8 @@ TEST_F(FingerSizesTest, CountsByOperation) {
 
 TEST_F(FingerSizesTest, IsFoundAgainByItsName) {
   FingerSizes sizes("x", FingerSizes::kUnbounded, true);
-  EXPECT_EQ((std::vector{Error("FingerSizes", "[LoadFingersFromBackupFile] Failed to open \"" +
-                                                  std::string(kFile) + "\" with error 2.")}),
-            TakeLog());
+  EXPECT_LOG(Error("FingerSizes", "[LoadFingersFromBackupFile] Failed to open \"" +
+                                      std::string(kFile) + "\" with error 2."));
   sizes.AddFinger(Size(1, 12.34F, 5), false);
   EXPECT_FALSE(Exists(kFile)) << "not asked to save";
   sizes.AddFinger(Size(2, 20, 8), true);

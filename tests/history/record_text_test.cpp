@@ -5,8 +5,6 @@
 #include <gtest/gtest.h>
 
 #include <bit>
-#include <limits>
-#include <random>
 #include <string>
 
 #include "fp_utils/auth_event.h"

@@ -7,9 +7,7 @@
 namespace android::fp_utils {
 namespace {
 
-using fp_test::Debug;
-using fp_test::Error;
-using fp_test::TakeLog;
+using namespace fp_test;
 
 const std::string kFolder = "/sys/firmware/devicetree/base/chosen/plat/";
 
@@ -55,8 +53,7 @@ TEST_F(DevCdtInfoTest, FailuresGiveZero) {
   WriteFile(kFolder + "stage", "1234");
   fp_host::SetFault({.function = "read", .error = EIO});
   EXPECT_EQ(0u, info.GetDevCdtInfoItem("stage"));
-  EXPECT_EQ((std::vector{Error("DevCdtInfo", "Failed to read CDT item \"stage\" with error 5.")}),
-            TakeLog());
+  EXPECT_LOG(Error("DevCdtInfo", "Failed to read CDT item \"stage\" with error 5."));
   fp_host::SetFault({.function = "read", .shorten_to = 3});
   EXPECT_EQ(0x31323300u, info.GetDevCdtInfoItem("stage"));
   EXPECT_EQ(0x31323334u, info.GetDevCdtInfoItem("stage"));

@@ -16,11 +16,7 @@
 namespace android::fp_utils {
 namespace {
 
-using fp_test::Debug;
-using fp_test::Error;
-using fp_test::Eventually;
-using fp_test::LogLine;
-using fp_test::TakeLog;
+using namespace fp_test;
 using std::chrono::steady_clock;
 
 constexpr char kTag[] = "FpStateTracker";
@@ -58,12 +54,11 @@ TEST_F(FpStateTrackerTest, AnswersAtOnceWhereItCan) {
   EXPECT_EQ(-110, tracker_.WaitForState(State(0xABD), 0));
   EXPECT_EQ(0, tracker_.WaitForState(State(0xABC), 4294967295));
   EXPECT_EQ(State(0xABC), tracker_.GetState());
-  EXPECT_EQ((std::vector{Debug(kTag, "WaitForState: state is already 0x0"),
-                         Debug(kTag, "UpdateState: state_:0xabc"),
-                         Debug(kTag, "WaitForState: state is already 0xabc"),
-                         Error(kTag, "WaitForState: Timeout waiting for state change"),
-                         Debug(kTag, "WaitForState: state is already 0xabc")}),
-            TakeLog());
+  EXPECT_LOG(Debug(kTag, "WaitForState: state is already 0x0"),
+             Debug(kTag, "UpdateState: state_:0xabc"),
+             Debug(kTag, "WaitForState: state is already 0xabc"),
+             Error(kTag, "WaitForState: Timeout waiting for state change"),
+             Debug(kTag, "WaitForState: state is already 0xabc"));
 }
 
 TEST_F(FpStateTrackerTest, WaitsForExactlyItsState) {

@@ -50,7 +50,7 @@ TEST_F(FpsInitInfoTest, DumpSaysHowTheBringUpWent) {
   info_.SetState(State::kFinished);
   EXPECT_EQ("Initialization successful, start_time:2026-03-04 05:06:07.089, latency:1234ms\n",
             Dump());
-  EXPECT_TRUE(TakeLog().empty());
+  EXPECT_LOG();
   info_.SetError(1, "late");
   info_.SetState(State::kFinished);
   EXPECT_TRUE(Matches(Dump(), "Error:" + kTime + " late\n")) << "an error always wins";

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <ostream>
 #include <string>
 #include <vector>
@@ -34,6 +36,9 @@ inline LogLine Error(std::string tag, std::string message) {
 // What the library logged since the last call, in order. Test programs define
 // __android_log_print(), so every line ends up here.
 std::vector<LogLine> TakeLog();
+
+// That these lines were logged since the last TakeLog(), and no others.
+#define EXPECT_LOG(...) EXPECT_EQ((std::vector<fp_test::LogLine>{__VA_ARGS__}), fp_test::TakeLog())
 
 // Drops lines instead of recording them, for tests that make millions.
 void MuteLog(bool mute);

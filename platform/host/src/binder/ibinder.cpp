@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "binder/ibinder.h"
 
-#include <algorithm>
 #include <utility>
 
 #include <android/log.h>

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // The simulated sensors, and what they report to the queues that have them enabled.
-#include <algorithm>
 #include <iterator>
 #include <utility>
 

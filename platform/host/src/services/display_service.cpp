@@ -2,7 +2,6 @@
 #include "control/display_service.h"
 
 #include <mutex>
-#include <optional>
 #include <utility>
 
 #include <aidl/com/norvan/hardware/kestra/display/BnDisplay.h>

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "control/hidl_thermal_service.h"
 
-#include <algorithm>
 #include <iterator>
 #include <mutex>
 #include <optional>

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "control/thermal_service.h"
 
-#include <algorithm>
 #include <cstdio>
 #include <deque>
 #include <iterator>
