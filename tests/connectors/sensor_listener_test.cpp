@@ -3,6 +3,7 @@
 
 #include <cerrno>
 
+#include <utils/AndroidThreads.h>
 #include <utils/Errors.h>
 
 #include "fp_utils/als_monitor.h"
@@ -109,6 +110,17 @@ TEST_F(SensorListenerTest, FailedConnectIsRetriedFromWhereItStopped) {
     EXPECT_EQ(test.calls_of_retry, MyCalls().size()) << "kept: " << test.kept;
     TakeLog();
   }
+}
+
+TEST_F(SensorListenerTest, WorkerThatCannotBeStartedIsTriedAgain) {
+  androidSetCreateThreadFunc([](android_thread_func_t, void*, const char*, int32_t, size_t,
+                                android_thread_id_t*) { return 0; });
+  EXPECT_EQ(-ENOMEM, listener_->StartSampling(kLight));
+  androidSetCreateThreadFunc(androidCreateRawThreadEtc);
+  EXPECT_LOG(kCount, kFoundLight, kFoundLongPress,
+             Error(kTag, "Failed to start the polling worker."), kNoConnection);
+  EXPECT_EQ(0, listener_->StartSampling(kLight));
+  EXPECT_TRUE(Eventually(IsWorkerIdle));
 }
 
 TEST_F(SensorListenerTest, RefusedRegistrationLeavesTheSensorIdle) {
