@@ -65,6 +65,9 @@ class FP_UTILS_EXPORT EnrollEventG7 : public EnrollEvent {
 
   // The part beyond the base text is cut to 127 characters, which only extreme values reach.
   std::string ToBackupString() const override;
+
+  // Removes the part of EnrollEvent from `text`, also where its own part then fails, and leaves its
+  // own.
   bool LoadFromBackupString(std::string& text) override;
 
   // "reason:" and what `rc` says about a failed enrollment.

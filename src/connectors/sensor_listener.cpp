@@ -166,6 +166,8 @@ bool SensorListener::ConnectSensorManagerIfNeeded() {
   }
   if (!sensor_polling_worker_thread_->Start()) {
     FP_LOG_ERROR(kTag, "Failed to start the polling worker.");
+    ASensorManager_destroyEventQueue(manager, event_queue_);
+    event_queue_ = nullptr;
     return false;
   }
   FP_LOG_DEBUG(kTag, "Successfully connected to Sensor Manager.");

@@ -26,7 +26,7 @@ const LogLine kNoManager = Error(kTag, "Failed to get sensor manager.");
 const LogLine kPollError = Error(kTag, "Sensor event looper returned a poll error.");
 const LogLine kNoSample = Error(kTag, "Sample is not available.");
 
-class AlsMonitorTest : public fp_test::SensorTest {
+class AlsMonitorTest : public SensorTest {
  protected:
   static AlsMonitor& Monitor() { return *AlsMonitor::GetInstance(); }
 

@@ -39,7 +39,7 @@ LogLine Turned(const char* state, unsigned elapsed) {
 }
 
 std::string CriticalErrorDump() {
-  return fp_test::DumpText([](int fd) { CriticalErrors::GetInstance().Dump(fd, nullptr, 0); });
+  return DumpText([](int fd) { CriticalErrors::GetInstance().Dump(fd, nullptr, 0); });
 }
 
 class DisplayControllerTest : public ::testing::Test {
@@ -71,20 +71,18 @@ class DisplayControllerTest : public ::testing::Test {
 
 TEST_F(DisplayControllerTest, ConnectsAndSwitchesInThisOrder) {
   service_.Refuse([] {
-    fp_test::RecordCall("setLhbmState");
+    RecordCall("setLhbmState");
     return ScopedAStatus::ok();
   });
-  fp_test::RecordCalls(true);
+  RecordCalls(true);
   EXPECT_EQ(0, Set(true));
   const unsigned turning_on = elapsed_;
   EXPECT_EQ(0, Set(false));
-  EXPECT_EQ(
-      (std::vector{Call(std::string("isDeclared ") + kInstance),
-                   Call(std::string("waitForService ") + kInstance), Call("DeathRecipient_new"),
-                   Call("linkToDeath"), kConnected, kTurningOn, Call("setLhbmState"),
-                   Turned("on", turning_on), Debug(kTag, "[SetLhbm]: Turning off lhbm"),
-                   Call("setLhbmState"), Turned("off", elapsed_)}),
-      TakeLog());
+  EXPECT_LOG(Call(std::string("isDeclared ") + kInstance),
+             Call(std::string("waitForService ") + kInstance), Call("DeathRecipient_new"),
+             Call("linkToDeath"), kConnected, kTurningOn, Call("setLhbmState"),
+             Turned("on", turning_on), Debug(kTag, "[SetLhbm]: Turning off lhbm"),
+             Call("setLhbmState"), Turned("off", elapsed_));
   EXPECT_EQ((std::vector{true, false}), service_.GetRequests());
   EXPECT_EQ(1, CountRefs()) << "the connection's; the one that came with the binder is released";
 
@@ -130,9 +128,7 @@ TEST_F(DisplayControllerTest, FailedSwitches) {
   service_.Refuse([] { return ScopedAStatus::fromServiceSpecificError(1); });
   EXPECT_EQ(FAILED_TRANSACTION, Set(true));
   EXPECT_EQ(0u, elapsed_);
-  EXPECT_EQ(
-      (std::vector{kConnected, kTurningOn, Error(kTag, "[SetLhbm] Failed to setLhbmState 1")}),
-      TakeLog());
+  EXPECT_LOG(kConnected, kTurningOn, Error(kTag, "[SetLhbm] Failed to setLhbmState 1"));
   const std::string dump = CriticalErrorDump();
   EXPECT_EQ(0u, dump.find("Critical Errors:\n  #000 ")) << dump;
   EXPECT_NE(std::string::npos, dump.find(" failed to enable lhbm\n")) << dump;
@@ -153,10 +149,8 @@ TEST_F(DisplayControllerTest, DeviceWithoutTheService) {
   service_.Undeclare();
   EXPECT_EQ(FAILED_TRANSACTION, Set(true));
   EXPECT_EQ(0u, elapsed_);
-  EXPECT_EQ(
-      (std::vector{Error(kTag, std::string("IDisplay service ") + kInstance + " is not declared."),
-                   kTurningOn, Error(kTag, "[SetLhbm] Failed to setLhbmState 1")}),
-      TakeLog());
+  EXPECT_LOG(Error(kTag, std::string("IDisplay service ") + kInstance + " is not declared."),
+             kTurningOn, Error(kTag, "[SetLhbm] Failed to setLhbmState 1"));
   EXPECT_NE("Critical Errors:\n", CriticalErrorDump());
   EXPECT_EQ(0, controller_->ConnectDisplayHal()) << "not this client's fault";
 }
@@ -177,10 +171,8 @@ TEST_F(DisplayControllerTest, ConnectionThatFailsKeepsNothing) {
   });
   EXPECT_EQ(-ENODEV, Set(true));
   failing.join();
-  EXPECT_EQ(
-      (std::vector{Error(kTag, std::string("Failed to get IDisplay binder for ") + kInstance + "!"),
-                   kNoConnection}),
-      TakeLog());
+  EXPECT_LOG(Error(kTag, std::string("Failed to get IDisplay binder for ") + kInstance + "!"),
+             kNoConnection);
   fp_host::SetServiceManagerFailing(false);
   EXPECT_EQ("Critical Errors:\n", CriticalErrorDump()) << "no switch was tried";
 
@@ -201,21 +193,21 @@ TEST_F(DisplayControllerTest, ElapsedTimeIncludesConnecting) {
 }
 
 TEST_F(DisplayControllerTest, IsTracedWithInputAndHal) {
-  fp_test::RecordCalls(true);
+  RecordCalls(true);
   const std::vector<LogLine> kSection = {Call("begin of trace section SetLhbm"),
                                          Debug(kTag, "[SetLhbm] Lhbm is already 0"),
                                          Call("end of trace section")};
   for (const uint64_t tags : {0x4u, 0x800u, 0x804u}) {
-    fp_test::SetTraceTags(tags);
+    SetTraceTags(tags);
     Set(false);
     EXPECT_EQ(kSection, TakeLog()) << tags;
   }
-  fp_test::SetTraceTags(~uint64_t{0x804});
+  SetTraceTags(~uint64_t{0x804});
   Set(false);
   EXPECT_EQ(1u, TakeLog().size());
 
   // Every way out closes the section.
-  fp_test::SetTraceTags(0x800);
+  SetTraceTags(0x800);
   service_.Refuse([] { return ScopedAStatus::fromStatus(STATUS_BAD_VALUE); });
   const std::function<void()> kWays[] = {[this] { Set(true); },
                                          [this] {

@@ -101,7 +101,7 @@ int AnswerAfterFailure(const std::string& function, int result, int normal) {
   return found == kAnswers.end() ? normal : found->second;
 }
 
-class SensorFaultsTest : public fp_test::SensorTest {
+class SensorFaultsTest : public SensorTest {
  protected:
   // Fresh clients before the operation, with a fresh service.
   void Prepare(const Operation& operation) {
@@ -112,7 +112,7 @@ class SensorFaultsTest : public fp_test::SensorTest {
     operation.prepare(*clients_);
     EXPECT_TRUE(operation.prepare != SampleLight || Eventually(IsWorkerIdle));
     fp_host::TakeSensorCalls();
-    fp_test::TakeLog();
+    TakeLog();
   }
 
   // The operation on time, the service whole again, the clients told: everything works, and no

@@ -18,7 +18,7 @@ constexpr char kTag[] = "SensorListener";
 const LogLine kDied = Info(kTag, "system server died.");
 constexpr char kWake[] = "ALooper_wake(looper) = 0";
 
-using SensorListenerEndTest = fp_test::ListenerTest;
+using SensorListenerEndTest = ListenerTest;
 
 // The handles of the old service dangle: touching one would abort.
 TEST_F(SensorListenerEndTest, ConnectsAfreshAfterTheDeathOfTheSystemServer) {
@@ -87,7 +87,7 @@ TEST_F(SensorListenerEndTest, WorkerThatWaitsForTheLockGivesUpAsItHasToEnd) {
   SetLux(1);
   ASSERT_TRUE(polled.AwaitArrival()) << "the worker has seen the event, and needs the lock next";
   TakeCalls();
-  fp_test::RunBounded("death while the worker is on its way to the lock", [this] {
+  RunBounded("death while the worker is on its way to the lock", [this] {
     fp_host::RestartSensorService();
     listener_->OnSystemServerDeath();  // opens the gate by its wake, with the lock held
   });
@@ -98,7 +98,7 @@ TEST_F(SensorListenerEndTest, WakeThatAnotherPollerTookIsSentAgain) {
   StartQuietly();
   for (const int swallowed : {1, 5}) {
     fp_host::SetSensorFault({.function = "ALooper_wake", .calls = swallowed});
-    fp_test::RunBounded("death with lost wakes", [this] { listener_->OnSystemServerDeath(); });
+    RunBounded("death with lost wakes", [this] { listener_->OnSystemServerDeath(); });
     EXPECT_EQ(0, listener_->StartSampling(kLight));
   }
 }
@@ -121,7 +121,7 @@ TEST_F(SensorListenerEndTest, DeathDuringACallbackEndsTheDelivery) {
   fp_host::RestartSensorService();
   fp_host::OnSensorCall("ALooper_wake", [&gate] { gate.Open(); });
   TakeLog();
-  fp_test::RunBounded("death during a callback", [this] { listener_->OnSystemServerDeath(); });
+  RunBounded("death during a callback", [this] { listener_->OnSystemServerDeath(); });
   EXPECT_EQ(1, lights_);
   EXPECT_EQ(-ENOMEM, start);
   EXPECT_EQ(0, stop);
@@ -143,7 +143,7 @@ TEST_F(SensorListenerEndTest, CallbackMayReportTheDeathItself) {
   // The event left over, which nobody else could deliver, and the one of the new registration.
   EXPECT_TRUE(AwaitLights(3));
   EXPECT_EQ(0, again);
-  fp_test::RunBounded("destruction after that", [this] { listener_.reset(); });
+  RunBounded("destruction after that", [this] { listener_.reset(); });
   EXPECT_EQ(SensorUsage(), fp_host::GetSensorUsage());
 }
 

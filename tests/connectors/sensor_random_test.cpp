@@ -112,7 +112,7 @@ class RandomRun {
 
   // The worker must not be on its way to the old queue: what it cannot know yet is no fault of it.
   void SettleWorker() {
-    for (const fp_test::LogLine& line : TakeLog()) {
+    for (const LogLine& line : TakeLog()) {
       has_worker_ |= line.tag == "SensorListener" &&
                      line.message == "Successfully connected to Sensor Manager.";
       has_worker_ &= line.tag != "SensorListener" || line.message != "system server died.";
@@ -148,13 +148,13 @@ class RandomRun {
 
 void RunRandomSequences(int count) {
   fp_host::RecordSensorCalls(false);
-  fp_test::RunSeeded("sequences", count, std::random_device()(), [](uint64_t seed) {
+  RunSeeded("sequences", count, std::random_device()(), [](uint64_t seed) {
     RunBounded("FP_TEST_SEED=" + std::to_string(seed), [seed] { RandomRun(seed).Run(); });
   });
 }
 
-using SensorRandomTest = fp_test::SensorTest;
-TEST_F(SensorRandomTest, EverySequenceEndsInRecovery) { RunRandomSequences(fp_test::Share(300)); }
+using SensorRandomTest = SensorTest;
+TEST_F(SensorRandomTest, EverySequenceEndsInRecovery) { RunRandomSequences(Share(300)); }
 
 using LongSensorRandomTest = SensorRandomTest;
 TEST_F(LongSensorRandomTest, EverySequenceEndsInRecovery) { RunRandomSequences(10000); }

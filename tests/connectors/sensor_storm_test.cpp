@@ -91,8 +91,8 @@ class Storm {
 
 TEST(SensorStorm, EverythingAtOnceComesToAnEnd) {
   fp_host::CountDeadHandleUses();
-  fp_test::MuteLog(true);
-  RunBounded("storm", [] { Storm(std::max(100, fp_test::Share(1000))).Run(); });
+  MuteLog(true);
+  RunBounded("storm", [] { Storm(std::max(100, Share(1000))).Run(); });
   RepairSensorService();
   AlsMonitor::OnSystemServerDeath();
   SensorClients().ExpectRecovery();

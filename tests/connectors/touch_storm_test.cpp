@@ -19,10 +19,10 @@ using fp_host::TouchRecord;
 using namespace fp_test;
 
 // Buffers of any content: every delivered event is what the driver's interface says.
-class HostileReports : public fp_test::TouchTest {
+class HostileReports : public TouchTest {
  protected:
   void Deliver(int buffers) {
-    fp_test::MuteLog(true);
+    MuteLog(true);
     SetFactor("7");
     FpsTouchHandler handler;
     std::vector<TouchEvent> delivered;
@@ -73,7 +73,7 @@ using LongHostileReports = HostileReports;
 TEST_F(LongHostileReports, AreDecodedOrDropped) { Deliver(10000000); }
 
 // Start and stop against a device that never stops sending.
-class StartStopStorm : public fp_test::TouchTest {
+class StartStopStorm : public TouchTest {
  protected:
   void Cycle(int cycles) {
     using Clock = std::chrono::steady_clock;
@@ -86,9 +86,9 @@ class StartStopStorm : public fp_test::TouchTest {
       late += stopped ? 1 : 0;
     });
     handler_.Stop();
-    fp_test::MuteLog(true);
-    const long descriptors = fp_test::CountDescriptors();
-    const long threads = fp_test::CountThreads();
+    MuteLog(true);
+    const long descriptors = CountDescriptors();
+    const long threads = CountThreads();
     std::thread flood([&] {
       const std::string buffer = fp_host::EncodeTouchRecords(std::vector<TouchRecord>(8));
       while (flooding) {
@@ -110,8 +110,8 @@ class StartStopStorm : public fp_test::TouchTest {
     }
     flooding = false;
     flood.join();
-    EXPECT_EQ(descriptors, fp_test::CountDescriptors());
-    EXPECT_TRUE(Eventually([&] { return fp_test::CountThreads() <= threads; }));
+    EXPECT_EQ(descriptors, CountDescriptors());
+    EXPECT_TRUE(Eventually([&] { return CountThreads() <= threads; }));
     EXPECT_EQ(0, late) << "callbacks after Stop()";
     std::sort(durations.begin(), durations.end());
     const auto microseconds = [&](double share) {

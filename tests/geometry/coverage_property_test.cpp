@@ -18,7 +18,7 @@ using namespace fp_test;
 
 // Draws `count` cases from a numbered stream.
 void ExpectScanCounts(uint64_t stream, int count) {
-  fp_test::MuteLog(true);
+  MuteLog(true);
   CoverageCaseGenerator cases(stream);
   uint64_t partly_covered = 0;
   for (int i = 0; i < count; ++i) {
@@ -38,11 +38,11 @@ void ExpectScanCounts(uint64_t stream, int count) {
   EXPECT_GT(partly_covered, static_cast<uint64_t>(count) / 10) << "too few edges to mean much";
 }
 
-TEST(CoverageProperty, RowsCountWhatTheScanCounts) { ExpectScanCounts(1, fp_test::Share(200000)); }
+TEST(CoverageProperty, RowsCountWhatTheScanCounts) { ExpectScanCounts(1, Share(200000)); }
 
 TEST(LongCoverageProperty, RowsCountWhatTheScanCounts) {
   for (uint64_t stream = 2; stream < 102; ++stream) {
-    ASSERT_NO_FATAL_FAILURE(ExpectScanCounts(stream, fp_test::Share(200000))) << stream;
+    ASSERT_NO_FATAL_FAILURE(ExpectScanCounts(stream, Share(200000))) << stream;
   }
 }
 
@@ -69,14 +69,14 @@ bool IsExactWith(double bound_factor, int count) {
 
 // The cases are hard enough to tell a bound that is too small.
 TEST(CoverageProperty, HalfTheBoundIsNoticed) {
-  EXPECT_TRUE(IsExactWith(EllipseRows::kBoundFactor, fp_test::Share(200000)));
+  EXPECT_TRUE(IsExactWith(EllipseRows::kBoundFactor, Share(200000)));
   EXPECT_FALSE(IsExactWith(EllipseRows::kBoundFactor / 4, 200000)) << "half the bound";
 }
 
 TEST(CoverageProperty, ClosedForm) {
   CoverageCaseGenerator cases(1);
   int lenses = 0;
-  for (int i = 0; i < fp_test::Share(200000); ++i) {
+  for (int i = 0; i < Share(200000); ++i) {
     CoverageCase c = cases.Next();
     const auto* circle = std::get_if<Circle>(&c.s1);
     const auto* other = std::get_if<Circle>(&c.s2);
@@ -89,7 +89,7 @@ TEST(CoverageProperty, ClosedForm) {
         << expected << ' ' << coverage << c.ToString();
     lenses += expected > 0 && expected < 99 ? 1 : 0;
   }
-  EXPECT_GT(lenses, fp_test::Share(1000));
+  EXPECT_GT(lenses, Share(1000));
 }
 
 }  // namespace

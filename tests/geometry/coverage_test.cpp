@@ -52,7 +52,7 @@ class TalkingShape : public IShape {
 std::vector<LogLine> Asked(const std::string& name, const std::vector<std::string>& points) {
   std::vector<LogLine> lines;
   for (const std::string& point : points) {
-    lines.push_back(fp_test::Info(name, point));
+    lines.push_back(Info(name, point));
   }
   return lines;
 }
@@ -92,7 +92,7 @@ TEST(Coverage, AsksNoMoreWhereCornersAreContained) {
 
 // More columns than are dealt with at a time, and an inverted axis.
 TEST(Coverage, AsksUserShapesForEverySampleOfAnyGrid) {
-  fp_test::MuteLog(true);
+  MuteLog(true);
   for (const bool inverted : {false, true}) {
     std::vector<Point> seen;
     const TalkingShape user("user", [&](Point const& p) {
@@ -128,7 +128,7 @@ struct Ring : Circle {
 };
 
 TEST(Coverage, AsksClassesDerivedFromTheLibrarys) {
-  fp_test::MuteLog(true);
+  MuteLog(true);
   const Ring ring({0, 0}, 4);
   const Circle sensor({0, 0}, 8);
   const float expected = 100.0F * (49 - 13) / 197;
@@ -193,7 +193,7 @@ TEST(Coverage, NoScanPoints) {
 
 // Axes on which steps lead nowhere any more are not walked either.
 TEST(Coverage, EndlessAxes) {
-  fp_test::MuteLog(true);
+  MuteLog(true);
   const unsigned int all = 4294967295;
   EXPECT_EQ((Counts{all, 1, 1}),
             CountIn(Rect({0, 0}, {kInfinity, 0}), Rect({0, 0}, {kInfinity, 0}), Circle({1, 0}, 2)))
@@ -231,7 +231,7 @@ TEST(Coverage, OneCounterForTwoGetsTheSum) {
 }
 
 TEST(Coverage, OfCirclesByGrid) {
-  fp_test::MuteLog(true);
+  MuteLog(true);
   const Circle three({0, 0}, 3);
   EXPECT_EQ(100.0F, three.CoverageCoveredBy(static_cast<const IShape&>(three)));
   EXPECT_EQ((Counts{29, 29, 29}), CountIn(Rect({-3, -3}, {3, 3}), three, three));

@@ -96,13 +96,15 @@ bool RecountCase(const std::string& line) {
 
 bool fp_golden::Recount(std::istream& file) {
   bool agrees = true;
+  int cases = 0;
   std::string line;
   while (std::getline(file, line)) {
     if (line.empty() || line[0] == '#') {
       std::cout << line << '\n';
     } else {
       agrees = RecountCase(line) && agrees;
+      ++cases;
     }
   }
-  return agrees;
+  return agrees && cases > 0;
 }

@@ -207,13 +207,10 @@ TEST_F(AuthEventTest, FailedLoadsLogAndKeepWhatWasReadable) {
   EXPECT_EQ(7, event.fid) << "scanned straight into the record";
   EXPECT_EQ(8, event.latency);
   EXPECT_EQ(80, event.iq);
-  EXPECT_EQ(
-      (std::vector{
-          Error("AuthEvent", "[" + std::string(kBaseSignature) +
-                                 "] failed to parse str:'0x10,0x2,0x1,0x7,0x8' with error -5"),
-          Error("AuthEventG7", "[" + std::string(kG7Signature) +
-                                   "] AuthEvent failed to load '0x10,0x2,0x1,0x7,0x8'")}),
-      TakeLog());
+  EXPECT_LOG(Error("AuthEvent", "[" + std::string(kBaseSignature) +
+                                    "] failed to parse str:'0x10,0x2,0x1,0x7,0x8' with error -5"),
+             Error("AuthEventG7", "[" + std::string(kG7Signature) +
+                                      "] AuthEvent failed to load '0x10,0x2,0x1,0x7,0x8'"));
 
   text = "0x10,0x2,0x1,0x7,0x8,0x9,1.50,2.50,7,0x";
   errno = 0;

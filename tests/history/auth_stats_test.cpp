@@ -28,7 +28,7 @@ std::shared_ptr<AuthEventG7> Unmatched() {
   return event;
 }
 
-class AuthStatsTest : public fp_test::DeviceTest {
+class AuthStatsTest : public DeviceTest {
  protected:
   // A history that has found its file missing.
   static std::unique_ptr<AuthStatsG7> Fresh(uint32_t capacity = AuthStats::kUnbounded) {
@@ -242,6 +242,7 @@ TEST_F(AuthStatsTest, InitCreatesTheDirectoryAndLogsWhatFails) {
   fp_host::SetFault({.function = "mkdir", .error = EROFS});
   fp_host::SetFault({.function = "fopen", .error = EACCES});
   fp_host::SetFault({.function = "open", .error = EACCES});
+  stats.Reset();
   stats.Init();
   stats.AddAttempt(Attempt(true));
   EXPECT_LOG(Error("AuthStats",
@@ -254,6 +255,7 @@ TEST_F(AuthStatsTest, InitCreatesTheDirectoryAndLogsWhatFails) {
   fp_host::ClearFaults();
 
   WriteFile(kFile, "0x1,0x1,x");
+  stats.Reset();
   stats.Init();
   EXPECT_LOG(
       Error("AuthStats",

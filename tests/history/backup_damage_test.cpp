@@ -18,7 +18,7 @@ namespace {
 using namespace fp_test;
 using Texts = std::vector<std::string>;
 
-class BackupDamage : public fp_test::DeviceTest, public ::testing::WithParamInterface<HistoryKind> {
+class BackupDamage : public DeviceTest, public ::testing::WithParamInterface<HistoryKind> {
  protected:
   BackupDamage() {
     auto history = GetParam().start();
@@ -223,7 +223,7 @@ TEST_P(BackupDamage, GoesOnAndSavesAgain) {
   EXPECT_EQ(history->RecordTexts(), GetParam().start()->RecordTexts());
 }
 
-INSTANTIATE_TEST_SUITE_P(Files, BackupDamage, ::testing::ValuesIn(fp_test::AllHistoryKinds()),
+INSTANTIATE_TEST_SUITE_P(Files, BackupDamage, ::testing::ValuesIn(AllHistoryKinds()),
                          [](const auto& info) { return std::string(info.param.name); });
 
 }  // namespace

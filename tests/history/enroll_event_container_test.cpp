@@ -16,7 +16,7 @@ std::shared_ptr<EnrollEventG7> Event(int32_t fid) {
   return event;
 }
 
-class EnrollEventContainerTest : public fp_test::DeviceTest {
+class EnrollEventContainerTest : public DeviceTest {
  protected:
   // A container as at the service's start.
   static std::unique_ptr<EnrollEventContainer> Started(const char* event_type = "EnrollEventG7") {
@@ -55,6 +55,9 @@ TEST_F(EnrollEventContainerTest, SavesEveryEventOnceInitialised) {
   EXPECT_FALSE(Exists(kFile)) << "nor by Init";
   container.AddEvent(Event(2));
   EXPECT_EQ(2u, Started()->GetEvents().size()) << "one file for every container";
+  const std::string saved = ReadFile(kFile);
+  container.Init("EnrollEventG7");
+  EXPECT_EQ(saved, ReadFile(kFile)) << "nor by another one";
 }
 
 TEST_F(EnrollEventContainerTest, UnknownTypeLoadsNothingAndStillSaves) {
@@ -90,19 +93,17 @@ TEST_F(EnrollEventContainerTest, LogsUnderItsOwnName) {
   container->LoadEventsFromBackupFile();
   container->AddEvent(nullptr);
   const std::string path = kFile;
-  EXPECT_EQ(
-      (std::vector{
-          Error("EnrollEventContainer",
-                "[Init] Failed to create directory \"/data/vendor/fingerprint/\" with error 30."),
-          Error("EnrollEventContainer",
-                "[LoadEventsFromBackupFile] Failed to open \"" + path + "\" with error 2."),
-          Error("EnrollEventContainer",
-                "[SaveEventsToBackupFile] Failed to open \"" + path + "\" with error 13."),
-          Error("EnrollEventContainer",
-                "[void android::fp_utils::EnrollEventContainer::LoadEventsFromBackupFile()] Crc "
-                "checksum didn't match!"),
-          Error("EnrollEventContainer", "[AddEvent] EnrollEvent is null, ignored")}),
-      TakeLog());
+  EXPECT_LOG(
+      Error("EnrollEventContainer",
+            "[Init] Failed to create directory \"/data/vendor/fingerprint/\" with error 30."),
+      Error("EnrollEventContainer",
+            "[LoadEventsFromBackupFile] Failed to open \"" + path + "\" with error 2."),
+      Error("EnrollEventContainer",
+            "[SaveEventsToBackupFile] Failed to open \"" + path + "\" with error 13."),
+      Error("EnrollEventContainer",
+            "[void android::fp_utils::EnrollEventContainer::LoadEventsFromBackupFile()] Crc "
+            "checksum didn't match!"),
+      Error("EnrollEventContainer", "[AddEvent] EnrollEvent is null, ignored"));
 }
 
 TEST_F(EnrollEventContainerTest, Dumps) {

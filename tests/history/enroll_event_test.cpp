@@ -119,16 +119,13 @@ TEST_F(EnrollEventTest, FailedLoadsLog) {
   EXPECT_FALSE(event.LoadFromBackupString(text));
   text = "0x10,1,0x0,0x1,0x2,0x3,1.50,0x4";
   EXPECT_FALSE(event.LoadFromBackupString(text)) << "a base text alone";
-  EXPECT_EQ(
-      (std::vector{
-          Error("EnrollEvent",
-                "[virtual bool android::fp_utils::EnrollEvent::LoadFromBackupString(std::string "
-                "&)] failed to parse str:'0x10,1,0x0,0x1' with error 0"),
-          Error("EnrollEventG7",
-                "[" + std::string(kG7Signature) + "] EnrollEvent failed to load '0x10,1,0x0,0x1'"),
-          Error("EnrollEventG7",
-                "[" + std::string(kG7Signature) + "] failed to parse str:'' with error 0")}),
-      TakeLog());
+  EXPECT_LOG(Error("EnrollEvent",
+                   "[virtual bool android::fp_utils::EnrollEvent::LoadFromBackupString(std::string "
+                   "&)] failed to parse str:'0x10,1,0x0,0x1' with error 0"),
+             Error("EnrollEventG7", "[" + std::string(kG7Signature) +
+                                        "] EnrollEvent failed to load '0x10,1,0x0,0x1'"),
+             Error("EnrollEventG7",
+                   "[" + std::string(kG7Signature) + "] failed to parse str:'' with error 0"));
 }
 
 }  // namespace

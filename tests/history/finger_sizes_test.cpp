@@ -91,17 +91,15 @@ TEST_F(FingerSizesTest, LogsUnderItsOwnName) {
   FingerSizes sizes("x", 10, true);
   fp_host::SetFault({.function = "open", .error = EACCES});
   sizes.AddFinger(Size(1, 1), true);
-  EXPECT_EQ(
-      (std::vector{
-          Error("FingerSizes",
-                "[FingerSizes] Failed to create directory \"/data/vendor/fingerprint/\" with error "
-                "30."),
-          Error("FingerSizes",
-                "[x][void android::fp_utils::FingerSizes::LoadFingersFromBackupFile()] Crc "
-                "checksum didn't match!"),
-          Error("FingerSizes", "[SaveFingersToBackupFile] Failed to open \"" + std::string(kFile) +
-                                   "\" with error 13.")}),
-      TakeLog());
+  EXPECT_LOG(
+      Error("FingerSizes",
+            "[FingerSizes] Failed to create directory \"/data/vendor/fingerprint/\" with error "
+            "30."),
+      Error("FingerSizes",
+            "[x][void android::fp_utils::FingerSizes::LoadFingersFromBackupFile()] Crc "
+            "checksum didn't match!"),
+      Error("FingerSizes", "[SaveFingersToBackupFile] Failed to open \"" + std::string(kFile) +
+                               "\" with error 13."));
 }
 
 TEST_F(FingerSizesTest, KnownPercentiles) {

@@ -83,7 +83,7 @@ TEST(Binder, NullIsTakenEverywhere) {
   EXPECT_EQ(nullptr, AServiceManager_checkService(nullptr));
   EXPECT_EQ(nullptr, AServiceManager_waitForService(nullptr));
   EXPECT_FALSE(AServiceManager_isDeclared(nullptr));
-  EXPECT_TRUE(fp_test::TakeLog().empty());
+  EXPECT_LOG();
   AIBinder_decStrong(nullptr);
   EXPECT_EQ(1u, fp_test::TakeLog().size()) << "an error, but no crash";
 }

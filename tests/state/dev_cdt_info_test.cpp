@@ -11,7 +11,7 @@ using namespace fp_test;
 
 const std::string kFolder = "/sys/firmware/devicetree/base/chosen/plat/";
 
-class DevCdtInfoTest : public fp_test::DeviceTest {};
+class DevCdtInfoTest : public DeviceTest {};
 
 TEST_F(DevCdtInfoTest, ReadsBigEndianCellsOnce) {
   using namespace std::string_literals;
@@ -27,15 +27,13 @@ TEST_F(DevCdtInfoTest, ReadsBigEndianCellsOnce) {
   EXPECT_EQ(0u, info.major);
   EXPECT_EQ(0u, info.minor);
   EXPECT_EQ(0x102u, info.variant);
-  EXPECT_EQ(
-      (std::vector{Error("DevCdtInfo", "Failed to open \"" + kFolder + "minor\" with error 2."),
-                   Debug("DevCdtInfo", "DevCdtInfo: platform:0x0a"),
-                   Debug("DevCdtInfo", "DevCdtInfo: product:0xff020304"),
-                   Debug("DevCdtInfo", "DevCdtInfo: stage:0x5000000"),
-                   Debug("DevCdtInfo", "DevCdtInfo: major:0x00"),
-                   Debug("DevCdtInfo", "DevCdtInfo: minro:0x00"),
-                   Debug("DevCdtInfo", "DevCdtInfo: variant_0x102")}),
-      TakeLog());
+  EXPECT_LOG(Error("DevCdtInfo", "Failed to open \"" + kFolder + "minor\" with error 2."),
+             Debug("DevCdtInfo", "DevCdtInfo: platform:0x0a"),
+             Debug("DevCdtInfo", "DevCdtInfo: product:0xff020304"),
+             Debug("DevCdtInfo", "DevCdtInfo: stage:0x5000000"),
+             Debug("DevCdtInfo", "DevCdtInfo: major:0x00"),
+             Debug("DevCdtInfo", "DevCdtInfo: minro:0x00"),
+             Debug("DevCdtInfo", "DevCdtInfo: variant_0x102"));
   WriteFile(kFolder + "platform", "\0\0\0\x0b"s);
   EXPECT_EQ(0x0au, DevCdtInfo::GetInstance().platform);
 }

@@ -162,7 +162,7 @@ TEST_F(FpStateTrackerTest, FingerDownTimeFitsEveryBuffer) {
 }
 
 TEST_F(FpStateTrackerTest, UpdatesAndReadsFromManyThreads) {
-  fp_test::MuteLog(true);
+  MuteLog(true);
   std::vector<std::thread> threads;
   for (int i = 0; i < 4; ++i) {
     threads.emplace_back([this, i] {

@@ -18,8 +18,9 @@ void Process::Kill() {
     observers.swap(observers_);
     plan_->changed.notify_all();
   }
-  for (const auto& observer : observers) {
+  for (auto& observer : observers) {
     observer();
+    observer = nullptr;  // the reference that it holds is gone before the next one tells anybody
   }
 }
 
