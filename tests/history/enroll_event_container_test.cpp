@@ -2,6 +2,7 @@
 #include "fp_utils/enroll_event_container.h"
 
 #include "support/device_test.h"
+#include "support/history_kinds.h"
 
 namespace android::fp_utils {
 namespace {
@@ -58,6 +59,18 @@ TEST_F(EnrollEventContainerTest, SavesEveryEventOnceInitialised) {
   const std::string saved = ReadFile(kFile);
   container.Init("EnrollEventG7");
   EXPECT_EQ(saved, ReadFile(kFile)) << "nor by another one";
+}
+
+TEST_F(EnrollEventContainerTest, SavesEachRecordWithItsOwnText) {
+  struct ServiceEvent : EnrollEventG7 {
+    std::string ToBackupString() const override { return "own"; }
+  };
+  auto container = Started();
+  auto plain = std::make_shared<EnrollEvent>();
+  plain->timestamp = 0x10;
+  container->AddEvent(plain);
+  container->AddEvent(std::make_shared<ServiceEvent>());
+  EXPECT_EQ(Frame("0x10,0,0x0,0x0,0x0,0x0,0.00,0x0") + Frame("own"), ReadFile(kFile));
 }
 
 TEST_F(EnrollEventContainerTest, UnknownTypeLoadsNothingAndStillSaves) {

@@ -44,6 +44,7 @@ TEST_F(FpsInitInfoTest, DumpSaysHowTheBringUpWent) {
   fp_host::StopWallClock(1772600767, 89);
   info_.SetState(State::kStarted);
   EXPECT_EQ("Unexpected state:1\n", Dump());
+  EXPECT_EQ(State::kStarted, info_.GetState());
   info_.SetState(static_cast<State>(-7));
   EXPECT_EQ("Unexpected state:-7\n", Dump());
   fp_host::StopWallClock(1772600768, 323);
