@@ -77,7 +77,7 @@ bool Peer(const std::string& name, const std::string& numerator, const std::stri
 
 int main(int argc, char** argv) {
   std::vector<char*> arguments(argv, argv + argc);
-  std::string defaults[] = {"--benchmark_repetitions=7", "--benchmark_min_time=0.05",
+  std::string defaults[] = {"--benchmark_repetitions=15", "--benchmark_min_time=0.05",
                             "--benchmark_enable_random_interleaving=true",
                             "--benchmark_report_aggregates_only=false"};
   for (std::string& option : defaults) {

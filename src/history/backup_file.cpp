@@ -72,10 +72,12 @@ void BackupFrames::CloseFrame(const char* text_end) {
   const auto text_bytes = static_cast<size_t>(text_end - text);
   char header[kMaxHeaderBytes];
   const size_t header_bytes = WriteHeader(header, {text, text_bytes});
-  if (header_bytes != kUsualHeaderBytes) {
+  if (header_bytes == kUsualHeaderBytes) {
+    memcpy(frame, header, kUsualHeaderBytes);  // of a length that the compiler knows
+  } else {
     memmove(frame + header_bytes, text, text_bytes);
+    memcpy(frame, header, header_bytes);
   }
-  memcpy(frame, header, header_bytes);
   size_ += header_bytes + text_bytes;
 }
 

@@ -121,8 +121,7 @@ char* WriteFixedPoint(char* out, float value, int decimals) {
     return out + snprintf(out, 64, "%.*f", decimals, value);
   }
   // Exact, and rounded half to even: what printf does.
-  const uint32_t scale = decimals == 1 ? 10 : 100;
-  const double scaled = magnitude * scale;
+  const double scaled = magnitude * (decimals == 1 ? 10 : 100);
   auto rounded = static_cast<uint32_t>(scaled);
   const double rest = scaled - rounded;
   if (rest > 0.5 || (rest == 0.5 && rounded % 2 != 0)) {
@@ -130,7 +129,7 @@ char* WriteFixedPoint(char* out, float value, int decimals) {
   }
   *out = '-';
   out += std::signbit(value) ? 1 : 0;
-  out = WriteDecimal(out, rounded / scale);
+  out = WriteDecimal(out, decimals == 1 ? rounded / 10 : rounded / 100);
   *out++ = '.';
   if (decimals > 1) {
     *out++ = static_cast<char>('0' + rounded / 10 % 10);
