@@ -19,9 +19,6 @@ namespace {
 using fp_host::SetLux;
 using namespace fp_test;
 
-constexpr auto kLight = SensorListener::kLight;
-constexpr auto kLongPress = SensorListener::kLongPress;
-
 struct Operation {
   const char* name;
   void (*prepare)(SensorClients&);

@@ -17,9 +17,6 @@ namespace {
 using fp_host::SetLux;
 using namespace fp_test;
 
-constexpr auto kLight = SensorListener::kLight;
-constexpr auto kLongPress = SensorListener::kLongPress;
-
 // A service that does everything in any order, with a fault now and then.
 class RandomRun {
  public:

@@ -16,9 +16,6 @@ namespace {
 using fp_host::SetLux;
 using namespace fp_test;
 
-constexpr auto kLight = SensorListener::kLight;
-constexpr auto kLongPress = SensorListener::kLongPress;
-
 // All threads of the service at once, with callbacks that call back. The system server restarts at
 // any moment, so handles that have just died are in use, and only counted.
 class Storm {

@@ -13,9 +13,6 @@ namespace fp_test {
 // A listener whose callbacks count, in a process with a sensor service.
 class ListenerTest : public SensorTest {
  protected:
-  static constexpr auto kLight = android::fp_utils::SensorListener::kLight;
-  static constexpr auto kLongPress = android::fp_utils::SensorListener::kLongPress;
-
   ListenerTest() { Create(); }
 
   void Create() {

@@ -10,10 +10,14 @@
 #include <vector>
 
 #include "control/sensor_service.h"
+#include "fp_utils/sensor_listener.h"
 #include "support/log_recorder.h"
 #include "support/recorder.h"
 
 namespace fp_test {
+
+constexpr auto kLight = android::fp_utils::SensorListener::kLight;
+constexpr auto kLongPress = android::fp_utils::SensorListener::kLongPress;
 
 using Texts = std::vector<std::string>;
 
