@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <concepts>
 #include <string>
+#include <type_traits>
 
 #include "fp_utils/export.h"
 
@@ -57,7 +57,8 @@ class FP_UTILS_EXPORT Circle : public IShape {
   float CoverageCoveredBy(Circle const& other) const;
 
   // A class derived from Circle may contain other points than its circle does: it is sampled.
-  template <std::derived_from<Circle> Derived>
+  template <typename Derived>
+  requires std::is_convertible_v<const Derived*, const Circle*>
   float CoverageCoveredBy(Derived const& other) const {
     return CoverageCoveredBy(static_cast<IShape const&>(other));
   }

@@ -3,9 +3,9 @@
 
 #include <cstdio>
 #include <iterator>
-#include <typeinfo>
 
 #include "common/bounded_text.h"
+#include "common/exact_class.h"
 #include "common/local_time.h"
 #include "common/log.h"
 #include "history/auth_event_text.h"
@@ -32,7 +32,7 @@ std::string AcquisitionErrorText(int8_t acquired_info) {
 
 // The fields whose stored form is not their form in the record.
 struct StoredForm {
-  uint64_t timestamp = 0;
+  unsigned long long timestamp = 0;
   uint32_t acquired_info = 0;
   uint32_t auth_successful = 0;
 
@@ -64,7 +64,7 @@ bool LoadWritten(AuthEvent& event, std::string& text) {
 bool LoadScanned(AuthEvent& event, std::string& text) {
   StoredForm stored;
   const int converted =
-      sscanf(text.c_str(), "0x%lx,0x%x,0x%x,0x%x,0x%x,0x%x", &stored.timestamp,
+      sscanf(text.c_str(), "0x%llx,0x%x,0x%x,0x%x,0x%x,0x%x", &stored.timestamp,
              &stored.acquired_info, &stored.auth_successful, AsUnsigned(&event.fid),
              AsUnsigned(&event.latency), AsUnsigned(&event.iq));
   if (converted < 6) {
@@ -114,10 +114,10 @@ char* WriteAuthEvent(char* out, const AuthEvent& event) {
 }
 
 char* WriteOwnRecord(char* out, const AuthEvent& event) {
-  if (typeid(event) == typeid(AuthEventG7)) {
-    return WriteAuthEventG7(out, static_cast<const AuthEventG7&>(event));
+  if (const auto* g7 = ExactCast<AuthEventG7>(event)) {
+    return WriteAuthEventG7(out, *g7);
   }
-  return typeid(event) == typeid(AuthEvent) ? WriteAuthEvent(out, event) : nullptr;
+  return ExactCast<AuthEvent>(event) != nullptr ? WriteAuthEvent(out, event) : nullptr;
 }
 
 bool AuthEvent::LoadFromBackupString(std::string& text) {

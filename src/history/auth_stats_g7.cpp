@@ -11,9 +11,10 @@ namespace {
 constexpr char kRecordClass[] = "AuthEventG7";
 
 // AddAttempt() lets only AuthEventG7 records in; a base record pushed past it counts as 0.
-float RawmeanDelta(const AuthEvent& event) {
-  const auto* g7 = dynamic_cast<const AuthEventG7*>(&event);
-  return g7 == nullptr ? 0 : static_cast<float>(g7->rawmean_delta);
+float RawmeanDelta(AuthEvent& event) {
+  return event.GetClassName() != kRecordClass
+             ? 0
+             : static_cast<float>(static_cast<const AuthEventG7&>(event).rawmean_delta);
 }
 
 }  // namespace

@@ -115,10 +115,9 @@ void BackupFile::LogCrcMismatch() const {
   }
 }
 
-void BackupFile::LogOversize(uint64_t length) const {
+void BackupFile::LogOversize(unsigned long long length) const {
   FP_LOG_ERROR(wording_.tag, "[%s][%s] Frame of %llu bytes is too long!",
-               instance_ != nullptr ? instance_ : wording_.tag, wording_.load_signature,
-               static_cast<unsigned long long>(length));
+               instance_ != nullptr ? instance_ : wording_.tag, wording_.load_signature, length);
 }
 
 void BackupFile::Replace(std::string_view content) const {
@@ -142,15 +141,15 @@ void BackupFile::Load(const std::function<void(std::string& record_text)>& take)
   }
   char buffer[kMaxRecordBytes] = {};
   uint32_t crc = 0;
-  uint64_t length = 0;
-  while (fscanf(file.get(), "0x%x,0x%lx,", &crc, &length) == 2) {
+  unsigned long long length = 0;
+  while (fscanf(file.get(), "0x%x,0x%llx,", &crc, &length) == 2) {
     if (length > sizeof buffer) {
       LogOversize(length);
       return;
     }
     // A short read leaves the rest of the buffer as the record before it did; the CRC tells.
     (void)!fread(buffer, length, 1, file.get());
-    buffer[std::min<uint64_t>(length, sizeof buffer - 1)] = '\0';
+    buffer[std::min<size_t>(length, sizeof buffer - 1)] = '\0';
     if (crc32(buffer, length) != crc) {
       LogCrcMismatch();
       return;

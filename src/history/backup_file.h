@@ -82,7 +82,7 @@ class BackupFile {
   void Replace(std::string_view content) const;
   void LogOpenFailure(const char* operation) const;
   void LogCrcMismatch() const;
-  void LogOversize(uint64_t length) const;
+  void LogOversize(unsigned long long length) const;
 
   const Wording& wording_;
   const char* instance_;

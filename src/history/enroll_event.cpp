@@ -3,9 +3,9 @@
 
 #include <cstdio>
 #include <limits>
-#include <typeinfo>
 
 #include "common/bounded_text.h"
+#include "common/exact_class.h"
 #include "common/local_time.h"
 #include "common/log.h"
 #include "history/enroll_event_text.h"
@@ -17,7 +17,7 @@ namespace {
 // A text as ToBackupString() writes it. False leaves record and text alone.
 bool LoadWritten(EnrollEvent& event, std::string& text) {
   RecordReader reader(text);
-  uint64_t timestamp = 0;
+  unsigned long long timestamp = 0;
   uint32_t successful = 0;
   EnrollEvent read = event;
   if (!reader.HexLong(&timestamp) || !reader.DecimalField(&read.op) ||
@@ -37,11 +37,11 @@ bool LoadWritten(EnrollEvent& event, std::string& text) {
 // Any text that scanf takes; what is not converted by way of a temporary goes straight into the
 // record, so that a damaged text leaves there what was readable, as it always has.
 bool LoadScanned(EnrollEvent& event, std::string& text) {
-  uint64_t timestamp = 0;
+  unsigned long long timestamp = 0;
   int op = 0;
   unsigned successful = 0;
   const int converted =
-      sscanf(text.c_str(), "0x%lx,%d,0x%x,0x%x,0x%x,0x%x,%f,0x%x", &timestamp, &op, &successful,
+      sscanf(text.c_str(), "0x%llx,%d,0x%x,0x%x,0x%x,0x%x,%f,0x%x", &timestamp, &op, &successful,
              AsUnsigned(&event.gid), AsUnsigned(&event.fid), AsUnsigned(&event.capture_count),
              &event.iq_avg, AsUnsigned(&event.enrolled_fingers_count));
   if (converted < 8) {
@@ -100,10 +100,10 @@ char* WriteEnrollEvent(char* out, const EnrollEvent& event) {
 }
 
 char* WriteOwnRecord(char* out, const EnrollEvent& event) {
-  if (typeid(event) == typeid(EnrollEventG7)) {
-    return WriteEnrollEventG7(out, static_cast<const EnrollEventG7&>(event));
+  if (const auto* g7 = ExactCast<EnrollEventG7>(event)) {
+    return WriteEnrollEventG7(out, *g7);
   }
-  return typeid(event) == typeid(EnrollEvent) ? WriteEnrollEvent(out, event) : nullptr;
+  return ExactCast<EnrollEvent>(event) != nullptr ? WriteEnrollEvent(out, event) : nullptr;
 }
 
 bool EnrollEvent::LoadFromBackupString(std::string& text) {

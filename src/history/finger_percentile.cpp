@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <algorithm>
 #include <array>
-#include <bit>
 #include <cstdint>
+#include <cstring>
 #include <vector>
 
 #include "fp_utils/finger_sizes.h"
@@ -15,12 +15,16 @@ constexpr uint32_t kSignBit = 0x80000000;
 // A float as an integer that sorts like it. Integers compare without branches, and give an order to
 // the NaN that a file may hold: beyond the infinity of its sign.
 uint32_t ToKey(float value) {
-  const auto bits = std::bit_cast<uint32_t>(value);
+  uint32_t bits = 0;
+  memcpy(&bits, &value, sizeof bits);
   return (bits & kSignBit) != 0 ? ~bits : bits | kSignBit;
 }
 
 float FromKey(uint32_t key) {
-  return std::bit_cast<float>((key & kSignBit) != 0 ? key & ~kSignBit : ~key);
+  const uint32_t bits = (key & kSignBit) != 0 ? key & ~kSignBit : ~key;
+  float value = 0;
+  memcpy(&value, &bits, sizeof value);
+  return value;
 }
 
 // `position` as an index below `count`: cut towards zero, and into the range where the caller's
@@ -41,7 +45,7 @@ void KeepNeighbourhood(std::vector<uint32_t>& keys, size_t& index) {
   constexpr int kBucketBits = 7;
   const auto [min, max] = std::minmax_element(keys.begin(), keys.end());
   const uint32_t lowest = *min;
-  const int shift = std::max(0, static_cast<int>(std::bit_width(*max - lowest)) - kBucketBits);
+  const int shift = std::max(0, 32 - kBucketBits - __builtin_clz((*max - lowest) | 1));
   std::array<uint32_t, 1 << kBucketBits> counts = {};
   for (const uint32_t key : keys) {
     ++counts[(key - lowest) >> shift];

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <cstdio>
-#include <typeinfo>
 
 #include "common/bounded_text.h"
+#include "common/exact_class.h"
 #include "common/log.h"
 #include "fp_utils/finger_sizes.h"
 #include "history/finger_size_text.h"
@@ -39,7 +39,7 @@ std::string FingerSize::ToBackupString() const {
 }
 
 char* WriteOwnRecord(char* out, const FingerSize& size) {
-  return typeid(size) == typeid(FingerSize) ? WriteFingerSize(out, size) : nullptr;
+  return ExactCast<FingerSize>(size) != nullptr ? WriteFingerSize(out, size) : nullptr;
 }
 
 bool FingerSize::LoadFromBackupString(std::string& text) {

@@ -27,7 +27,9 @@ constexpr float kFixedPointLimit = 1e7F;
 constexpr uint8_t kNoDigit = 0xFF;
 constexpr std::array<uint8_t, 256> MakeHexValues() {
   std::array<uint8_t, 256> values = {};
-  values.fill(kNoDigit);
+  for (uint8_t& value : values) {
+    value = kNoDigit;
+  }
   for (uint8_t digit = 0; digit < 10; ++digit) {
     values['0' + digit] = digit;
   }
@@ -182,7 +184,14 @@ bool RecordReader::DecimalNumber(int limit, uint64_t* value) {
   return true;
 }
 
-bool RecordReader::HexLong(uint64_t* value) { return HexNumber(kHexDigits64, value); }
+bool RecordReader::HexLong(unsigned long long* value) {
+  uint64_t number = 0;
+  if (!HexNumber(kHexDigits64, &number)) {
+    return false;
+  }
+  *value = number;
+  return true;
+}
 
 bool RecordReader::HexField(uint32_t* value) {
   uint64_t number = 0;

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <array>
-#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -37,7 +36,7 @@ inline uint64_t HexDigits(uint32_t value) {
   nibbles = (nibbles << 4 | nibbles) & 0x0F0F0F0F0F0F0F0F;
   const uint64_t letters = (nibbles + 0x0606060606060606) >> 4 & 0x0101010101010101;
   const uint64_t digits = nibbles + 0x3030303030303030 + letters * ('a' - '0' - 10);
-  return std::endian::native == std::endian::little ? __builtin_bswap64(digits) : digits;
+  return __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__ ? __builtin_bswap64(digits) : digits;
 }
 
 inline char* WriteHexDigits(char* out, uint32_t value) {
@@ -88,7 +87,7 @@ class RecordReader {
   explicit RecordReader(std::string_view text)
       : position_(text.data()), end_(text.data() + text.size()), begin_(text.data()) {}
 
-  bool HexLong(uint64_t* value);
+  bool HexLong(unsigned long long* value);
 
   // A comma and a number.
   bool HexField(uint32_t* value);

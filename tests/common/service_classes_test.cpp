@@ -1,0 +1,84 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Classes of a service, which is built with or without run-time type information: so is this file.
+#include <memory>
+
+#include "common/exact_class.h"
+#include "fp_utils/auth_stats.h"
+#include "fp_utils/enroll_event.h"
+#include "fp_utils/finger_sizes.h"
+#include "fp_utils/shapes.h"
+#include "support/device_test.h"
+#include "support/history_kinds.h"
+
+#ifdef __GXX_RTTI
+#define SERVICE_CLASSES ServiceClassesWithRtti
+#else
+#define SERVICE_CLASSES ServiceClassesWithoutRtti
+#endif
+
+namespace android::fp_utils {
+namespace {
+
+class SERVICE_CLASSES : public fp_test::DeviceTest {};
+
+struct ServiceEvent : AuthEventG7 {
+  std::string ToBackupString() const override { return "own"; }
+};
+
+TEST_F(SERVICE_CLASSES, OfRecordsCountAndSaveTheirOwnText) {
+  AuthStatsG7 stats("0", 2, true);
+  stats.Init();
+  fp_test::TakeLog();
+  for (const int32_t rawmean_delta : {10, 20, 40}) {
+    auto event = std::make_shared<ServiceEvent>();
+    event->acquired_info = AuthEvent::kAcquiredGood;
+    event->auth_successful = true;
+    event->rawmean_delta = rawmean_delta;
+    stats.AddAttempt(event);
+  }
+  EXPECT_EQ(30.0F, stats.GetAvgRawmeanDelta());
+  EXPECT_LOG();
+  EXPECT_EQ(fp_test::Frame("own") + fp_test::Frame("own"), ReadFile(stats.GetBackupPath()));
+}
+
+class LeftHalf : public IShape {
+ public:
+  std::string Print() const override { return "LeftHalf"; }
+  bool Contains(Point const& p) const override { return p.x < 5; }
+};
+
+struct WideCircle : Circle {
+  bool Contains(Point const& p) const override { return p.x < 5; }
+};
+
+TEST_F(SERVICE_CLASSES, OfShapesAreAskedAtEverySample) {
+  const Rect ten({0, 0}, {9, 9});
+  EXPECT_EQ(50.0F, ten.CoverageCoveredBy(LeftHalf()));
+  EXPECT_EQ(50.0F, ten.CoverageCoveredBy(WideCircle()));
+  EXPECT_EQ(20.0F, Circle({5, 5}, 1).CoverageCoveredBy(WideCircle()));
+  EXPECT_EQ(1.0F, ten.CoverageCoveredBy(static_cast<const IShape&>(Circle({5, 5}, 0.5F))));
+}
+
+template <typename Known, typename Base>
+void ExpectToldFromDerived() {
+  struct Derived : Known {};
+  const Known known;
+  EXPECT_EQ(&known, (ExactCast<Known, Base>(known)));
+  EXPECT_EQ(nullptr, (ExactCast<Known, Base>(Derived())));
+}
+
+TEST_F(SERVICE_CLASSES, AreToldFromTheLibrarys) {
+  ExpectToldFromDerived<AuthEvent, AuthEvent>();
+  ExpectToldFromDerived<AuthEventG7, AuthEvent>();
+  ExpectToldFromDerived<EnrollEvent, EnrollEvent>();
+  ExpectToldFromDerived<EnrollEventG7, EnrollEvent>();
+  ExpectToldFromDerived<FingerSize, FingerSize>();
+  ExpectToldFromDerived<Circle, IShape>();
+  ExpectToldFromDerived<Ellipse, IShape>();
+  ExpectToldFromDerived<Rect, IShape>();
+  EXPECT_EQ(nullptr, (ExactCast<AuthEvent, AuthEvent>(AuthEventG7())));
+}
+
+}  // namespace
+}  // namespace android::fp_utils
