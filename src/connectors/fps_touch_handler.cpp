@@ -33,6 +33,12 @@ int32_t Scale(int32_t value, uint32_t factor) {
   return static_cast<int32_t>(static_cast<uint32_t>(value) * factor);
 }
 
+// Every byte but the type is zero, padding included: services copy events as bytes.
+void Clear(TouchEvent& event) {
+  memset(static_cast<void*>(&event), 0, sizeof event);
+  event.type = -1;
+}
+
 }  // namespace
 
 bool IsFpsTouchHandlerSupported() {
@@ -41,7 +47,9 @@ bool IsFpsTouchHandlerSupported() {
   return supported;
 }
 
-FpsTouchHandler::FpsTouchHandler() : resolution_scaling_factor_(ScalingFactor()) {}
+FpsTouchHandler::FpsTouchHandler() : resolution_scaling_factor_(ScalingFactor()) {
+  Clear(touch_event_);
+}
 
 FpsTouchHandler::~FpsTouchHandler() = default;
 
@@ -206,7 +214,7 @@ bool FpsTouchHandler::ReadTouchEvent() {
     bytes = read(touch_fd_, &reports, sizeof reports);
   }
   if (bytes <= 0) {
-    return bytes < 0 && (errno == EINTR || errno == EAGAIN);
+    return bytes < 0 && errno == EINTR;  // only a signal says nothing about the device
   }
   const uint32_t count = touch_device::CompleteWithZeros(reports, static_cast<size_t>(bytes));
   for (uint32_t i = 0; i < count && !dropping_rest_; ++i) {
@@ -239,7 +247,7 @@ TouchEvent FpsTouchHandler::GetTouchEvent() const {
 
 void FpsTouchHandler::ClearTouchEvent() {
   const std::lock_guard lock(touch_event_mutex_);
-  touch_event_ = TouchEvent();
+  Clear(touch_event_);
 }
 
 }  // namespace android::fp_utils

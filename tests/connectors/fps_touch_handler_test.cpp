@@ -1,17 +1,70 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "fp_utils/fps_touch_handler.h"
 
+#include <dlfcn.h>
+#include <poll.h>
+#include <sys/ioctl.h>
+
 #include <algorithm>
 #include <atomic>
 #include <csignal>
+#include <cstdarg>
 #include <cstring>
 #include <functional>
+#include <new>
 #include <thread>
 
 #include <android-base/properties.h>
 
 #include "control/faults.h"
+#include "support/holdings.h"
 #include "support/touch_test.h"
+
+// This program's system calls pass through here on their way to the simulated device.
+namespace {
+
+fp_test::Recorder<int> pauses;     // the timeouts of poll(), in ms, where there is one
+std::atomic<short> device_events;  // what poll() reports for the device, if not zero
+std::atomic<int> sleeps;           // of threads that wait for the handler's lock
+std::function<void(unsigned long)> before_request;  // set while no request is under way
+
+template <typename Function>
+Function* Next(const char* name) {
+  return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
+}
+
+}  // namespace
+
+extern "C" int poll(pollfd* fds, nfds_t count, int timeout) {
+  static auto* const next = Next<decltype(poll)>("poll");
+  if (timeout >= 0) {
+    pauses.Add(timeout);
+    return next(fds, count, timeout / 100);
+  }
+  if (device_events == 0) {
+    return next(fds, count, timeout);
+  }
+  fds[0].revents = device_events;
+  return 1;
+}
+
+extern "C" int ioctl(int fd, unsigned long request, ...) {
+  static auto* const next = Next<decltype(ioctl)>("ioctl");
+  va_list arguments;
+  va_start(arguments, request);
+  void* const argument = va_arg(arguments, void*);
+  va_end(arguments);
+  if (before_request) {
+    before_request(request);
+  }
+  return next(fd, request, argument);
+}
+
+extern "C" int nanosleep(const timespec* time, timespec* rest) {
+  static auto* const next = Next<decltype(nanosleep)>("nanosleep");
+  ++sleeps;
+  return next(time, rest);
+}
 
 namespace android::fp_utils {
 namespace {
@@ -76,8 +129,10 @@ TEST_F(FpsTouchHandlerTest, FailedConfigureCanBeRepeated) {
   expect_failure({opening,
                   Error(kTag, "OpenTouchDevice: could not open /dev/fth_fd, Permission denied\n"),
                   Error(kTag, "Configure: failed to open touch device")});
+  const long open_before = CountDescriptors();
   fail("pipe", 1, EMFILE);
   expect_pipe_failure("create stop pipe: Too many open files", {opening});
+  EXPECT_EQ(open_before + 1, CountDescriptors()) << "the device's; nothing was closed";
   fail("fcntl", 1, EPERM);
   expect_pipe_failure("make stop read pipe non-blocking: Operation not permitted");
   fail("fcntl", 2, EPERM);
@@ -246,42 +301,44 @@ TEST_F(FpsTouchHandlerTest, CancelComesBeforeReports) {
   handler_.Stop();
 }
 
-TEST_F(FpsTouchHandlerTest, DeviceThatIsGoneCostsNoCoreAndComesBack) {
+TEST_F(FpsTouchHandlerTest, FailingDeviceIsLoggedOnceAndBackedOff) {
   Run();
+  const auto fail_reads = [this](int error) {
+    fp_host::SetFault({.function = "read", .calls = fp_host::Fault::kForever, .error = error});
+    node_.Push({{}});
+  };
   const struct {
     const char* why;
     std::function<void()> go, come;
   } kCases[] = {
       {"hang-up", [this] { node_.HangUp(); }, [this] { node_.Plug(); }},
-      {"no device behind the node",
-       [this] {
-         fp_host::SetFault(
-             {.function = "read", .calls = fp_host::Fault::kForever, .error = ENODEV});
-         node_.Push({{}});
+      {"no device", [&] { fail_reads(ENODEV); }, fp_host::ClearFaults},
+      {"readable, but nothing to read", [&] { fail_reads(EAGAIN); }, fp_host::ClearFaults},
+      {"error without data",
+       [&] {
+         device_events = POLLERR;
+         fail_reads(ENODEV);  // would be counted
        },
-       [] { fp_host::ClearFaults(); }},
-      {"poll fails",
-       [this] {
-         fp_host::SetFault({.function = "poll", .calls = 3, .error = ENOMEM});
-         node_.Push({{}});
-       },
-       [] {}},
+       [] {
+         EXPECT_GE(1, fp_host::CountedCalls("read")) << "the one that the first poll asked for";
+         fp_host::ClearFaults();
+         device_events = 0;
+       }},
   };
   for (const auto& test : kCases) {
+    SCOPED_TRACE(test.why);
     TakeLog();
-    if (test.why != std::string("poll fails")) {
-      fp_host::SetFault({.function = "poll", .first_call = 1000000});  // counts only
-    }
     test.go();
-    ASSERT_TRUE(Eventually([] { return fp_host::CountedCalls("poll") >= 5; })) << test.why;
-    const auto log = TakeLog();
-    EXPECT_LE(LinesWith(log, "failed"), test.why == std::string("poll fails") ? 3u : 1u)
-        << test.why;
+    std::vector<int> waited = pauses.Take(9);
+    ASSERT_LE(9u, waited.size());
+    waited.resize(9);
+    EXPECT_EQ((std::vector{10, 20, 40, 80, 160, 320, 640, 1000, 1000}), waited);
+    EXPECT_EQ(1u, LinesWith(TakeLog(), "failed"));
     test.come();
     ASSERT_TRUE(node_.Push({{.id = 5}}));
-    ASSERT_TRUE(Eventually([this] { return handler_.GetTouchEvent().id == 5; })) << test.why;
-    EXPECT_GT(100, fp_host::CountedCalls("poll")) << test.why;
+    ASSERT_TRUE(Eventually([this] { return handler_.GetTouchEvent().id == 5; }));
     handler_.ClearTouchEvent();
+    pauses.Take(0);
   }
 }
 
@@ -290,12 +347,73 @@ TEST_F(FpsTouchHandlerTest, FailingPollSaysNothingAboutTheDevice) {
   fp_host::SetFault({.function = "poll", .calls = 8, .error = EINTR});
   node_.Push({{}});
   ASSERT_TRUE(Eventually([] { return fp_host::CountedCalls("poll") >= 9; }));
-  EXPECT_EQ(8u, LinesWith(TakeLog(), "poll failed (errno=4)")) << "a signal costs no pause";
+  EXPECT_EQ(8u, LinesWith(TakeLog(), "poll failed (errno=4)"));
+  EXPECT_EQ(0u, pauses.Count()) << "a signal costs no pause";
   fp_host::SetFault({.function = "poll", .error = ENOMEM});
   node_.Push({{}});
-  ASSERT_TRUE(Eventually([] { return LinesWith(TakeLog(), "poll failed (errno=12)") == 1; }));
+  EXPECT_EQ((std::vector{10}), pauses.Take(1));
+  EXPECT_EQ(1u, LinesWith(TakeLog(), "poll failed (errno=12)"));
   node_.HangUp();
   EXPECT_TRUE(Eventually([] { return LinesWith(TakeLog(), "touch device failed") == 1; }));
+}
+
+// Those who copy the event as bytes find no garbage between its fields.
+TEST_F(FpsTouchHandlerTest, ClearedEventIsZeroInEveryOtherByte) {
+  alignas(FpsTouchHandler) unsigned char memory[sizeof(FpsTouchHandler)];
+  memset(memory, 0xA5, sizeof memory);
+  auto* const handler = new (memory) FpsTouchHandler;
+  const auto bytes = [handler] {
+    const auto* first = reinterpret_cast<const unsigned char*>(&handler->touch_event_);
+    return std::vector<unsigned char>(first, first + sizeof handler->touch_event_);
+  };
+  std::vector<unsigned char> cleared(sizeof(TouchEvent), 0);
+  std::fill_n(cleared.begin(), 4, 0xFF);
+  EXPECT_EQ(cleared, bytes());
+  memset(static_cast<void*>(&handler->touch_event_), 0xA5, sizeof handler->touch_event_);
+  handler->ClearTouchEvent();
+  EXPECT_EQ(cleared, bytes());
+  handler->~FpsTouchHandler();
+}
+
+TEST_F(FpsTouchHandlerTest, ThreadsThatConfigureTogetherShareDeviceAndWorker) {
+  std::vector<std::thread> threads;
+  std::atomic<int> here = 0;
+  for (int i = 0; i < 4; ++i) {
+    threads.emplace_back([&] {
+      ++here;
+      EXPECT_TRUE(Eventually([&] { return here == 4; }));
+      EXPECT_TRUE(handler_.Configure(kSensingArea));
+    });
+  }
+  for (std::thread& thread : threads) {
+    thread.join();
+  }
+  EXPECT_EQ(1, node_.OpenDescriptors());
+}
+
+TEST_F(FpsTouchHandlerTest, LptwRequestWaitsForTheOneBeforeIt) {
+  ASSERT_TRUE(handler_.Configure(kSensingArea));
+  node_.TakeRequests();
+  Recorder<int> held, go_on;
+  before_request = [&](unsigned long request) {
+    if (request == 115) {
+      held.Add(1);
+      go_on.Take(1);
+    }
+  };
+  std::thread configuring([this] { handler_.Configure(kSensingArea); });
+  held.Take(1);
+  const int slept = sleeps;
+  std::atomic<bool> switched = false;
+  std::thread switching([&] { switched = handler_.EnableLptwEventReport(true); });
+  EXPECT_TRUE(Eventually([&] { return switched || sleeps > slept; }));
+  EXPECT_FALSE(switched);
+  go_on.Add(1);
+  configuring.join();
+  switching.join();
+  EXPECT_EQ((std::vector<TouchNode::Request>{{115, Block(1, 2, 30, 40)}, {102, {}}}),
+            node_.TakeRequests());
+  before_request = nullptr;
 }
 
 TEST_F(FpsTouchHandlerTest, StopInsideTheCallbackEndsTheWorkerBehindIt) {
@@ -310,10 +428,12 @@ TEST_F(FpsTouchHandlerTest, StopInsideTheCallbackEndsTheWorkerBehindIt) {
   EXPECT_TRUE(handler_.Stop()) << "waits for the callback's end";
   EXPECT_EQ(0u, results.Count()) << "the rest of the buffer is dropped";
 
-  handler_.touch_event_callback_ = [this](const TouchEvent& event) { events_.Add(event); };
+  handler_.touch_event_callback_ = [&](const TouchEvent& /*event*/) {
+    results.Add(handler_.Start());
+  };
   EXPECT_TRUE(handler_.Start());
   ASSERT_TRUE(node_.Push({{}}));
-  EXPECT_EQ(1u, events_.Take(1).size());
+  EXPECT_EQ((std::vector{true}), results.Take(1)) << "it runs again";
   handler_.Stop();
 }
 

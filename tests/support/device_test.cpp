@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -48,7 +49,7 @@ std::string DumpText(const std::function<void(int fd)>& dump) {
 
 int Share(int full) {
   const char* share = getenv("FP_TEST_SHARE");
-  return share == nullptr ? full : static_cast<int>(full * atof(share));
+  return share == nullptr ? full : std::max(1, static_cast<int>(full * atof(share)));
 }
 
 void RunSeeded(const char* what, int count, uint64_t first,

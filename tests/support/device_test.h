@@ -31,7 +31,7 @@ class DeviceTest : public ::testing::Test {
 std::string DumpText(const std::function<void(int fd)>& dump);
 
 // How much work a long test does: `full` by default, less where FP_TEST_SHARE (a fraction) says so,
-// as under a sanitizer, more in the long checks.
+// as under a sanitizer, more in the long checks. At least 1.
 int Share(int full);
 
 // Runs `run` with as many seeds, the first one and those after it, until a test fails. FP_TEST_SEED
