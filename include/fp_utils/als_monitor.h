@@ -20,8 +20,10 @@ namespace android::fp_utils {
 // Ownership:  the class owns the instance. OnSystemServerDeath() deletes it; an operation on the
 //             old pointer that was waiting for the lock fails as one without a connection, later
 //             ones need a new GetInstance().
-// Blocking:   every operation waits for the sensor service while it is being started; GetLight()
-//             also polls, up to 1 ms for each 16 events.
+// Blocking:   every operation waits for the sensor service while it is being started. GetLight()
+//             reads everything that has arrived since the last call, 16 events per poll of up to
+//             1 ms, with the lock held. Nothing bounds the number of events that wait: call
+//             GetLight() regularly, or stop sampling.
 // Errors:     logged and returned; the last sample is kept.
 // Units:      lux.
 class FP_UTILS_EXPORT AlsMonitor {
@@ -60,7 +62,7 @@ class FP_UTILS_EXPORT AlsMonitor {
   int Drain() REQUIRES(mutex_);
 
   static AlsMonitor* instance_ GUARDED_BY(mutex_);
-  static std::mutex mutex_;
+  static std::mutex& mutex_;  // never destroyed: a thread may use it while the process exits
 
   // Guarded by mutex_. Not owned, but for the queue.
   ASensorManager* sensor_manager_ GUARDED_BY(mutex_) = nullptr;

@@ -30,7 +30,7 @@ class FP_UTILS_EXPORT DynamicExposure {
   // Receives the context, the new exposure and the new exposure base.
   using ExpoChangedCallback = void (*)(void* context, float expo, float base);
 
-  // The instance of the process, made on first use and destroyed at exit.
+  // The instance of the process, made on first use and never destroyed.
   static DynamicExposure& GetInstance();
 
   // Reads the properties, once. The service uses GetInstance(); own objects are for simulations.

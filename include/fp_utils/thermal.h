@@ -25,12 +25,12 @@ class Lifeline;
 //
 // Threading:  GetCpuSeverity() locks, across the HAL's answer.
 // Ownership:  the worker may still wait for a HAL that never comes when the object is destroyed. It
-//             is not stopped and does not touch the object any more; at process exit it just ends.
+//             is not stopped and does not touch the object any more.
 // Blocking:   the constructor waits 10 ms at most for the connection, GetCpuSeverity() for the HAL.
 // Errors:     logged; see GetCpuSeverity().
 class FP_UTILS_EXPORT Thermal {
  public:
-  // The instance of the process, made on first use and destroyed at exit.
+  // The instance of the process, made on first use and never destroyed.
   static Thermal& GetInstance();
 
   Thermal();

@@ -20,7 +20,7 @@ constexpr int kPollTimeoutMs = 1;
 }  // namespace
 
 AlsMonitor* AlsMonitor::instance_ = nullptr;
-std::mutex AlsMonitor::mutex_;
+std::mutex& AlsMonitor::mutex_ = *new std::mutex;
 
 AlsMonitor* AlsMonitor::GetInstance() {
   const std::lock_guard lock(mutex_);

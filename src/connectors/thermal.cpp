@@ -87,8 +87,8 @@ class Thermal::ConnectThermalHalThread : public Thread {
 };
 
 Thermal& Thermal::GetInstance() {
-  static Thermal instance;
-  return instance;
+  static auto* const instance = new Thermal;
+  return *instance;
 }
 
 Thermal::Thermal() : lifeline_(std::make_shared<Lifeline>()) {

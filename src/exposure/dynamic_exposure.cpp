@@ -31,8 +31,8 @@ bool IsDynamicExposureSupported() {
 }
 
 DynamicExposure& DynamicExposure::GetInstance() {
-  static DynamicExposure instance;
-  return instance;
+  static auto* const instance = new DynamicExposure;
+  return *instance;
 }
 
 DynamicExposure::DynamicExposure()

@@ -2,6 +2,7 @@
 #include "fp_utils/thermal.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <chrono>
 #include <optional>
@@ -272,6 +273,33 @@ TEST(ThermalLifetime, WorkerMayFindTheMonitorGone) {
     // No late worker may be counted among those of the next round.
     EXPECT_TRUE(Eventually([&] { return CountThreads() <= threads; }));
   }
+}
+
+// Handlers that are registered first run last, when static objects are destroyed already.
+TEST(ThermalLifetimeDeathTest, ThreadsMayAskWhileTheProcessExits) {
+  ::testing::FLAGS_gtest_death_test_style = "threadsafe";
+  static std::atomic<int> answers = 0;
+  EXPECT_EXIT(
+      {
+        MuteLog(true);
+        atexit([] {
+          const int before = answers;
+          EXPECT_TRUE(Eventually([before] { return answers > before + 100; }));
+        });
+        static auto* const service = new ThermalService;
+        service->Declare();
+        service->Start();
+        Thermal& thermal = Thermal::GetInstance();
+        EXPECT_TRUE(Eventually([&thermal] { return thermal.GetCpuSeverity() == 0; }));
+        std::thread([&thermal] {
+          while (true) {
+            thermal.GetCpuSeverity();
+            ++answers;
+          }
+        }).detach();
+        exit(0);
+      },
+      ::testing::ExitedWithCode(0), "");
 }
 
 TEST(ThermalLifetimeDeathTest, ProcessExitsWhileTheWorkerWaits) {
