@@ -13,10 +13,10 @@ class SensorListener::SensorPollingWorkerThread : public Thread {
  public:
   explicit SensorPollingWorkerThread(SensorListener* listener) : listener_(listener) {}
 
-  // Runs the thread unless it runs; always true.
+  // Runs the thread unless it runs already. False if it cannot be started.
   bool Start();
 
-  // Has the thread exit and waits for it, if it runs; always true. Not for the thread itself.
+  // Ends the thread and waits for it if it runs. Always true. The thread itself must not call it.
   bool Stop();
 
   // Whether the calling thread is this one.
