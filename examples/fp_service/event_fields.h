@@ -11,8 +11,8 @@
 
 namespace fp_service {
 
-// The reason why a line is refused; its place is known further out.
-class Refusal : public std::runtime_error {
+// The reason why a line is rejected; the caller adds its place.
+class InvalidEvent : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };
@@ -22,14 +22,14 @@ class Fields {
  public:
   explicit Fields(const nlohmann::json& object) : object_(object) {
     if (!object.is_object()) {
-      throw Refusal("an event is a JSON object");
+      throw InvalidEvent("an event is a JSON object");
     }
   }
 
   double Number(const std::string& name, double low, double high) {
     const nlohmann::json& value = Required(name);
     if (!value.is_number() || !(value >= low && value <= high)) {
-      throw Refusal(fmt::format("\"{}\" is a number from {} to {}", name, low, high));
+      throw InvalidEvent(fmt::format("\"{}\" is a number from {} to {}", name, low, high));
     }
     return value;
   }
@@ -37,7 +37,7 @@ class Fields {
   int Integer(const std::string& name, int low, int high) {
     const nlohmann::json& value = Required(name);
     if (!value.is_number_integer() || !(value >= low && value <= high)) {
-      throw Refusal(fmt::format("\"{}\" is a whole number from {} to {}", name, low, high));
+      throw InvalidEvent(fmt::format("\"{}\" is a whole number from {} to {}", name, low, high));
     }
     return value;
   }
@@ -49,9 +49,18 @@ class Fields {
   std::string Text(const std::string& name) {
     const nlohmann::json& value = Required(name);
     if (!value.is_string()) {
-      throw Refusal(fmt::format("\"{}\" is a text", name));
+      throw InvalidEvent(fmt::format("\"{}\" is a text", name));
     }
-    return value;
+    std::string text = value;
+    if (text.size() > kMaxText) {
+      throw InvalidEvent(fmt::format("\"{}\" is longer than {} bytes", name, kMaxText));
+    }
+    for (const char character : text) {
+      if (static_cast<unsigned char>(character) < ' ' || character == '\x7f') {
+        throw InvalidEvent(fmt::format("\"{}\" has a control character", name));
+      }
+    }
+    return text;
   }
 
   template <typename Value>
@@ -66,23 +75,26 @@ class Fields {
       for (const auto& [key, value] : choices) {
         names += (names.empty() ? "\"" : ", \"") + key + "\"";
       }
-      throw Refusal(fmt::format("\"{}\" is one of {}", name, names));
+      throw InvalidEvent(fmt::format("\"{}\" is one of {}", name, names));
     }
     return choice->second;
   }
 
-  void RefuseTheRest() const {
+  void RejectUnknownFields() const {
     for (const auto& [name, value] : object_.items()) {
       if (!asked_.contains(name)) {
-        throw Refusal(fmt::format("\"{}\" is no field of this event", name));
+        throw InvalidEvent(nlohmann::json(name).dump() + " is no field of this event");
       }
     }
   }
 
  private:
+  // Longer texts would not fit into the report.
+  static constexpr size_t kMaxText = 80;
+
   const nlohmann::json& Required(const std::string& name) {
     if (!object_.contains(name)) {
-      throw Refusal(fmt::format("\"{}\" is missing", name));
+      throw InvalidEvent(fmt::format("\"{}\" is missing", name));
     }
     asked_.insert(name);
     return object_.at(name);

@@ -2,113 +2,151 @@
 //
 // Runs a fingerprint service on the simulated device through a scenario. README.md beside this file
 // documents scenarios, options and exit codes.
-#include <fcntl.h>
 #include <fmt/format.h>
-#include <unistd.h>
+#include <getopt.h>
 
-#include <CLI/CLI.hpp>
+#include <charconv>
 #include <cstdio>
-#include <fstream>
-#include <map>
+#include <cstring>
+#include <stdexcept>
 #include <string>
-#include <vector>
 
-#include <android-base/properties.h>
 #include <android/log.h>
 
-#include "phone.h"
-#include "player.h"
+#include "playback.h"
 #include "scenario.h"
-#include "service.h"
 
 namespace fp_service {
 namespace {
 
 enum ExitCode { kOk = 0, kFailed = 1, kUsage = 2, kBadScenario = 3 };
 
+constexpr char kHelp[] = R"(Runs a fingerprint service on a simulated device through a scenario.
+
+usage: fp_service --scenario FILE [OPTION]...
+       fp_service --dump-only [OPTION]...
+
+  --scenario FILE        JSON Lines file of events
+  --dump-only            start, print the dump of what is found, stop
+  --device-root DIR      folder that holds the device's files (fp_device)
+  --seed N               of the simulated sensor and matcher (1)
+  --property NAME=VALUE  set a system property; repeatable
+  --log LEVEL            library log on stderr: debug, info, error or off (off)
+  -v, --verbose          print every attempt, and all records of the dump
+  -h, --help
+)";
+
+constexpr option kOptions[] = {{"scenario", required_argument, nullptr, 's'},
+                               {"dump-only", no_argument, nullptr, 'd'},
+                               {"device-root", required_argument, nullptr, 'r'},
+                               {"seed", required_argument, nullptr, 'n'},
+                               {"property", required_argument, nullptr, 'p'},
+                               {"log", required_argument, nullptr, 'l'},
+                               {"verbose", no_argument, nullptr, 'v'},
+                               {"help", no_argument, nullptr, 'h'},
+                               {}};
+
 struct Options {
+  Settings settings;
   std::string scenario;
-  std::string device_root = "fp_device";
-  uint64_t seed = 1;
   bool dump_only = false;
-  int log_priority = ANDROID_LOG_SILENT;
-  std::vector<std::string> properties;
+  bool help = false;
+  android_LogPriority log_priority = ANDROID_LOG_SILENT;
 };
 
-void SetProperties(const std::vector<std::string>& properties) {
-  for (const std::string& property : properties) {
-    const size_t equals = property.find('=');
-    android::base::SetProperty(property.substr(0, equals), property.substr(equals + 1));
+uint64_t ParseSeed(const char* text) {
+  uint64_t seed = 0;
+  const char* const end = text + strlen(text);
+  const auto result = std::from_chars(text, end, seed);
+  if (result.ec != std::errc() || result.ptr != end) {
+    throw std::invalid_argument("--seed is a whole number from 0 to 18446744073709551615");
   }
+  return seed;
 }
 
-std::string NeedsEquals(const std::string& property) {
-  return property.find('=') == std::string::npos ? "a property is written NAME=VALUE" : "";
-}
-
-Scenario Load(const std::string& path) {
-  std::ifstream file(path);
-  if (!file) {
-    throw ScenarioError(fmt::format("{}: cannot be opened", path));
-  }
-  return ReadScenario(file, path);
-}
-
-int Run(const Options& options) {
-  const Scenario scenario = options.dump_only ? Scenario() : Load(options.scenario);
-  __android_log_set_minimum_priority(options.log_priority);
-  Phone phone(options.device_root, options.seed);
-  SetProperties(options.properties);
-  if (!scenario.events.empty()) {
-    phone.SetTime(scenario.events.front().at);
-  }
-
-  Service service(phone);
-  if (service.GetHistorySize() == 0) {
-    fmt::print("first start: no history yet\n");
-  } else {
-    fmt::print("found {} attempts of earlier runs\n", service.GetHistorySize());
-  }
-  if (!options.dump_only) {
-    Player player(service, phone, scenario.touches);
-    for (const Event& event : scenario.events) {
-      player.Play(event);
+android_LogPriority ParseLevel(const std::string& text) {
+  const std::pair<const char*, android_LogPriority> levels[] = {{"debug", ANDROID_LOG_DEBUG},
+                                                                {"info", ANDROID_LOG_INFO},
+                                                                {"error", ANDROID_LOG_ERROR},
+                                                                {"off", ANDROID_LOG_SILENT}};
+  for (const auto& [name, priority] : levels) {
+    if (text == name) {
+      return priority;
     }
-    fmt::print("\n{}\n", player.GetReport().Text());
   }
-  fflush(stdout);
-  service.Dump(STDOUT_FILENO);
-  return kOk;
+  throw std::invalid_argument("--log is debug, info, error or off");
+}
+
+void Take(Options& options, int option) {
+  switch (option) {
+    case 's':
+      options.scenario = optarg;
+      return;
+    case 'd':
+      options.dump_only = true;
+      return;
+    case 'r':
+      options.settings.device_root = optarg;
+      return;
+    case 'n':
+      options.settings.seed = ParseSeed(optarg);
+      return;
+    case 'p':
+      options.settings.properties.push_back(ParseProperty(optarg));
+      return;
+    case 'l':
+      options.log_priority = ParseLevel(optarg);
+      return;
+    case 'v':
+      options.settings.verbose = true;
+      return;
+    case 'h':
+      options.help = true;
+      return;
+    default:
+      throw std::invalid_argument("see --help");  // getopt has said what is wrong
+  }
+}
+
+Options Parse(int argc, char** argv) {
+  Options options;
+  for (int option; (option = getopt_long(argc, argv, "vh", kOptions, nullptr)) != -1;) {
+    Take(options, option);
+  }
+  if (optind < argc) {
+    throw std::invalid_argument(fmt::format("unexpected argument {}", argv[optind]));
+  }
+  if (!options.help && options.dump_only != options.scenario.empty()) {
+    throw std::invalid_argument("either --scenario or --dump-only is needed, see --help");
+  }
+  return options;
+}
+
+void Run(const Options& options) {
+  const Scenario scenario = options.dump_only ? Scenario() : LoadScenario(options.scenario);
+  __android_log_set_minimum_priority(options.log_priority);
+  for (const auto& [name, value] : options.settings.properties) {
+    fmt::print("{} is {}\n", name, value);
+  }
+  if (options.dump_only) {
+    PrintFoundState(options.settings);
+  } else {
+    PlayTwice(scenario, options.settings);
+  }
 }
 
 int Main(int argc, char** argv) {
-  Options options;
-  const std::map<std::string, int> levels = {{"debug", ANDROID_LOG_DEBUG},
-                                             {"info", ANDROID_LOG_INFO},
-                                             {"error", ANDROID_LOG_ERROR},
-                                             {"off", ANDROID_LOG_SILENT}};
-  CLI::App app("Runs a fingerprint service on a simulated device through a scenario.");
-  auto* scenario = app.add_option("--scenario", options.scenario, "JSON Lines file of events");
-  app.add_option("--device-root", options.device_root, "folder that holds the device's files")
-      ->capture_default_str();
-  app.add_option("--seed", options.seed, "of the simulated sensor")->capture_default_str();
-  app.add_flag("--dump-only", options.dump_only, "start, print the dump of what is found, stop")
-      ->excludes(scenario);
-  app.add_option("--log", options.log_priority, "library log on stderr: debug, info, error or off")
-      ->transform(CLI::CheckedTransformer(levels))
-      ->default_str("off");
-  app.add_option("--property", options.properties, "NAME=VALUE of a system property; repeatable")
-      ->check(CLI::Validator(NeedsEquals, "NAME=VALUE"));
   try {
-    app.parse(argc, argv);
-    if (!options.dump_only && options.scenario.empty()) {
-      throw CLI::RequiredError("--scenario or --dump-only");
+    const Options options = Parse(argc, argv);
+    if (options.help) {
+      fmt::print("{}", kHelp);
+    } else {
+      Run(options);
     }
-  } catch (const CLI::ParseError& error) {
-    return app.exit(error) == 0 ? kOk : kUsage;
-  }
-  try {
-    return Run(options);
+    return kOk;
+  } catch (const std::invalid_argument& error) {
+    fmt::print(stderr, "fp_service: {}\n", error.what());
+    return kUsage;
   } catch (const ScenarioError& error) {
     fmt::print(stderr, "{}\n", error.what());
     return kBadScenario;

@@ -46,23 +46,25 @@ Phone::Build::Build(const std::string& root) {
   WriteFile("/dev/trusty-log0", "fingerprint: sensor id 0x2a, calibration page 3\n");
 }
 
-Phone::Phone(const std::string& root, uint64_t seed) : build_(root), sensor_(seed) {
+Phone::Phone(const std::string& root, PhoneState& state)
+    : build_(root), state_(state), sensor_(state.sensor_random) {
   display_.Declare();
   display_.Start();
   thermal_.Declare();
   thermal_.Start();
-  SetSkinSeverity(0);
-  SetLux(lux_);
+  SetSkinSeverity(state.skin_severity);
+  SetLux(state.lux);
 }
 
 void Phone::SetTime(time_t at) { fp_host::StopWallClock(at); }
 
 void Phone::SetLux(float lux) {
-  lux_ = lux;
+  state_.lux = lux;
   fp_host::SetLux(lux);
 }
 
 void Phone::SetSkinSeverity(int severity) {
+  state_.skin_severity = severity;
   thermal_.SetTemperatures({{.type = TemperatureType::SKIN,
                              .name = "skin",
                              .value = 30 + 4 * static_cast<float>(severity),
@@ -84,9 +86,10 @@ fp_host::TouchRecord Phone::Report(uint32_t type) const {
   return record;
 }
 
-void Phone::PutFinger(Skin skin, Aim aim) {
+void Phone::PutFinger(int finger, Skin skin, Aim aim) {
+  finger_ = finger;
   skin_ = skin;
-  contact_ = sensor_.Aim(aim);
+  contact_ = sensor_.Touch(aim);
   touch_.Push({Report(touch_format::kDown)});
 }
 
@@ -106,15 +109,9 @@ void Phone::BlinkTouchDevice() {
   touch_.Plug();
 }
 
-SensorModel::Capture Phone::CaptureImage() {
-  using android::fp_utils::Ellipse;
-  using android::fp_utils::Point;
-  const Ellipse finger(Point(contact_.x, contact_.y), contact_.major, contact_.minor,
-                       contact_.angle);
-  return sensor_.Expose({.skin = skin_,
-                         .coverage_percent = SensorModel::Area().CoverageCoveredBy(finger),
-                         .lux = lux_,
-                         .lit = display_.IsLhbmOn()});
+Capture Phone::CaptureImage() {
+  return sensor_.Expose(
+      {.finger = finger_, .skin = skin_, .lux = state_.lux, .lit = display_.IsLhbmOn()});
 }
 
 }  // namespace fp_service

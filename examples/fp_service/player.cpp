@@ -2,91 +2,141 @@
 #include "player.h"
 
 #include <fmt/format.h>
+#include <sys/mman.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdio>
+#include <deque>
+#include <sstream>
 
 namespace fp_service {
+namespace {
+
+constexpr size_t kRecordsShown = 5;
+
+std::string DumpText(Service& service) {
+  const int fd = memfd_create("dump", MFD_CLOEXEC);
+  service.Dump(fd);
+  std::string text(static_cast<size_t>(lseek(fd, 0, SEEK_END)), '\0');
+  text.resize(static_cast<size_t>(std::max<ssize_t>(0, pread(fd, text.data(), text.size(), 0))));
+  close(fd);
+  return text;
+}
+
+}  // namespace
+
+// A record's line begins with its number: "  #000 ".
+void PrintDump(Service& service, Output output) {
+  std::istringstream lines(DumpText(service));
+  std::deque<std::string> newest;
+  size_t records = 0;
+  const auto print_records = [&] {
+    if (records > newest.size()) {
+      fmt::print("  ({} older ones, printed with -v)\n", records - newest.size());
+    }
+    for (const std::string& record : newest) {
+      fmt::print("{}\n", record);
+    }
+    newest.clear();
+    records = 0;
+  };
+  for (std::string line; std::getline(lines, line);) {
+    if (line.rfind("  #", 0) == 0) {
+      ++records;
+      newest.push_back(line);
+      if (output != Output::kAttempts && newest.size() > kRecordsShown) {
+        newest.pop_front();
+      }
+    } else {
+      print_records();
+      fmt::print("{}\n", line);
+    }
+  }
+  print_records();
+}
 
 void Player::Play(const Event& event) {
   at_ = event.at;
   phone_.SetTime(at_);
-  std::visit([this](const auto& happening) { Happen(happening); }, event.happening);
+  std::visit([this](const auto& data) { Handle(data); }, event.data);
 }
 
-void Player::Happen(const Phase& phase) {
+void Player::Handle(const Phase& phase) {
   Say(fmt::format("-- {}", phase.name));
-  report_.BeginPhase(phase.name, phone_.GetExposure());
+  report_.BeginPhase(phone_.GetExposure());
 }
 
-void Player::Happen(const Calibrate& calibration) { service_.Calibrate(calibration); }
+void Player::Handle(const Calibrate& calibration) {
+  service_.Calibrate(calibration);
+  report_.Calibrated(calibration.expo_ms);
+}
 
-void Player::Happen(const InitError& error) { service_.ReportInitError(error); }
+void Player::Handle(const InitError& error) { service_.ReportInitError(error); }
 
-void Player::Happen(const Light& light) { phone_.SetLux(light.lux); }
+void Player::Handle(const Light& light) { phone_.SetLux(light.lux); }
 
 template <typename Work>
-std::string Player::Touch(Purpose purpose, Skin skin, Aim aim, Work&& work) {
+std::string Player::Touch(Purpose purpose, int finger, Skin skin, Aim aim, Work&& work) {
   phone_.SetTime(at_);
   service_.ExpectFinger(purpose);
-  phone_.PutFinger(skin, aim);
+  phone_.PutFinger(finger, skin, aim);
   work();
   phone_.LiftFinger();
   phone_.RestartDeadHals();
-  progress_.Step();
   return service_.FinishTouch();
 }
 
-void Player::Happen(const Enroll& enroll) {
+void Player::Handle(const Enroll& enroll) {
   for (int i = 0; i < enroll.captures; ++i, ++at_) {
-    Touch(Purpose::kEnroll, Skin::kNormal, enroll.aim, [&] { service_.CaptureForEnrollment(); });
+    Touch(Purpose::kEnroll, enroll.finger, Skin::kNormal, enroll.aim,
+          [&] { service_.CaptureForEnrollment(); });
   }
-  Say(service_.Enroll(at_, enroll.finger)->ToDebugString());
+  phone_.SetTime(at_);
+  Say(service_.Enroll(enroll.finger)->ToDebugString());
 }
 
-void Player::Happen(const Delete& deletion) {
-  Say(service_.Delete(at_, deletion.finger)->ToDebugString());
+void Player::Handle(const Delete& deletion) {
+  Say(service_.Delete(deletion.finger)->ToDebugString());
 }
 
-void Player::Happen(const Attempts& attempts) {
+void Player::Handle(const Attempts& attempts) {
   const bool enrolled = service_.IsEnrolled(attempts.finger);
   for (int i = 0; i < attempts.count; ++i, at_ += attempts.every_s) {
-    Service::Outcome outcome = {};
-    const std::string finger_down = Touch(Purpose::kAuthenticate, attempts.skin, attempts.aim, [&] {
-      outcome = service_.Authenticate(at_, attempts.finger);
-    });
+    Service::Outcome outcome;
+    const std::string finger_down = Touch(Purpose::kAuthenticate, attempts.finger, attempts.skin,
+                                          attempts.aim, [&] { outcome = service_.Authenticate(); });
     report_.Count(*outcome.event, enrolled, outcome.steps, phone_.GetExposure());
     Show(outcome, finger_down);
   }
 }
 
-void Player::Happen(const AcquisitionErrors& errors) {
+void Player::Handle(const AcquisitionErrors& errors) {
   for (int i = 0; i < errors.count; ++i, at_ += errors.every_s) {
-    Service::Outcome outcome = {};
-    const std::string finger_down = Touch(Purpose::kAuthenticate, Skin::kNormal, Aim::kGood, [&] {
-      outcome = service_.FailToAcquire(at_, errors.info);
-    });
+    Service::Outcome outcome;
+    const std::string finger_down = Touch(Purpose::kAuthenticate, 0, Skin::kNormal, Aim::kGood,
+                                          [&] { outcome = service_.FailToAcquire(errors.info); });
     Show(outcome, finger_down);
   }
 }
 
-void Player::Happen(const LongPress& press) {
+void Player::Handle(const LongPress& press) {
   phone_.LongPress(press.count);
   presses_ += press.count;
   service_.WaitForLongPresses(presses_);
 }
 
-void Player::Happen(const Heat& heat) { phone_.SetSkinSeverity(heat.severity); }
+void Player::Handle(const Heat& heat) { phone_.SetSkinSeverity(heat.severity); }
 
-void Player::Happen(const DisplayHalDies& /*death*/) {
+void Player::Handle(const DisplayHalDies& /*death*/) {
   Say("the display HAL is about to die");
   phone_.LetDisplayHalDie();
 }
 
-void Player::Happen(const Dump& /*dump*/) {
-  progress_.Clear();
-  fflush(stdout);
-  service_.Dump(STDOUT_FILENO);
+void Player::Handle(const Dump& /*dump*/) {
+  if (output_ != Output::kNothing) {
+    PrintDump(service_, output_);
+  }
 }
 
 void Player::Show(const Service::Outcome& outcome, const std::string& finger_down) {
@@ -97,8 +147,9 @@ void Player::Show(const Service::Outcome& outcome, const std::string& finger_dow
 }
 
 void Player::Say(const std::string& line) {
-  progress_.Clear();
-  fmt::print("{}\n", line);
+  if (output_ == Output::kAttempts) {
+    fmt::print("{}\n", line);
+  }
 }
 
 }  // namespace fp_service

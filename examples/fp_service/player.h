@@ -2,49 +2,59 @@
 #pragma once
 
 #include <ctime>
+#include <string>
 
 #include "phone.h"
-#include "progress.h"
 #include "report.h"
 #include "scenario.h"
 #include "service.h"
 
 namespace fp_service {
 
-// Plays a scenario's events on the phone and its service, and prints what comes of them.
+// How much of a scenario is printed while it is played.
+enum class Output {
+  kNothing,
+  kDumps,     // of long lists the newest records
+  kAttempts,  // everything
+};
+
+// Prints a dump of the service.
+void PrintDump(Service& service, Output output);
+
+// Plays a scenario's events on the phone and its service, and counts what comes of them.
 class Player {
  public:
-  Player(Service& service, Phone& phone, int touches)
-      : service_(service), phone_(phone), progress_(touches) {}
+  Player(Service& service, Phone& phone, Report& report, Output output)
+      : service_(service), phone_(phone), report_(report), output_(output) {}
 
   void Play(const Event& event);
 
-  const Report& GetReport() const { return report_; }
-
  private:
-  void Happen(const Phase& phase);
-  void Happen(const Calibrate& calibration);
-  void Happen(const InitError& error);
-  void Happen(const Light& light);
-  void Happen(const Enroll& enroll);
-  void Happen(const Delete& deletion);
-  void Happen(const Attempts& attempts);
-  void Happen(const AcquisitionErrors& errors);
-  void Happen(const LongPress& press);
-  void Happen(const Heat& heat);
-  void Happen(const DisplayHalDies& death);
-  void Happen(const Dump& dump);
+  void Handle(const Phase& phase);
+  void Handle(const Calibrate& calibration);
+  void Handle(const InitError& error);
+  void Handle(const Light& light);
+  void Handle(const Enroll& enroll);
+  void Handle(const Delete& deletion);
+  void Handle(const Attempts& attempts);
+  void Handle(const AcquisitionErrors& errors);
+  void Handle(const LongPress& press);
+  void Handle(const Heat& heat);
+  void Handle(const DisplayHalDies& death);
+  void Handle(const Restart& /*restart*/) {}  // whoever started this process does it
+  void Handle(const PowerCut& /*cut*/) {}
+  void Handle(const Dump& dump);
 
-  // One touch for `purpose`, during which the service does `work`. Returns when it began.
+  // One touch during which the service does `work`. Returns when it began.
   template <typename Work>
-  std::string Touch(Purpose purpose, Skin skin, Aim aim, Work&& work);
+  std::string Touch(Purpose purpose, int finger, Skin skin, Aim aim, Work&& work);
   void Show(const Service::Outcome& outcome, const std::string& finger_down);
   void Say(const std::string& line);
 
   Service& service_;
   Phone& phone_;
-  Progress progress_;
-  Report report_;
+  Report& report_;
+  Output output_;
   time_t at_ = 0;
   int presses_ = 0;
 };

@@ -4,35 +4,60 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <iterator>
+#include <cmath>
 
 namespace fp_service {
 namespace {
 
 constexpr int32_t kGoodQuality = 30;
 
+// The names of the rows: of what is before the first phase, and of the phases.
+std::vector<std::string> RowNames(const Scenario& scenario) {
+  std::vector<std::string> names = {"before the first phase"};
+  for (const Event& event : scenario) {
+    if (const auto* phase = std::get_if<Phase>(&event.data)) {
+      names.push_back(phase->name);
+    }
+  }
+  return names;
+}
+
+size_t WidthOf(const std::vector<std::string>& names) {
+  size_t width = 0;
+  for (const std::string& name : names) {
+    width = std::max(width, name.size());
+  }
+  return width;
+}
+
+// Whether two counts of the same attempts differ by more than twice what chance makes of them.
+const char* Effect(const Report::Tally& with, const Report::Tally& without) {
+  const int fewer = without.rejects - with.rejects;
+  if (std::abs(fewer) <= 2 * std::sqrt(with.rejects + without.rejects)) {
+    return "no clear difference";
+  }
+  return fewer > 0 ? "exposure control helped" : "exposure control did harm";
+}
+
 }  // namespace
 
-void Report::BeginPhase(const std::string& name, float exposure_ms) {
-  phases_.push_back({.name = name, .exposure_begin = exposure_ms, .exposure_end = exposure_ms});
+void Report::Tally::Count(int reject) {
+  ++attempts;
+  rejects += reject;
 }
 
-Report::PhaseTally& Report::Current(float exposure_ms) {
-  if (phases_.empty()) {
-    BeginPhase("day", exposure_ms);
-  }
-  return phases_.back();
+std::string Report::Tally::Text() const {
+  return attempts == 0 ? "-" : fmt::format("{} of {}", rejects, attempts);
 }
 
-void Report::CountReject(PhaseTally& phase, int reject) {
-  std::vector tallies = {&phase.all, &phase.after_last_step};
-  if (phase.steps == 0) {
-    tallies.push_back(&phase.before_first_step);
-  }
-  for (Tally* tally : tallies) {
-    ++tally->attempts;
-    tally->rejects += reject;
-  }
+std::string Report::Tally::TextWithPercent() const {
+  return attempts == 0 ? "-" : fmt::format("{} {:5.1f}%", Text(), 100.0 * rejects / attempts);
+}
+
+void Report::BeginPhase(float exposure_ms) {
+  PhaseTally& phase = phases_[++current_];
+  phase.exposure_begin = exposure_ms;
+  phase.exposure_end = exposure_ms;
 }
 
 // What failed for the light says nothing about coverage.
@@ -41,18 +66,21 @@ void Report::CountCoverage(const android::fp_utils::AuthEventG7& event, int reje
     return event.t_cov >= candidate.from_percent;
   });
   if (event.iq >= kGoodQuality && band != bands_.rend()) {
-    ++band->tally.attempts;
-    band->tally.rejects += reject;
+    band->tally.Count(reject);
   }
 }
 
 void Report::Count(const android::fp_utils::AuthEventG7& event, bool enrolled, int steps,
                    float exposure_ms) {
-  PhaseTally& phase = Current(exposure_ms);
-  // A stranger's finger is rejected rightly; it says nothing about false rejects.
+  PhaseTally& phase = phases_[current_];
+  // The rejection of a finger that is not enrolled is no false one.
   if (enrolled && event.acquired_info == android::fp_utils::AuthEvent::kAcquiredGood) {
     const int reject = event.auth_successful ? 0 : 1;
-    CountReject(phase, reject);
+    phase.all.Count(reject);
+    phase.after_last_step.Count(reject);
+    if (phase.steps == 0) {
+      phase.before_first_step.Count(reject);
+    }
     CountCoverage(event, reject);
   }
   if (steps > 0) {
@@ -62,31 +90,71 @@ void Report::Count(const android::fp_utils::AuthEventG7& event, bool enrolled, i
   phase.exposure_end = exposure_ms;
 }
 
-std::string Report::Text() const {
-  std::string text = fmt::format("{:<22}{:>9}{:>9}{:>9}{:>16}{:>7}\n", "phase", "attempts",
-                                 "rejects", "FRR", "exposure ms", "steps");
-  auto out = std::back_inserter(text);
-  for (const PhaseTally& phase : phases_) {
-    fmt::format_to(out, "{:<22}{:>9}{:>9}{:>8.1f}%{:>8.1f} ->{:>5.1f}{:>7}\n", phase.name,
-                   phase.all.attempts, phase.all.rejects, phase.all.Frr(), phase.exposure_begin,
-                   phase.exposure_end, phase.steps);
+std::string Report::PhaseTable(const Report& without, const std::vector<std::string>& names) const {
+  const size_t width = WidthOf(names);
+  std::string text =
+      fmt::format("{:<{}} {:^42}   {:>16}\n", "", width, "with exposure control", "without it") +
+      fmt::format("{:<{}} {:>16} {:>18} {:>6}   {:>16}\n", "phase", width, "false rejects",
+                  "exposure, ms", "steps", "false rejects");
+  Tally all;
+  Tally all_without;
+  const auto row = [&](const std::string& name, const Tally& with, const std::string& exposure,
+                       const std::string& steps, const Tally& other) {
+    text += fmt::format("{:<{}} {:>16} {:>18} {:>6}   {:>16}\n", name, width,
+                        with.TextWithPercent(), exposure, steps, other.TextWithPercent());
+  };
+  for (size_t i = 0; i < names.size(); ++i) {
+    const PhaseTally& phase = phases_[i];
+    const Tally& other = without.phases_[i].all;
+    if (i > 0 || phase.all.attempts > 0) {
+      row(names[i], phase.all,
+          fmt::format("{:.1f} -> {:5.1f}", phase.exposure_begin, phase.exposure_end),
+          fmt::format("{}", phase.steps), other);
+    }
+    all.attempts += phase.all.attempts;
+    all.rejects += phase.all.rejects;
+    all_without.attempts += other.attempts;
+    all_without.rejects += other.rejects;
   }
-  for (const PhaseTally& phase : phases_) {
+  row("all", all, "", "", all_without);
+  return text;
+}
+
+std::string Report::Findings(const Report& without, const std::vector<std::string>& names) const {
+  std::string text;
+  for (size_t i = 0; i < names.size(); ++i) {
+    const PhaseTally& phase = phases_[i];
+    const Tally& other = without.phases_[i].all;
+    if (phase.steps == 0 && phase.all.rejects == other.rejects) {
+      continue;
+    }
+    text += fmt::format("{}: {}, {} false rejects with it and {} without\n", names[i],
+                        Effect(phase.all, other), phase.all.rejects, other.rejects);
+    if (phase.exposure_begin != calibrated_ms_ && i > 0) {
+      text +=
+          fmt::format("  it began at {:.1f} ms, where earlier steps had left it, not at {:.1f}\n",
+                      phase.exposure_begin, calibrated_ms_);
+    }
     if (phase.steps > 0) {
-      fmt::format_to(out,
-                     "{}: false rejects {:.1f}% before the first of {} steps, {:.1f}% after the "
-                     "last\n",
-                     phase.name, phase.before_first_step.Frr(), phase.steps,
-                     phase.after_last_step.Frr());
+      text += fmt::format("  rejected before the first step: {}; after the last: {}\n",
+                          phase.before_first_step.Text(), phase.after_last_step.Text());
     }
   }
-  fmt::format_to(out, "\n{:<22}{:>9}{:>9}{:>9}   of images with quality {} or more\n",
-                 "coverage of sensor", "attempts", "rejects", "FRR", kGoodQuality);
+  return text.empty() ? "exposure control made no difference\n" : text;
+}
+
+std::string Report::CoverageTable() const {
+  std::string text = fmt::format(
+      "false rejects by coverage of the sensor, of images with quality {} or more\n", kGoodQuality);
   for (const Band& band : bands_) {
-    fmt::format_to(out, "{:<22}{:>9}{:>9}{:>8.1f}%\n", band.name, band.tally.attempts,
-                   band.tally.rejects, band.tally.Frr());
+    text += fmt::format("{:<12}{:>16}\n", band.name, band.tally.TextWithPercent());
   }
   return text;
+}
+
+std::string Report::Compare(const Report& without, const Scenario& scenario) const {
+  const std::vector<std::string> names = RowNames(scenario);
+  return PhaseTable(without, names) + "\n" + Findings(without, names) + "\n" + CoverageTable();
 }
 
 }  // namespace fp_service

@@ -6,52 +6,58 @@
 #include <vector>
 
 #include "fp_utils/auth_event.h"
+#include "scenario.h"
 
 namespace fp_service {
 
-// What the day was like for the user, in figures: by phase, what exposure control did, and by how
-// much of the sensor the finger covered.
+// Counts what the scenario was like for the user: by phase, and by how much of the sensor the
+// finger covered. Trivially copyable, so that processes can share it.
 class Report {
  public:
-  void BeginPhase(const std::string& name, float exposure_ms);
+  // Attempts of enrolled fingers with a good image, and how many of them were rejected.
+  struct Tally {
+    int attempts = 0;
+    int rejects = 0;
+
+    void Count(int reject);
+    std::string Text() const;  // "k of n", or "-" for none
+    std::string TextWithPercent() const;
+  };
+  struct PhaseTally {
+    Tally all = {};
+    Tally before_first_step = {};
+    Tally after_last_step = {};
+    int steps = 0;
+    float exposure_begin = 0;  // milliseconds
+    float exposure_end = 0;
+  };
+  struct Band {
+    const char* name;
+    float from_percent;  // up to the next band's
+    Tally tally = {};
+  };
+
+  void Calibrated(float exposure_ms) { calibrated_ms_ = exposure_ms; }
+  void BeginPhase(float exposure_ms);
 
   // One attempt of a finger that is enrolled or not, and the exposure steps that it led to.
   void Count(const android::fp_utils::AuthEventG7& event, bool enrolled, int steps,
              float exposure_ms);
 
-  // A table of the phases, how the false-reject rate changed in each phase with steps, and a table
-  // of coverage.
-  std::string Text() const;
+  // The phases of `scenario` with exposure control (this report) and without it, in which of them
+  // control made a difference, and a table of coverage.
+  std::string Compare(const Report& without, const Scenario& scenario) const;
 
  private:
-  struct Tally {
-    int attempts = 0;
-    int rejects = 0;
-
-    double Frr() const { return attempts == 0 ? 0 : 100.0 * rejects / attempts; }
-  };
-  struct PhaseTally {
-    std::string name;
-    float exposure_begin;
-    float exposure_end;
-    Tally all = {};
-    Tally before_first_step = {};
-    Tally after_last_step = {};
-    int steps = 0;
-  };
-
-  // A coverage from this band's lower bound up to the next one's.
-  struct Band {
-    const char* name;
-    float from_percent;
-    Tally tally = {};
-  };
-
-  PhaseTally& Current(float exposure_ms);
-  static void CountReject(PhaseTally& phase, int reject);
   void CountCoverage(const android::fp_utils::AuthEventG7& event, int reject);
+  std::string PhaseTable(const Report& without, const std::vector<std::string>& names) const;
+  std::string Findings(const Report& without, const std::vector<std::string>& names) const;
+  std::string CoverageTable() const;
 
-  std::vector<PhaseTally> phases_;
+  // One for what happens before the first phase, one for each phase.
+  std::array<PhaseTally, kMaxPhases + 1> phases_ = {};
+  size_t current_ = 0;
+  float calibrated_ms_ = 0;
   std::array<Band, 4> bands_ = {{{.name = "below 40%", .from_percent = 0},
                                  {.name = "40% to 60%", .from_percent = 40},
                                  {.name = "60% to 90%", .from_percent = 60},

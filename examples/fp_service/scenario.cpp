@@ -3,8 +3,14 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
 #include <nlohmann/json.hpp>
 #include <optional>
+#include <set>
 
 #include "event_fields.h"
 
@@ -19,14 +25,14 @@ constexpr int kMaxPause = 86400;
 constexpr int kMaxCaptures = 100;
 constexpr int kMaxPresses = 1000;
 constexpr int kMaxCode = 1000000;
-constexpr int kFingers = 5;
 constexpr int kMaxSeverity = 6;
 
 Aim ReadAim(Fields& fields) {
   return fields.OneOf<Aim>("aim", {{"good", Aim::kGood}, {"poor", Aim::kPoor}}, Aim::kGood);
 }
 
-Happening ReadHappening(const std::string& event, Fields& fields) {
+EventData ReadEventData(const std::string& event, Fields& fields) {
+  constexpr double kMinCalibration = 0.001;
   constexpr double kMaxExposureMs = 10000;
   constexpr double kMaxBase = 1e6;
   constexpr double kMaxLux = 200000;
@@ -34,8 +40,9 @@ Happening ReadHappening(const std::string& event, Fields& fields) {
     return Phase{.name = fields.Text("name")};
   }
   if (event == "calibrate") {
-    return Calibrate{.expo_ms = static_cast<float>(fields.Number("expo_ms", 0, kMaxExposureMs)),
-                     .base = static_cast<float>(fields.Number("base", 0, kMaxBase))};
+    return Calibrate{
+        .expo_ms = static_cast<float>(fields.Number("expo_ms", kMinCalibration, kMaxExposureMs)),
+        .base = static_cast<float>(fields.Number("base", kMinCalibration, kMaxBase))};
   }
   if (event == "init_error") {
     return InitError{.code = fields.Integer("code", -kMaxCode, kMaxCode),
@@ -67,7 +74,7 @@ Happening ReadHappening(const std::string& event, Fields& fields) {
                                       .count = fields.Integer("count", 1, kMaxCount, 1),
                                       .every_s = fields.Integer("every_s", 0, kMaxPause, 1)};
     if (errors.info == 1) {
-      throw Refusal("\"info\" 1 is a good image; write \"attempts\"");
+      throw InvalidEvent("\"info\" 1 is a good image; write \"attempts\"");
     }
     return errors;
   }
@@ -80,23 +87,38 @@ Happening ReadHappening(const std::string& event, Fields& fields) {
   if (event == "display_hal_dies") {
     return DisplayHalDies{};
   }
+  if (event == "restart") {
+    return Restart{};
+  }
+  if (event == "power_cut") {
+    return PowerCut{};
+  }
   if (event == "dump") {
     return Dump{};
   }
-  throw Refusal(fmt::format("\"{}\" is no event", event));
+  throw InvalidEvent(fmt::format("\"{}\" is no event", event));
 }
 
-int TouchesOf(const Happening& happening) {
-  if (const auto* attempts = std::get_if<Attempts>(&happening)) {
-    return attempts->count;
+// The touches of an event and the seconds from the first to the last.
+struct Touches {
+  int count = 0;
+  time_t seconds = 0;
+};
+
+Touches TouchesOf(const EventData& data) {
+  const auto spread = [](const auto& touches) {
+    return Touches{touches.count, time_t{touches.count - 1} * touches.every_s};
+  };
+  if (const auto* attempts = std::get_if<Attempts>(&data)) {
+    return spread(*attempts);
   }
-  if (const auto* errors = std::get_if<AcquisitionErrors>(&happening)) {
-    return errors->count;
+  if (const auto* errors = std::get_if<AcquisitionErrors>(&data)) {
+    return spread(*errors);
   }
-  if (const auto* enroll = std::get_if<Enroll>(&happening)) {
-    return enroll->captures;
+  if (const auto* enroll = std::get_if<Enroll>(&data)) {
+    return {enroll->captures, enroll->captures};
   }
-  return 0;
+  return {};
 }
 
 // "hh:mm:ss" in seconds.
@@ -108,7 +130,7 @@ int TimeOfDay(const std::string& text) {
   if (sscanf(text.c_str(), "%2d:%2d:%2d%n", &hour, &minute, &second, &end) != 3 ||
       static_cast<size_t>(end) != text.size() || hour < 0 || hour > 23 || minute < 0 ||
       minute > 59 || second < 0 || second > 59) {
-    throw Refusal("\"at\" is a time like \"07:05:00\"");
+    throw InvalidEvent("\"at\" is a time like \"07:05:00\"");
   }
   return (hour * 60 + minute) * 60 + second;
 }
@@ -120,7 +142,7 @@ time_t Midnight(const std::string& text) {
   if (sscanf(text.c_str(), "%4d-%2d-%2d%n", &parts.tm_year, &parts.tm_mon, &parts.tm_mday, &end) !=
           3 ||
       static_cast<size_t>(end) != text.size()) {
-    throw Refusal("\"date\" is a date like \"2026-03-04\"");
+    throw InvalidEvent("\"date\" is a date like \"2026-03-04\"");
   }
   parts.tm_year -= 1900;
   parts.tm_mon -= 1;
@@ -129,74 +151,144 @@ time_t Midnight(const std::string& text) {
   const time_t midnight = mktime(&parts);
   if (parts.tm_year != wanted.tm_year || parts.tm_mon != wanted.tm_mon ||
       parts.tm_mday != wanted.tm_mday) {
-    throw Refusal(fmt::format("there is no {}", text));
+    throw InvalidEvent(fmt::format("there is no {}", text));
   }
   return midnight;
+}
+
+std::string LocalTime(time_t at) {
+  tm parts = {};
+  localtime_r(&at, &parts);
+  char text[32];
+  return {text, strftime(text, sizeof text, "%Y-%m-%d %H:%M:%S", &parts)};
+}
+
+// One line. nlohmann's parser keeps the last of fields with the same name, without a word.
+json Parse(const std::string& line) {
+  std::set<std::string> names;
+  const auto check = [&](int depth, json::parse_event_t event, const json& parsed) {
+    if (depth == 1 && event == json::parse_event_t::key && !names.insert(parsed).second) {
+      throw InvalidEvent(parsed.dump() + " stands there twice");
+    }
+    return true;
+  };
+  try {
+    return json::parse(line, check);
+  } catch (const json::parse_error& error) {
+    throw InvalidEvent(fmt::format("not JSON, at or before column {}", error.byte));
+  } catch (const json::out_of_range& /*error*/) {
+    throw InvalidEvent("a number is too large");
+  }
 }
 
 class Reader {
  public:
   void Take(const std::string& line) {
+    ++number_;
     if (line.find_first_not_of(" \t\r") == std::string::npos) {
       return;
     }
-    const json parsed = json::parse(line, nullptr, false);
-    if (parsed.is_discarded()) {
-      throw Refusal("not JSON");
-    }
+    const json parsed = Parse(line);
     Fields fields(parsed);
     const std::string event = fields.Text("event");
-    if (!midnight_) {
-      if (event != "day") {
-        throw Refusal("the first event is \"day\"");
-      }
-      midnight_ = Midnight(fields.Text("date"));
+    if (event == "day") {
+      TakeDay(fields);
+    } else if (midnight_) {
+      TakeEvent(event, fields);
     } else {
-      TakeHappening(event, fields);
+      throw InvalidEvent("the first event is \"day\"");
     }
-    fields.RefuseTheRest();
+    fields.RejectUnknownFields();
   }
 
   Scenario Finish() {
     if (!midnight_) {
-      throw Refusal("a scenario begins with the event \"day\"");
+      throw InvalidEvent("a scenario begins with the event \"day\"");
+    }
+    if (scenario_.empty()) {
+      throw InvalidEvent("nothing happens on the day");
     }
     return std::move(scenario_);
   }
 
+  int GetLine() const { return number_; }
+
  private:
-  void TakeHappening(const std::string& event, Fields& fields) {
-    const int second = TimeOfDay(fields.Text("at"));
-    if (second < last_second_) {
-      throw Refusal("\"at\" is before the event of the line above");
+  void TakeDay(Fields& fields) {
+    const time_t midnight = Midnight(fields.Text("date"));
+    if (midnight_ && midnight <= *midnight_) {
+      throw InvalidEvent("\"date\" is not after the day before");
     }
-    last_second_ = second;
-    scenario_.events.push_back({*midnight_ + second, ReadHappening(event, fields)});
-    scenario_.touches += TouchesOf(scenario_.events.back().happening);
-    if (scenario_.touches > kMaxCount) {
-      throw Refusal(fmt::format("more than {} touches in all", kMaxCount));
+    midnight_ = midnight;
+  }
+
+  void TakeEvent(const std::string& event, Fields& fields) {
+    const time_t at = *midnight_ + TimeOfDay(fields.Text("at"));
+    if (!scenario_.empty() && at < end_) {
+      throw InvalidEvent(fmt::format("\"at\" is before {}, when the event of line {} ends",
+                                     LocalTime(end_), end_line_));
+    }
+    scenario_.push_back({at, ReadEventData(event, fields)});
+    const Touches touches = TouchesOf(scenario_.back().data);
+    end_ = at + touches.seconds;
+    end_line_ = number_;
+    touches_ += touches.count;
+    if (touches_ > kMaxCount) {
+      throw InvalidEvent(fmt::format("more than {} touches in all", kMaxCount));
+    }
+    CheckOrder(scenario_.back().data);
+  }
+
+  // What an event needs of those before it.
+  void CheckOrder(const EventData& data) {
+    if (std::holds_alternative<Calibrate>(data)) {
+      calibrated_ = true;
+    } else if (std::holds_alternative<Restart>(data) || std::holds_alternative<PowerCut>(data)) {
+      calibrated_ = false;
+    } else if (std::holds_alternative<Phase>(data)) {
+      if (++phases_ > kMaxPhases) {
+        throw InvalidEvent(fmt::format("more than {} phases", kMaxPhases));
+      }
+    } else if (!calibrated_ &&
+               (std::holds_alternative<Attempts>(data) || std::holds_alternative<Enroll>(data))) {
+      throw InvalidEvent("no \"calibrate\" since the service started: it has no exposure");
     }
   }
 
   Scenario scenario_;
+  int number_ = 0;
   std::optional<time_t> midnight_;
-  int last_second_ = 0;
+  time_t end_ = 0;  // of the event above
+  int end_line_ = 0;
+  int touches_ = 0;
+  int phases_ = 0;
+  bool calibrated_ = false;
 };
 
 }  // namespace
 
 Scenario ReadScenario(std::istream& lines, const std::string& name) {
   Reader reader;
-  int number = 0;
   try {
     for (std::string line; std::getline(lines, line);) {
-      ++number;
       reader.Take(line);
     }
     return reader.Finish();
-  } catch (const Refusal& refusal) {
-    throw ScenarioError(fmt::format("{}:{}: {}", name, number, refusal.what()));
+  } catch (const InvalidEvent& error) {
+    throw ScenarioError(
+        fmt::format("{}:{}: {}", name, std::max(reader.GetLine(), 1), error.what()));
   }
+}
+
+Scenario LoadScenario(const std::string& path) {
+  std::ifstream file(path);
+  if (!file) {
+    throw ScenarioError(fmt::format("{}: {}", path, strerror(errno)));
+  }
+  if (std::filesystem::is_directory(path)) {
+    throw ScenarioError(fmt::format("{}: is a directory", path));
+  }
+  return ReadScenario(file, path);
 }
 
 }  // namespace fp_service

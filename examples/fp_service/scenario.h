@@ -14,6 +14,9 @@
 
 namespace fp_service {
 
+constexpr int kFingers = 5;     // of a hand, numbered from 1; 0 is one that is not enrolled
+constexpr int kMaxPhases = 64;  // of a scenario
+
 // State of the fingertip: how much of the panel's light it sends back to the sensor.
 enum class Skin { kNormal, kDry, kWet };
 
@@ -35,7 +38,7 @@ struct InitError {
 struct Light {
   float lux;
 };
-// `count` attempts, `every_s` seconds apart. Finger 0 is one that is not enrolled.
+// `count` attempts, `every_s` seconds apart.
 struct Attempts {
   int finger;
   int count;
@@ -67,20 +70,22 @@ struct Heat {
 };
 // The display HAL dies at its next call and is started again.
 struct DisplayHalDies {};
+// The service ends and is started again.
+struct Restart {};
+// The phone goes off while the file of attempts is being written, and comes up again.
+struct PowerCut {};
 struct Dump {};
 
-using Happening = std::variant<Phase, Calibrate, InitError, Light, Enroll, Delete, Attempts,
-                               AcquisitionErrors, LongPress, Heat, DisplayHalDies, Dump>;
+using EventData =
+    std::variant<Phase, Calibrate, InitError, Light, Enroll, Delete, Attempts, AcquisitionErrors,
+                 LongPress, Heat, DisplayHalDies, Restart, PowerCut, Dump>;
 
 struct Event {
   time_t at;  // seconds since the epoch
-  Happening happening;
+  EventData data;
 };
 
-struct Scenario {
-  std::vector<Event> events;
-  int touches = 0;  // of all events
-};
+using Scenario = std::vector<Event>;
 
 // what() is "<name>:<line>: <reason>".
 class ScenarioError : public std::runtime_error {
@@ -88,7 +93,11 @@ class ScenarioError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-// Reads a whole scenario; `name` is for messages. Throws ScenarioError at the first wrong line.
+// Reads a whole scenario, in which each event begins after the one before has ended; `name` is for
+// messages. Throws ScenarioError at the first wrong line.
 Scenario ReadScenario(std::istream& lines, const std::string& name);
+
+// The same of a file. Throws ScenarioError, "<path>: <reason>", where it cannot be read.
+Scenario LoadScenario(const std::string& path);
 
 }  // namespace fp_service

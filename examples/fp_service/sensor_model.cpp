@@ -16,11 +16,6 @@ constexpr double kWetSkin = 0.56;
 
 constexpr double kBestQuality = 45;
 constexpr double kQualityFalloff = 26;  // per (1000 raw)^2
-constexpr double kMiddleQuality = 22;   // one in two images of this quality matches
-constexpr double kQualitySoftness = 2.5;
-
-constexpr double kHalfCoverage = 45;  // percent; half of the images that small match at most
-constexpr double kCoverageEdge = 8;
 
 constexpr double kUnlit = 0.02;  // what the panel gives without its high-brightness mode
 constexpr double kRawNoise = 70;
@@ -33,8 +28,6 @@ constexpr double kSizeNoise = 20;
 constexpr double kTurnNoise = 0.25;  // radians
 constexpr double kGoodAim = 15;
 constexpr double kPoorAim = 85;
-
-double Logistic(double x) { return 1 / (1 + std::exp(-x)); }
 
 double Transmission(Skin skin) {
   switch (skin) {
@@ -50,47 +43,32 @@ double Transmission(Skin skin) {
 
 }  // namespace
 
-double SensorModel::Uniform() {
-  return static_cast<double>(random_() >> 11) * 0x1p-53;  // std's distributions differ by library
-}
-
-double SensorModel::Noise(double deviation) {
-  double sum = -6;  // the sum of twelve uniform numbers is close to normal, with deviation 1
-  for (int i = 0; i < 12; ++i) {
-    sum += Uniform();
-  }
-  return sum * deviation;
-}
-
-Contact SensorModel::Aim(fp_service::Aim aim) {
-  const double off = aim == fp_service::Aim::kGood ? kGoodAim : kPoorAim;
+Contact SensorModel::Touch(Aim aim) {
+  const double off = aim == Aim::kGood ? kGoodAim : kPoorAim;
   // A finger never lands so far off that the touch controller would not report it.
   const auto near = [&](double center) {
-    return static_cast<float>(center + std::clamp(Noise(off), -200.0, 200.0));
+    return static_cast<float>(center + std::clamp(random_.Noise(off), -200.0, 200.0));
   };
   Contact contact = {};
   contact.x = near(kCenterX);
   contact.y = near(kCenterY);
-  contact.major = static_cast<float>(kMajor + Noise(kSizeNoise));
-  contact.minor = static_cast<float>(kMinor + Noise(kSizeNoise));
-  contact.angle = static_cast<float>(Noise(kTurnNoise));
+  contact.major = static_cast<float>(kMajor + random_.Noise(kSizeNoise));
+  contact.minor = static_cast<float>(kMinor + random_.Noise(kSizeNoise));
+  contact.angle = static_cast<float>(random_.Noise(kTurnNoise));
   return contact;
 }
 
-SensorModel::Capture SensorModel::Expose(const Scene& scene) {
+Capture SensorModel::Expose(const Scene& scene) {
   const double panel = kPanelRawPerMs * (scene.lit ? 1 : kUnlit);
   const double leak = kLeakRawPerMs * std::min(1.0, scene.lux / kFullSunLux);
-  const double raw = (panel * Transmission(scene.skin) + leak) * exposure_ms_ + Noise(kRawNoise);
+  const double raw =
+      (panel * Transmission(scene.skin) + leak) * exposure_ms_ + random_.Noise(kRawNoise);
   const double off = (raw - kIdealRaw) / 1000;
-  const double quality =
-      std::clamp(kBestQuality - kQualityFalloff * off * off + Noise(kQualityNoise), 0.0, 100.0);
-  const double chance = Logistic((quality - kMiddleQuality) / kQualitySoftness) *
-                        Logistic((scene.coverage_percent - kHalfCoverage) / kCoverageEdge);
-  return {
-      .raw_mean = static_cast<int32_t>(std::lround(raw)),
-      .quality = static_cast<int32_t>(std::lround(quality)),
-      .matches = Uniform() < chance,
-  };
+  const double quality = std::clamp(
+      kBestQuality - kQualityFalloff * off * off + random_.Noise(kQualityNoise), 0.0, 100.0);
+  return {.raw_mean = static_cast<int32_t>(std::lround(raw)),
+          .quality = static_cast<int32_t>(std::lround(quality)),
+          .finger = scene.finger};
 }
 
 }  // namespace fp_service

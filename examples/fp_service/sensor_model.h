@@ -2,9 +2,9 @@
 #pragma once
 
 #include <cstdint>
-#include <random>
 
 #include "fp_utils/shapes.h"
+#include "random.h"
 #include "scenario.h"
 
 namespace fp_service {
@@ -18,16 +18,21 @@ struct Contact {
   float angle;  // of the major axis: 0 points up
 };
 
+// An image of a finger as the sensor's driver hands it to the service.
+struct Capture {
+  int32_t raw_mean;
+  int32_t quality;
+  int finger;  // whose it is, which only the matcher finds out; 0 is nobody's
+};
+
 // The optical sensor under the panel, reduced to what exposure control sees, and the user's hand.
 //
 //   raw     = (panel * skin + leak(lux)) * exposure      mean of the raw image
 //   quality = best - falloff * ((raw - ideal) / 1000)^2  image quality score
-//   match   = logistic((quality - middle) / softness)    chance that an enrolled finger matches
-//             * logistic((coverage - half) / edge)       with so much of the sensor covered
 //
 // `panel` is chosen so that a normal finger in a dim room gives the ideal raw mean at the
-// calibrated exposure, the panel's high-brightness mode being on; without it hardly any light comes
-// back. Each image adds noise to raw and quality. README.md has the figures.
+// calibrated exposure while the panel's high-brightness mode is on; without it hardly any light
+// comes back. Each image adds noise to raw and quality. README.md has the figures.
 class SensorModel {
  public:
   // The sensing area: a circle on the display.
@@ -41,34 +46,24 @@ class SensorModel {
 
   // What the sensor looks at.
   struct Scene {
+    int finger;
     Skin skin;
-    float coverage_percent;
     float lux;
     bool lit;  // by the panel's local high-brightness mode
   };
-  struct Capture {
-    int32_t raw_mean;
-    int32_t quality;
-    bool matches;  // if the finger is enrolled
-  };
 
-  // The same `seed` gives the same touches and captures, with every compiler.
-  explicit SensorModel(uint64_t seed) : random_(seed) {}
+  // A touch and a capture draw as many numbers from `random` at any exposure, so that a day can be
+  // played again with the same touches and another exposure.
+  explicit SensorModel(Random& random) : random_(random) {}
 
   void SetExposure(float ms) { exposure_ms_ = ms; }
   float GetExposure() const { return exposure_ms_; }
 
-  Contact Aim(fp_service::Aim aim);
+  Contact Touch(Aim aim);
   Capture Expose(const Scene& scene);
 
-  // A whole number from 0 to limit - 1, for what the model does not describe.
-  int32_t Below(int32_t limit) { return static_cast<int32_t>(Uniform() * limit); }
-
  private:
-  double Uniform();
-  double Noise(double deviation);
-
-  std::mt19937_64 random_;
+  Random& random_;
   float exposure_ms_ = 0;
 };
 

@@ -38,33 +38,10 @@ constexpr uint32_t kSizesKept = 500;
 constexpr int32_t kOpAuthenticate = 1;
 constexpr int32_t kOpEnroll = 2;
 
-// The matcher's side of a failed attempt. Its result codes are those that the library knows reasons
-// for; 1 leaves the reason to the metrics.
-constexpr uint32_t kTooDark = 1164;
-constexpr uint32_t kTooBright = 1513;
-constexpr uint32_t kLowQuality = 1014;
-constexpr uint32_t kNoMatch = 1;
-
-// And of a failed enrollment.
-constexpr int32_t kAreaSmall = 1;
-constexpr int32_t kEnrollLowQuality = 3;
-constexpr float kEnoughCoverage = 85;  // percent, on average
-constexpr float kEnoughQuality = 25;
-
 // The platform's AcquiredInfo.
 constexpr int8_t kAcquiredVendor = 7;
 constexpr int8_t kAcquiredTooDark = 9;
 constexpr int32_t kUnlitRawMean = 300;  // no finger looks so dark while the panel is lit
-
-uint32_t ResultCode(const SensorModel::Capture& capture, bool enrolled) {
-  if (enrolled && capture.raw_mean > 2700) {
-    return kTooBright;
-  }
-  if (enrolled && capture.raw_mean < 1300) {
-    return kTooDark;
-  }
-  return enrolled ? kLowQuality : kNoMatch;
-}
 
 // The library's own wait is short, for services that cannot wait here.
 void WaitForThermalHal() {
@@ -78,6 +55,7 @@ void WaitForThermalHal() {
 
 Service::Service(Phone& phone)
     : phone_(phone),
+      matcher_(phone.GetSecureStorage()),
       attempts_("0", kAttemptsKept, true),
       sizes_("touch", kSizesKept, true),
       exposure_(DynamicExposure::GetInstance()) {
@@ -116,7 +94,7 @@ std::optional<Service::Image> Service::TakeImage(Purpose purpose) {
     return std::nullopt;
   }
   display_.SetLhbm(true, nullptr);
-  const SensorModel::Capture capture = phone_.CaptureImage();
+  const Capture capture = phone_.CaptureImage();
   display_.SetLhbm(false, nullptr);
   input_.ImageCaptured();
 
@@ -139,109 +117,86 @@ std::string Service::FinishTouch() {
   return input_.GetDownTime();
 }
 
-std::shared_ptr<AuthEventG7> Service::NewAttempt(time_t at) {
-  auto event = std::static_pointer_cast<AuthEventG7>(attempts_.CreateAttempt());
-  event->timestamp = at;
-  return event;
+std::shared_ptr<AuthEventG7> Service::NewAttempt() {
+  return std::static_pointer_cast<AuthEventG7>(attempts_.CreateAttempt());
 }
 
 Service::Outcome Service::Record(const std::shared_ptr<AuthEventG7>& event) {
   attempts_.AddAttempt(event);
-  if (exposure_.IsSupported()) {
-    exposure_.FeedAuthAttempt(event);
-  }
+  exposure_.FeedAuthAttempt(event);
   return {event, std::exchange(steps_, 0)};
 }
 
-Service::Outcome Service::Authenticate(time_t at, int finger) {
+Service::Outcome Service::Authenticate() {
   const auto image = TakeImage(Purpose::kAuthenticate);
   if (!image) {
-    return RecordAcquisitionError(at, kAcquiredVendor);
+    return RecordAcquisitionError(kAcquiredVendor);
   }
-  const SensorModel::Capture& capture = image->capture;
-  if (capture.raw_mean < kUnlitRawMean) {
-    return RecordAcquisitionError(at, kAcquiredTooDark);
+  if (image->capture.raw_mean < kUnlitRawMean) {
+    return RecordAcquisitionError(kAcquiredTooDark);
   }
-  const bool enrolled = IsEnrolled(finger);
-  auto event = NewAttempt(at);
+  const auto result = matcher_.Match(image->capture, image->coverage_percent);
+  auto event = NewAttempt();
   event->acquired_info = AuthEvent::kAcquiredGood;
-  event->auth_successful = enrolled && capture.matches;
-  event->fid = event->auth_successful ? finger : 0;
-  event->latency = 180 + static_cast<int32_t>(phone_.GetExposure()) + phone_.Below(40);
-  event->iq = capture.quality;
+  event->auth_successful = result.finger != 0;
+  event->fid = result.finger;
+  event->latency = static_cast<int32_t>(phone_.GetExposure()) + result.latency_ms;
+  event->iq = image->capture.quality;
   event->t_cov = image->coverage_percent;
   event->t_dist = image->distance_mm;
   event->lptw = image->lptw ? 1 : 0;
-  event->rawmean_delta = capture.raw_mean;
-  if (event->auth_successful) {
-    event->match_score = capture.quality * 20 + phone_.Below(100);
-    event->stitch_img_num_ = {1, 1 + phone_.Below(3), 0, 0, 0};
-    event->stitch_img_area_ = {phone_.Below(4000), phone_.Below(4000), 0, 0, 0};
-  } else {
-    event->rc = ResultCode(capture, enrolled);
-    event->match_score = phone_.Below(60);
-    event->packed_metric_1 = 230225220;
-    event->packed_metric_2 = 90210210;
-    event->packed_metric_3 = 125000000;
-  }
+  event->rawmean_delta = image->capture.raw_mean;
+  event->rc = result.rc;
+  event->match_score = result.score;
+  event->packed_metric_1 = result.packed_metrics[0];
+  event->packed_metric_2 = result.packed_metrics[1];
+  event->packed_metric_3 = result.packed_metrics[2];
+  event->stitch_img_num_ = result.stitched_images;
+  event->stitch_img_area_ = result.stitched_area;
   return Record(event);
 }
 
-Service::Outcome Service::FailToAcquire(time_t at, int info) {
+Service::Outcome Service::FailToAcquire(int info) {
   input_.WaitForFinger();
-  return RecordAcquisitionError(at, info);
+  return RecordAcquisitionError(info);
 }
 
-Service::Outcome Service::RecordAcquisitionError(time_t at, int info) {
-  auto event = NewAttempt(at);
+Service::Outcome Service::RecordAcquisitionError(int info) {
+  auto event = NewAttempt();
   event->acquired_info = static_cast<int8_t>(info);
   return Record(event);
 }
 
 void Service::CaptureForEnrollment() {
   if (const auto image = TakeImage(Purpose::kEnroll)) {
-    ++enrollment_.captures;
-    enrollment_.coverage_sum += image->coverage_percent;
-    enrollment_.quality_sum += static_cast<float>(image->capture.quality);
-    enrollment_.raw_mean_sum += static_cast<float>(image->capture.raw_mean);
+    matcher_.AddImage(image->capture, image->coverage_percent);
   }
 }
 
-std::shared_ptr<EnrollEventG7> Service::NewEnrollment(time_t at, int finger) {
+std::shared_ptr<EnrollEventG7> Service::NewEnrollment(int finger) {
   auto event = std::static_pointer_cast<EnrollEventG7>(enrollments_.CreateEvent());
-  event->timestamp = at;
   event->fid = finger;
+  event->enrolled_fingers_count = matcher_.CountEnrolled();
   return event;
 }
 
-std::shared_ptr<EnrollEventG7> Service::Enroll(time_t at, int finger) {
-  const Enrollment captured = std::exchange(enrollment_, {});
-  const auto average = [&](float sum) {
-    return captured.captures > 0 ? sum / static_cast<float>(captured.captures) : 0;
-  };
-  auto event = NewEnrollment(at, finger);
+std::shared_ptr<EnrollEventG7> Service::Enroll(int finger) {
+  const auto enrollment = matcher_.FinishEnrollment(finger);
+  auto event = NewEnrollment(finger);
   event->op = EnrollEvent::kOpAdd;
-  event->capture_count = captured.captures;
-  event->iq_avg = average(captured.quality_sum);
-  event->rawmean_delta = average(captured.raw_mean_sum);
-  if (average(captured.coverage_sum) < kEnoughCoverage) {
-    event->rc = kAreaSmall;
-  } else if (event->iq_avg < kEnoughQuality) {
-    event->rc = kEnrollLowQuality;
-  } else {
-    event->enroll_successful = true;
-    enrolled_.insert(finger);
-  }
-  event->enrolled_fingers_count = static_cast<int32_t>(enrolled_.size());
+  event->enroll_successful = enrollment.rc == 0;
+  event->rc = enrollment.rc;
+  event->capture_count = enrollment.captures;
+  event->iq_avg = enrollment.average_quality;
+  event->rawmean_delta = enrollment.average_raw_mean;
   enrollments_.AddEvent(event);
   return event;
 }
 
-std::shared_ptr<EnrollEventG7> Service::Delete(time_t at, int finger) {
-  enrolled_.erase(finger);
-  auto event = NewEnrollment(at, finger);
+std::shared_ptr<EnrollEventG7> Service::Delete(int finger) {
+  matcher_.Delete(finger);
+  auto event = NewEnrollment(finger);
   event->op = EnrollEvent::kOpDelete;
-  event->enrolled_fingers_count = static_cast<int32_t>(enrolled_.size());
   enrollments_.AddEvent(event);
   return event;
 }

@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <ctime>
 #include <memory>
 #include <optional>
-#include <set>
 #include <string>
 
+#include "fake_matcher.h"
 #include "finger_input.h"
 #include "fp_utils/als_monitor.h"
 #include "fp_utils/auth_stats.h"
@@ -23,20 +22,20 @@
 namespace fp_service {
 
 // A fingerprint HAL service reduced to its use of the library: it owns the histories, lights the
-// panel for a capture, feeds the exposure controller and programs the sensor when the controller
-// says so. Its matcher is the phone's sensor model.
+// panel for a capture, has the matcher judge the image, feeds the exposure controller and programs
+// the sensor when the controller says so.
 class Service {
  public:
   struct Outcome {
     std::shared_ptr<android::fp_utils::AuthEventG7> event;
-    int steps;  // exposure steps that this attempt led to
+    int steps = 0;  // exposure steps that this attempt led to
   };
 
   // Loads the histories of earlier runs and begins the bring-up.
   explicit Service(Phone& phone);
 
   uint32_t GetHistorySize() const { return attempts_.GetTotalAttempts(); }
-  bool IsEnrolled(int finger) const { return enrolled_.contains(finger); }
+  bool IsEnrolled(int finger) const { return matcher_.IsEnrolled(finger); }
 
   void ReportInitError(const InitError& error);
   // Ends the bring-up.
@@ -44,15 +43,15 @@ class Service {
 
   // What a touch is for has to be said before it; the operations below find the finger down.
   void ExpectFinger(Purpose purpose) { input_.Expect(purpose); }
-  Outcome Authenticate(time_t at, int finger);
-  Outcome FailToAcquire(time_t at, int info);
+  Outcome Authenticate();
+  Outcome FailToAcquire(int info);
   void CaptureForEnrollment();
   // After each of them, when the finger is up. Returns when it came down.
   std::string FinishTouch();
 
   // With the captures since the last enrollment.
-  std::shared_ptr<android::fp_utils::EnrollEventG7> Enroll(time_t at, int finger);
-  std::shared_ptr<android::fp_utils::EnrollEventG7> Delete(time_t at, int finger);
+  std::shared_ptr<android::fp_utils::EnrollEventG7> Enroll(int finger);
+  std::shared_ptr<android::fp_utils::EnrollEventG7> Delete(int finger);
 
   // Waits until as many have been counted, for a second at most.
   void WaitForLongPresses(int count) { presses_.WaitFor(count); }
@@ -66,27 +65,22 @@ class Service {
 
  private:
   struct Image {
-    SensorModel::Capture capture;
+    Capture capture;
     float coverage_percent;
     float distance_mm;
     bool lptw;
   };
-  struct Enrollment {
-    int captures = 0;
-    float coverage_sum = 0;
-    float quality_sum = 0;
-    float raw_mean_sum = 0;
-  };
 
   static void ExposureChanged(void* context, float expo, float base);
   std::optional<Image> TakeImage(Purpose purpose);
-  std::shared_ptr<android::fp_utils::AuthEventG7> NewAttempt(time_t at);
-  Outcome RecordAcquisitionError(time_t at, int info);
+  std::shared_ptr<android::fp_utils::AuthEventG7> NewAttempt();
+  Outcome RecordAcquisitionError(int info);
   Outcome Record(const std::shared_ptr<android::fp_utils::AuthEventG7>& event);
-  std::shared_ptr<android::fp_utils::EnrollEventG7> NewEnrollment(time_t at, int finger);
+  std::shared_ptr<android::fp_utils::EnrollEventG7> NewEnrollment(int finger);
   void DumpSurroundings(int fd);
 
   Phone& phone_;
+  FakeMatcher matcher_;
   android::fp_utils::FpsInitInfo init_;
   android::fp_utils::AuthStatsG7 attempts_;
   android::fp_utils::EnrollEventContainer enrollments_;
@@ -95,8 +89,6 @@ class Service {
   android::fp_utils::DisplayController display_;
   PressCounter presses_;
   FingerInput input_;
-  std::set<int> enrolled_;
-  Enrollment enrollment_;
   int steps_ = 0;
 };
 

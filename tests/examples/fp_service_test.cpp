@@ -4,10 +4,10 @@
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
-#include <regex>
 #include <string>
 
 #include "control/device.h"
@@ -20,6 +20,13 @@ namespace fs = std::filesystem;
 struct Result {
   int exit_code;
   std::string output;
+
+  bool Has(const std::string& text) const { return output.find(text) != std::string::npos; }
+  // The first line that begins so, from there on.
+  std::string From(const std::string& begin) const {
+    const size_t at = ("\n" + output).find("\n" + begin);
+    return at == std::string::npos ? "" : output.substr(at);
+  }
 };
 
 class FpServiceTest : public ::testing::Test {
@@ -36,90 +43,113 @@ class FpServiceTest : public ::testing::Test {
     return {WEXITSTATUS(pclose(pipe)), output};
   }
 
-  static size_t Count(const std::string& text, const std::string& pattern) {
-    const std::regex regex(pattern);
-    return static_cast<size_t>(
-        std::distance(std::sregex_iterator(text.begin(), text.end(), regex), {}));
+  static std::string Scenario(const std::string& name) {
+    return "--scenario " + std::string(SCENARIOS) + "/" + name + ".jsonl ";
   }
 
-  const std::string day_ = "--scenario " + std::string(SCENARIOS) + "/day.jsonl";
   const fp_host::ScratchFolder scratch_{"fp_service"};
   const fs::path folder_ = scratch_.GetPath();
 };
 
-TEST_F(FpServiceTest, DayShowsWhatExposureControlDoes) {
-  const Result first = Run(day_);
-  ASSERT_EQ(0, first.exit_code) << first.output;
-  EXPECT_EQ(0u, first.output.find("first start: no history yet\n"));
-  EXPECT_EQ(std::string::npos, first.output.find('\r')) << "no progress in a pipe";
-  EXPECT_NE(std::string::npos, first.output.find("Auth Stats:\n  total_attempts:100, "));
-  EXPECT_GE(Count(first.output, "auth_successful:"), 300u);
+// Rejects and attempts in a row of the report, with exposure control and without it.
+struct Row {
+  int with[2];
+  int without[2];
+};
 
-  const std::regex effect(
-      R"(: false rejects ([0-9.]+)% before the first of \d+ steps?, ([0-9.]+)% after the last)");
-  size_t phases = 0;
-  for (std::sregex_iterator it(first.output.begin(), first.output.end(), effect), end; it != end;
-       ++it, ++phases) {
-    EXPECT_LT(std::stod((*it)[2]), std::stod((*it)[1]) / 2) << it->str();
-  }
-  EXPECT_GE(phases, 2u);
-
-  const std::regex bands(R"(below 40% +\d+ +\d+ +([0-9.]+)%[^]*from 90% +\d+ +\d+ +([0-9.]+)%)");
-  std::smatch frr;
-  ASSERT_TRUE(std::regex_search(first.output, frr, bands));
-  EXPECT_GT(std::stod(frr[1]), 10 * std::stod(frr[2])) << "low coverage fails more";
-  EXPECT_EQ(3u, Count(first.output, "\n[-0-9]+ [:0-9]+ op:ADD, enroll_successful:1"));
-  EXPECT_EQ(1u, Count(first.output, "\n[-0-9]+ [:0-9]+ op:ADD.*reason:Area Small"));
-  EXPECT_EQ(1u, Count(first.output, "\n[-0-9]+ [:0-9]+ op:DEL, gid:0, fid:3"));
-  EXPECT_EQ(2u, Count(first.output, "(major|minor) axis: 5% are up to [0-9.]+, 50% up to [0-9.]+"));
-  EXPECT_EQ(1u,
-            Count(first.output, "Ambient light: 2 lux\nThrottling severity: 0\nLong presses: 4"));
-  EXPECT_EQ(Count(first.output, "2026-03-04 06:45:00 auth_successful:1.*lptw:1"),
-            Count(first.output, "finger down:2026-03-04-06-45-00-000"));
-
-  const Result second = Run(day_);
-  EXPECT_EQ(0u, second.output.find("found 100 attempts of earlier runs\n"));
-  const Result dump = Run("--dump-only");
-  EXPECT_NE(std::string::npos, dump.output.find("Auth Events:\n  #000 "));
+Row RowOf(const Result& result, const std::string& phase) {
+  Row row = {};
+  EXPECT_EQ(4, sscanf(result.From(phase + " ").c_str() + phase.size(),
+                      "%d of %d %*f%% %*f -> %*f %*d %d of %d", &row.with[0], &row.with[1],
+                      &row.without[0], &row.without[1]))
+      << result.output;
+  return row;
 }
 
-TEST_F(FpServiceTest, TroubleIsInTheDump) {
-  const Result result = Run("--scenario " + std::string(SCENARIOS) + "/trouble.jsonl");
-  ASSERT_EQ(0, result.exit_code) << result.output;
-  EXPECT_EQ(1u, Count(result.output, "\nError:2026-03-05 07:00:00 sensor did not answer"));
-  EXPECT_EQ(1u, Count(result.output, "\n2026-03-05 09:00:00 acquisition_error:TOO_DARK"))
-      << "the panel is dark";
-  EXPECT_EQ(1u, Count(result.output, "\n  #001 2026-03-05 09:00:00 failed to enable lhbm\n"));
-  EXPECT_EQ(2u, Count(result.output, "\n2026-03-05 09:00:[12]0 auth_successful:1")) << "and back";
-  EXPECT_EQ(1u, Count(result.output, "\nThrottling severity: 4\n"));
+TEST_F(FpServiceTest, DayComparesWithAndWithoutExposureControl) {
+  const Result first = Run(Scenario("day"));
+  ASSERT_EQ(0, first.exit_code) << first.output;
+  EXPECT_EQ(0u, first.output.find("first start: no history yet\n"));
+  EXPECT_GE(100, std::count(first.output.begin(), first.output.end(), '\n')) << "two screens";
+
+  const Row noon = RowOf(first, "bright noon, outdoors");
+  EXPECT_LT(noon.with[0], noon.without[0] / 2);
+  EXPECT_EQ(noon.with[1], noon.without[1]);
+  EXPECT_TRUE(first.Has("\nbright noon, outdoors: exposure control helped, "));
+  const Row hasty = RowOf(first, "hasty touches");
+  EXPECT_EQ(hasty.with[0], hasty.without[0]) << "the same touches in both runs";
+  EXPECT_TRUE(first.Has("it began at ")) << "wet fingers pay for noon's steps";
+
+  EXPECT_TRUE(first.Has("fid:2, capture_count:10, iq_avg:44.80, enrolled_fingers_count:1, rc:1"));
+  EXPECT_TRUE(first.Has("  #004 2026-03-04 22:55:00 op:DEL, gid:0, fid:3"));
+  EXPECT_TRUE(first.Has("\nAmbient light: 2 lux\nThrottling severity: 0\nLong presses: 4"));
+
+  const Result second = Run(Scenario("day") + "-v");
+  EXPECT_EQ(0u, second.output.find("found 100 attempts of earlier runs\n"));
+  EXPECT_TRUE(second.Has("finger down:2026-03-04-06-45-00-000"));
+  const std::string incomplete = second.From("-- hasty touches");
+  EXPECT_LT(incomplete.find("reason:Image Partial"), incomplete.find("-- bright noon"));
+  EXPECT_TRUE(Run("--dump-only -v").Has("Auth Events:\n  #000 "));
+}
+
+TEST_F(FpServiceTest, WeekGoesOnAfterRestartsAndPowerCut) {
+  const Result week = Run(Scenario("week") + "-v");
+  ASSERT_EQ(0, week.exit_code) << week.output;
+  const std::string cut = week.From("power cut during a save: ");
+  EXPECT_NE(std::string::npos, cut.find(" bytes of AuthStats.0 are there\nfound 5"));
+  EXPECT_EQ(20, RowOf(week, "Thu, battery charged").with[1]) << "still enrolled";
+  EXPECT_LT(RowOf(week, "Sat, beach").with[0], RowOf(week, "Sat, beach").without[0] / 2);
+  const std::string nothing = week.From("Fri, left at home ");
+  EXPECT_EQ(" - ", nothing.substr(nothing.find('-') - 1, 3)) << "no attempts, no percentage";
+  EXPECT_TRUE(week.Has("\nError:2026-03-12 18:20:00 sensor did not answer"));
+  EXPECT_TRUE(week.Has("\n2026-03-13 18:00:00 acquisition_error:TOO_DARK")) << "the panel is dark";
+  EXPECT_TRUE(week.Has("\n2026-03-13 18:00:30 auth_successful:1")) << "and lit again";
+  EXPECT_TRUE(week.Has("  #001 2026-03-13 18:00:00 failed to enable lhbm\n"));
 }
 
 TEST_F(FpServiceTest, IsDeterministicForASeed) {
-  const auto day = [this](int seed) {
+  const auto week = [this](int seed) {
     fs::remove_all(folder_ / "device");
-    return Run(day_ + " --seed " + std::to_string(seed)).output;
+    return Run(Scenario("week") + "-v --seed " + std::to_string(seed)).output;
   };
-  const std::string first = day(5);
-  EXPECT_EQ(first, day(5));
-  EXPECT_NE(first, day(6));
+  const std::string first = week(5);
+  EXPECT_EQ(first, week(5));
+  EXPECT_NE(first, week(6));
 }
 
 TEST_F(FpServiceTest, OptionsAndExitCodes) {
-  EXPECT_EQ(0, Run("--help").exit_code);
-  EXPECT_EQ(2, Run("").exit_code);
-  EXPECT_EQ(2, Run("--nonsense").exit_code);
-  EXPECT_EQ(2, Run("--dump-only --property x").exit_code);
-  EXPECT_EQ(3, Run("--scenario /nowhere.jsonl").exit_code);
   std::ofstream(folder_ / "bad.jsonl") << "{\"event\": \"nap\"}\n";
-  const Result bad = Run("--scenario " + (folder_ / "bad.jsonl").string());
-  EXPECT_EQ(3, bad.exit_code);
-  EXPECT_EQ((folder_ / "bad.jsonl").string() + ":1: the first event is \"day\"\n", bad.output);
-
-  const Result off =
-      Run("--dump-only --property persist.vendor.udfps.dynamic_exposure_supported=0");
-  EXPECT_NE(std::string::npos, off.output.find("DynamicExposureSupported:0\n"));
-  EXPECT_EQ(std::string::npos, off.output.find("Failed to open"));
-  EXPECT_NE(std::string::npos, Run("--dump-only --log error").output.find("Failed to open"));
+  const std::string bad = (folder_ / "bad.jsonl").string();
+  const std::string exposure = "persist.vendor.udfps.dynamic.exposure.";
+  const struct {
+    std::string options;
+    int exit_code;
+    std::string output;
+  } kCases[] = {
+      {"--help", 0, "usage: fp_service --scenario FILE"},
+      {"", 2, "either --scenario or --dump-only is needed"},
+      {"--dump-only " + Scenario("day"), 2, "either --scenario or --dump-only is needed"},
+      {"--nonsense", 2, "unrecognized option '--nonsense'"},
+      {"--dump-only x", 2, "unexpected argument x"},
+      {"--dump-only --seed -1", 2, "--seed is a whole number"},
+      {"--dump-only --log loud", 2, "--log is debug, info, error or off"},
+      {"--dump-only --property x", 2, "a property is written NAME=VALUE"},
+      {"--dump-only --property " + exposure + "frr=1", 2, "reads no property " + exposure + "frr"},
+      {"--dump-only --property " + exposure + "frr_threshold=a", 2,
+       "does not take \"a\"; 20 would stay in force"},
+      {"--dump-only --property " + exposure + "frr_threshold=7", 0, "kFrrThreshold: 7\n"},
+      {"--dump-only --property persist.vendor.udfps.dynamic_exposure_supported=0", 0,
+       "DynamicExposureSupported:0\n"},
+      {"--dump-only --log error", 0, "Failed to open"},
+      {"--scenario " + folder_.string(), 3, folder_.string() + ": is a directory\n"},
+      {"--scenario /nowhere.jsonl", 3, "/nowhere.jsonl: No such file or directory\n"},
+      {"--scenario " + bad, 3, bad + ":1: the first event is \"day\"\n"},
+  };
+  for (const auto& test : kCases) {
+    const Result result = Run(test.options);
+    EXPECT_EQ(test.exit_code, result.exit_code) << test.options;
+    EXPECT_TRUE(result.Has(test.output)) << test.options << "\n" << result.output;
+  }
 }
 
 }  // namespace

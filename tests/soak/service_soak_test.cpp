@@ -8,9 +8,9 @@
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
+#include <cstdio>
 #include <fstream>
 #include <functional>
-#include <iostream>
 #include <random>
 #include <thread>
 
@@ -24,25 +24,18 @@
 namespace fp_service {
 namespace {
 
-// What a process must not collect.
-struct Holdings {
-  long descriptors;
-  long threads;
-  long kilobytes;
+// What a process must not collect: descriptors, threads, kilobytes.
+struct Resources {
+  long descriptors = fp_test::CountDescriptors();
+  long threads = fp_test::CountThreads();
+  long kilobytes = CountKilobytes();
 
-  static Holdings Now() {
+  static long CountKilobytes() {
     long pages = 0;
     std::ifstream("/proc/self/statm").ignore(64, ' ') >> pages;
-    return {.descriptors = fp_test::CountDescriptors(),
-            .threads = fp_test::CountThreads(),
-            .kilobytes = pages * (sysconf(_SC_PAGESIZE) / 1024)};
+    return pages * (sysconf(_SC_PAGESIZE) / 1024);
   }
 };
-
-std::ostream& operator<<(std::ostream& out, const Holdings& holdings) {
-  return out << holdings.descriptors << " descriptors, " << holdings.threads << " threads, "
-             << holdings.kilobytes << " KB";
-}
 
 constexpr int kManyAttempts = 100000;
 
@@ -51,7 +44,7 @@ class Soak : public fp_test::DeviceTest {
   Soak() { fp_test::MuteLog(true); }
 
   void Run(uint64_t seed, int attempts) {
-    std::cout << "random numbers from " << seed << std::endl;
+    printf("random numbers from %lu\n", seed);
     random_.seed(seed);
     service_.Calibrate({.expo_ms = 60, .base = 300});
     Enroll();
@@ -63,19 +56,19 @@ class Soak : public fp_test::DeviceTest {
         std::this_thread::yield();
       }
     });
-    Holdings warm = {};
+    Resources warm;
     for (int i = 0; i < attempts; ++i) {
-      Attempt(i);
+      Attempt();
       if (i == attempts / 5) {
-        warm = Holdings::Now();
+        warm = {};
       }
     }
-    const Holdings end = Holdings::Now();
+    const Resources end;
     done = true;
     triager.join();
     close(null);
-    std::cout << "after a fifth: " << warm << "\nat the end:    " << end << '\n'
-              << matches_ << " of " << attempts << " attempts matched" << std::endl;
+    printf("%ld KB after a fifth, %ld KB at the end; %d of %d attempts matched\n", warm.kilobytes,
+           end.kilobytes, matches_, attempts);
     EXPECT_EQ(warm.descriptors, end.descriptors);
     EXPECT_EQ(warm.threads, end.threads);
     // A short run is still warming up. The queues of a sensor service that has died are abandoned,
@@ -88,11 +81,11 @@ class Soak : public fp_test::DeviceTest {
   }
 
  private:
-  int Below(int limit) { return static_cast<int>(random_() % static_cast<unsigned>(limit)); }
+  int RandomInt(int limit) { return static_cast<int>(random_() % static_cast<unsigned>(limit)); }
 
   void Touch(Purpose purpose, Skin skin, Aim aim, const std::function<void()>& work) {
     service_.ExpectFinger(purpose);
-    phone_.PutFinger(skin, aim);
+    phone_.PutFinger(1, skin, aim);
     work();
     phone_.LiftFinger();
     phone_.RestartDeadHals();
@@ -103,74 +96,63 @@ class Soak : public fp_test::DeviceTest {
     for (int i = 0; i < 10; ++i) {
       Touch(Purpose::kEnroll, Skin::kNormal, Aim::kGood, [&] { service_.CaptureForEnrollment(); });
     }
-    service_.Enroll(0, 1);
+    service_.Enroll(1);
   }
 
-  void Attempt(int i) {
-    if (Below(20) == 0) {
-      PullALever();
+  void Attempt() {
+    if (RandomInt(20) == 0) {
+      CauseTrouble();
     }
-    const Aim aim = Below(4) == 0 ? Aim::kPoor : Aim::kGood;
-    Touch(Purpose::kAuthenticate, static_cast<Skin>(Below(3)), aim, [&] {
-      const auto outcome = service_.Authenticate(i, 1);
-      matches_ += outcome.event->auth_successful ? 1 : 0;
-    });
+    const Aim aim = RandomInt(4) == 0 ? Aim::kPoor : Aim::kGood;
+    Touch(Purpose::kAuthenticate, static_cast<Skin>(RandomInt(3)), aim,
+          [&] { matches_ += service_.Authenticate().event->auth_successful ? 1 : 0; });
     if (!service_.IsEnrolled(1)) {
       Enroll();
     }
   }
 
   void FailSoon(const char* function, int error) {
-    fp_host::SetFault(
-        {.function = function, .first_call = 1 + Below(3), .calls = 1 + Below(2), .error = error});
+    fp_host::SetFault({.function = function,
+                       .first_call = 1 + RandomInt(3),
+                       .calls = 1 + RandomInt(2),
+                       .error = error});
   }
 
-  void PullALever() {
+  void CauseTrouble() {
+    const std::function<void()> troubles[] = {
+        [&] { FailSoon("open", EACCES); },
+        [&] { FailSoon("fopen", EMFILE); },
+        [&] { FailSoon("write", ENOSPC); },
+        [&] { fp_host::SetFault({.function = "write", .calls = 2, .shorten_to = RandomInt(40)}); },
+        [&] { FailSoon("read", EINTR); },
+        [&] { FailSoon("poll", EINTR); },
+        [&] { FailSoon("ioctl", EIO); },
+        [&] { phone_.LetDisplayHalDie(); },
+        [&] { phone_.SetLux(static_cast<float>(RandomInt(40000))); },
+        [&] { phone_.SetSkinSeverity(RandomInt(7)); },
+        [&] { phone_.LongPress(1 + RandomInt(20)); },
+        [&] { phone_.BlinkTouchDevice(); },
+        [&] {
+          ++restarts_;
+          fp_host::RestartSensorService();
+          service_.SystemServerDied();
+        },
+        [&] { service_.Delete(1); }};
     fp_host::ClearFaults();
-    switch (Below(14)) {
-      case 0:
-        return FailSoon("open", EACCES);
-      case 1:
-        return FailSoon("fopen", EMFILE);
-      case 2:
-        return FailSoon("write", ENOSPC);
-      case 3:
-        return fp_host::SetFault({.function = "write", .calls = 2, .shorten_to = Below(40)});
-      case 4:
-        return FailSoon("read", EINTR);
-      case 5:
-        return FailSoon("poll", EINTR);
-      case 6:
-        return FailSoon("ioctl", EIO);
-      case 7:
-        return phone_.LetDisplayHalDie();
-      case 8:
-        return phone_.SetLux(static_cast<float>(Below(40000)));
-      case 9:
-        return phone_.SetSkinSeverity(Below(7));
-      case 10:
-        return phone_.LongPress(1 + Below(20));
-      case 11:
-        return phone_.BlinkTouchDevice();
-      case 12:
-        ++restarts_;
-        fp_host::RestartSensorService();
-        return service_.SystemServerDied();
-      default:
-        service_.Delete(0, 1);
-    }
+    troubles[RandomInt(std::size(troubles))]();
   }
 
   void ExpectHistoryFoundAgain(int attempts) {
     fp_host::ClearFaults();
-    Touch(Purpose::kAuthenticate, Skin::kNormal, Aim::kGood, [&] { service_.Authenticate(0, 1); });
+    Touch(Purpose::kAuthenticate, Skin::kNormal, Aim::kGood, [&] { service_.Authenticate(); });
     android::fp_utils::AuthStatsG7 found("0", 100, true);
     found.Init();
     EXPECT_LE(std::min(attempts / 2, 90), static_cast<int>(found.GetTotalAttempts()));
   }
 
   std::mt19937_64 random_;
-  Phone phone_{device_.GetRoot(), 1};
+  PhoneState state_{1};
+  Phone phone_{device_.GetRoot(), state_};
   Service service_{phone_};
   int matches_ = 0;
   long restarts_ = 0;

@@ -1,0 +1,18 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace fp_service {
+
+using Properties = std::vector<std::pair<std::string, std::string>>;
+
+// Parses "NAME=VALUE" of a system property that the library reads. Throws std::invalid_argument,
+// with the value in force, if it reads no such property or would not take the value.
+std::pair<std::string, std::string> ParseProperty(const std::string& text);
+
+void Set(const Properties& properties);
+
+}  // namespace fp_service
