@@ -26,7 +26,7 @@ void UpdateToWaiter(benchmark::State& state) {
   std::atomic<bool> done = false;
   std::thread waiter([&] {
     for (uint32_t turn = 1; !done; ++turn) {
-      tracker.WaitForState(fp_state_t{turn}, kPatienceMs);
+      (void)tracker.WaitForState(fp_state_t{turn}, kPatienceMs);
       seen = turn;
     }
   });

@@ -7,26 +7,25 @@
 
 namespace android::fp_utils {
 
-// The board's identity, read once from the device tree that the boot loader publishes in
-// /sys/firmware/devicetree/base/chosen/plat.
+// The identity of the board. The boot loader publishes it in the device tree, below
+// /sys/firmware/devicetree/base/chosen/plat; the constructor reads it once.
 //
 // Threading:  constant after construction.
-// Blocking:   the first GetInstance() reads six small files.
-// Errors:     logged; an item that cannot be read is 0.
+// Blocking:   construction, and so the first GetInstance(), reads six small files.
+// Errors:     a failure is logged; an item that cannot be read is 0.
 class FP_UTILS_EXPORT DevCdtInfo {
  public:
-  // The instance of the process, made on first use and never destroyed.
+  // The process-wide instance, created on first use.
   static DevCdtInfo& GetInstance();
 
   DevCdtInfo();
   DevCdtInfo(const DevCdtInfo&) = delete;
   DevCdtInfo& operator=(const DevCdtInfo&) = delete;
 
-  // The value of one item, not null: the first four bytes of its file, big-endian; bytes that are
-  // not there count as 0. Each call keeps a descriptor open for the life of the process.
-  uint32_t GetDevCdtInfoItem(char const* item);
+  // Returns the value of an item: the first four bytes of its file, big-endian, where missing bytes
+  // count as 0. `item` must not be null. Each call that opens the file leaves its descriptor open.
+  [[nodiscard]] uint32_t GetDevCdtInfoItem(const char* item);
 
-  // Read in this order.
   const uint32_t platform;
   const uint32_t product;
   const uint32_t stage;

@@ -10,15 +10,15 @@
 
 namespace android::fp_utils {
 
-// Whether a finger is on the sensor, since when, how late the service learned of it, and the
-// contact that it makes. A finger that comes down can switch on the touch controller's LPTW event
-// report for as long as it stays.
+// Tracks the finger on the sensor: whether it is down, since when, how late the service learned of
+// it, and its contact ellipse. While the finger is down, the touch controller's LPTW event report
+// can be enabled.
 //
-// Threading:  every operation locks. Set() calls the process's FpsTouchHandler with its lock held.
-// Blocking:   Set() at both ends of a touch with LPTW: an ioctl, behind what the handler's lock is
-//             held for.
-// Errors:     failures of the touch handler are the handler's to log; they change nothing here.
-// Units:      milliseconds of the uptime clock, which stands still in deep sleep; panel units.
+// Threading:  every operation locks. Set() calls FpsTouchHandler::GetInstance() with the lock held.
+// Blocking:   Set() waits for the touch handler's lock and an ioctl when it switches LPTW, and for
+//             the lock of the last touch event at every finger up.
+// Errors:     the touch handler logs its own failures; they do not change this state.
+// Units:      milliseconds of the uptime clock, which stops in deep sleep; panel units.
 class FP_UTILS_EXPORT FingerState {
  public:
   FingerState();
@@ -26,19 +26,20 @@ class FP_UTILS_EXPORT FingerState {
   FingerState(const FingerState&) = delete;
   FingerState& operator=(const FingerState&) = delete;
 
-  // Takes a finger-down or finger-up notification of `time` (0 or less: unknown). A repeated down
-  // only moves the contact. A down with `lptw` switches the report on, the up behind it off. False
-  // for an up while the finger is up already, which changes nothing.
-  bool Set(bool down, long time, Ellipse const& contact, bool lptw);
+  // Handles a finger-down or finger-up notification; `time` is when it happened, 0 or less if
+  // unknown. A repeated down only updates the contact. A down with `lptw` enables the LPTW report
+  // and the next up disables it. An up also clears the touch handler's last event. Returns false,
+  // and changes nothing, for an up while the finger is already up.
+  bool Set(bool down, long time, const Ellipse& contact, bool lptw);
 
   bool IsDown() const;
-  int64_t GetDownTime() const;        // as given
-  uint32_t GetDownLatencyMs() const;  // from that time to its Set(); 0 if it was unknown
-  int64_t GetDownUptime() const;      // when the down was recorded
-  int64_t GetUpUptime() const;        // when the finger lifted; 0 while it is down
+  int64_t GetDownTime() const;        // `time` of the last down, as given
+  uint32_t GetDownLatencyMs() const;  // from that time to Set(); 0 if the time was unknown
+  int64_t GetDownUptime() const;      // when Set() recorded the last down
+  int64_t GetUpUptime() const;        // when Set() recorded the last up; 0 while the finger is down
   Ellipse GetEllipse() const;         // all zero while no finger is down
-  bool IsLptwRequested() const;       // by the last down
-  bool IsLptwEnabled() const;         // switched on here and not yet off
+  bool IsLptwRequested() const;       // whether the last down asked for LPTW
+  bool IsLptwEnabled() const;         // whether this object enabled LPTW and has yet to disable it
 
  private:
   void RecordDown(int64_t time, bool lptw) REQUIRES(mutex_);

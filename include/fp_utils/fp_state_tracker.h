@@ -12,20 +12,21 @@
 
 namespace android::fp_utils {
 
-// State of the fingerprint pipeline. The service defines the values; the tracker knows three of
-// them.
+// State of the fingerprint pipeline. The service defines the values; three of them have a meaning
+// to the tracker, see UpdateState().
 enum fp_state_t : uint32_t {};
 
-// The current pipeline state of the process, for those who have to wait for one, and when the
-// finger came down.
+// Holds the current state of the fingerprint pipeline, lets threads wait for a state, and records
+// when the finger came down.
 //
-// Threading:  any number of threads may update and wait. The times are written without the lock: a
-//             reader beside an update may see the seconds of one and the milliseconds of the other.
+// Threading:  any number of threads may update and wait. The times are stored without the lock: a
+//             reader that races with an update may get the seconds of one update and the
+//             milliseconds of another.
 // Blocking:   WaitForState().
-// Units:      timeouts in milliseconds of the clock that counts deep sleep.
+// Units:      timeouts are milliseconds of the boot-time clock, which counts deep sleep.
 class FP_UTILS_EXPORT FpStateTracker {
  public:
-  // The instance of the process, made on first use and never destroyed: a thread may wait at exit.
+  // The process-wide instance, created on first use.
   static FpStateTracker& GetInstance();
 
   FpStateTracker();
@@ -33,22 +34,23 @@ class FP_UTILS_EXPORT FpStateTracker {
   FpStateTracker(const FpStateTracker&) = delete;
   FpStateTracker& operator=(const FpStateTracker&) = delete;
 
-  // Sets the state and wakes all waiters. 0x101 and 0x201 record the moment of finger down, 0x205 a
-  // second moment.
+  // Sets the state and wakes all waiters. 0x101 and 0x201 also record the finger-down time, 0x205
+  // the time that GetState205SteadyTime() returns.
   void UpdateState(fp_state_t state);
 
-  // Waits until the state is exactly `state`, `timeout` milliseconds at most; a deep sleep that
-  // begins during the wait may come on top. 0, or -ETIMEDOUT. A state that is left again before the
-  // waiter runs is missed.
-  int WaitForState(fp_state_t state, unsigned int timeout);
+  // Waits at most `timeout` milliseconds until the state equals `state`. Returns 0, or -ETIMEDOUT.
+  // A state that is set and replaced before the waiter runs is missed. The wait itself does not
+  // count a deep sleep, so one that begins during the wait can delay the return by its length.
+  [[nodiscard]] int WaitForState(fp_state_t state, unsigned int timeout);
 
-  // Writes the last moment of finger down, in local time, as "YYYY-MM-DD-hh-mm-ss-mmm"; the epoch
-  // before the first. At most `size` bytes with the terminating zero; returns what snprintf would.
+  // Writes the last finger-down time to `buf`, in local time, as "YYYY-MM-DD-hh-mm-ss-mmm"; before
+  // the first finger down, that of the epoch. Writes at most `size` bytes with the terminating zero
+  // and returns what snprintf returns.
   int GetFingerDownTime(char* buf, unsigned long size);
 
   fp_state_t GetState() const;
 
-  // Monotonic clock; zero before the first time.
+  // When the last 0x101 or 0x201, and the last 0x205, was set; the clock's epoch before the first.
   std::chrono::steady_clock::time_point GetFingerDownSteadyTime() const;
   std::chrono::steady_clock::time_point GetState205SteadyTime() const;
 
@@ -64,7 +66,7 @@ class FP_UTILS_EXPORT FpStateTracker {
   fp_state_t state_ GUARDED_BY(mutex_) = fp_state_t{0};
   std::condition_variable state_changed_;
 
-  // Unlocked on purpose: who waits for the state must not wait for clocks to be read.
+  // Not guarded, on purpose: waiters do not wait for the clocks to be read.
   WallTime finger_down_wall_time_;
   std::atomic<SteadyTicks> finger_down_steady_time_ = 0;
   std::atomic<SteadyTicks> state_205_steady_time_ = 0;

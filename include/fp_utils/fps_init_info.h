@@ -11,15 +11,14 @@
 
 namespace android::fp_utils {
 
-// How the sensor's initialisation went. Errors accumulate in one text, which is also published in
-// the property vendor.fingerprint.init.error and in the tombstone folder, together with a copy of
-// the secure world's log.
+// Records how the initialisation of the sensor went. Errors accumulate in one text. Each error also
+// publishes that text in the property vendor.fingerprint.init.error and in the tombstone folder,
+// and copies the log of the secure world there.
 //
-// Threading:  SetState() and SetError() lock and wait for each other. Dump() waits for neither, and
-//             may print the record of just before a running SetError().
+// Threading:  SetState() and SetError() exclude each other. Dump() and the getters do not wait for
+//             them; during a SetError() they may return the record from before it.
 // Blocking:   SetError() sets a property, writes a file and waits for a shell that copies the log.
-// Errors:     a failed property, file or copy never reaches the caller; the record is kept.
-// Units:      times of the wall clock, in microseconds since the epoch.
+// Errors:     a failed property, file or copy is not reported to the caller; the record is kept.
 class FP_UTILS_EXPORT FpsInitInfo {
  public:
   enum class State : int32_t { kNotStarted = 0, kStarted = 1, kFinished = 2 };
@@ -29,14 +28,15 @@ class FP_UTILS_EXPORT FpsInitInfo {
   FpsInitInfo(const FpsInitInfo&) = delete;
   FpsInitInfo& operator=(const FpsInitInfo&) = delete;
 
-  // Stores the state, any value, and the time of a start or a finish. Earlier errors stay.
+  // Stores `state`, which may be any value, and for kStarted and kFinished the current time.
+  // Earlier errors are kept.
   void SetState(State state);
 
-  // Appends an error to the text: its local time, a blank and the message.
+  // Appends an error to the text: the local time, a space and `message`.
   void SetError(int code, std::string message);
 
-  // Writes one line to `fd`, which stays open: the errors if there were any, else what the state
-  // says. Returns the bytes written, negative on failure.
+  // Writes one line to `fd` and leaves it open: all errors if there are any, else the outcome that
+  // the state stands for. Returns the number of bytes written, negative on failure.
   int Dump(int fd);
 
   State GetState() const;
@@ -47,12 +47,13 @@ class FP_UTILS_EXPORT FpsInitInfo {
   using TimePoint = std::chrono::time_point<std::chrono::system_clock, std::chrono::microseconds>;
 
   static TimePoint Now();
-  std::string Append(int code, const std::string& message);
+  void RecordState(State state) REQUIRES(mutex_);
+  std::string RecordError(int code, const std::string& message) REQUIRES(mutex_);
 
-  // Held for the whole of SetState() and SetError(), the shell included.
+  // Held for the whole of SetState() and SetError(), including the shell.
   std::mutex mutex_ ACQUIRED_BEFORE(record_mutex_);
 
-  // Held for moments: what a dump may read while SetError() waits for the shell.
+  // Held only to read or write the record, so that a dump does not wait for the shell.
   mutable std::mutex record_mutex_;
   State state_ GUARDED_BY(record_mutex_) = State::kNotStarted;
   int32_t error_code_ GUARDED_BY(record_mutex_) = 0;

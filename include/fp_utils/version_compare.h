@@ -7,12 +7,13 @@
 
 namespace android::fp_utils {
 
-// Threading:  reentrant, no state.
+// Compares version strings.
+//
+// Threading:  safe from any thread.
 class FP_UTILS_EXPORT VersionCompare {
  public:
-  // Whether two version strings are the same bytes. "1.0" and "1.00" are not: nothing is read into
-  // them.
-  static bool checkEqual(std::string const& a, std::string const& b);
+  // Returns whether both strings have the same bytes; "1.0" and "1.00" differ.
+  [[nodiscard]] static bool checkEqual(const std::string& a, const std::string& b);
 };
 
 }  // namespace android::fp_utils

@@ -13,7 +13,7 @@
 namespace android::fp_utils {
 namespace {
 
-constexpr const char* kTag = log_tag::kDevCdtInfo;
+constexpr char kTag[] = "DevCdtInfo";
 constexpr char kDirectory[] = "/sys/firmware/devicetree/base/chosen/plat";
 
 }  // namespace
@@ -23,7 +23,7 @@ DevCdtInfo& DevCdtInfo::GetInstance() {
   return *instance;
 }
 
-// Braces, since C libraries know macros named major() and minor().
+// Initialised with braces because C libraries define macros major() and minor().
 DevCdtInfo::DevCdtInfo()
     : platform{GetDevCdtInfoItem("platform")},
       product{GetDevCdtInfoItem("product")},
@@ -31,7 +31,8 @@ DevCdtInfo::DevCdtInfo()
       major{GetDevCdtInfoItem("major")},
       minor{GetDevCdtInfoItem("minor")},
       variant{GetDevCdtInfoItem("variant")} {
-  // "minro" and "variant_" are what the tools that read these logs look for.
+  // The misspelt "minro" and the "variant_" without a colon are kept: tools that read these logs
+  // search for them.
   FP_LOG_DEBUG(kTag, "%s: platform:0x%02x", kTag, platform);
   FP_LOG_DEBUG(kTag, "%s: product:0x%02x", kTag, product);
   FP_LOG_DEBUG(kTag, "%s: stage:0x%02x", kTag, stage);
@@ -40,9 +41,9 @@ DevCdtInfo::DevCdtInfo()
   FP_LOG_DEBUG(kTag, "%s: variant_0x%02x", kTag, variant);
 }
 
-uint32_t DevCdtInfo::GetDevCdtInfoItem(char const* item) {
+uint32_t DevCdtInfo::GetDevCdtInfoItem(const char* item) {
   const std::string path = std::string(kDirectory) + "/" + item;
-  // Left open after the read: each item is read once per process, and always has been this way.
+  // The descriptor is left open; the process reads each item once.
   const int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC);
   if (fd < 0) {
     FP_LOG_ERROR(kTag, "Failed to open \"%s\" with error %d.", path.c_str(), errno);

@@ -16,9 +16,9 @@ namespace {
 
 using std::chrono::steady_clock;
 
-constexpr const char* kTag = log_tag::kFpStateTracker;
+constexpr char kTag[] = "FpStateTracker";
 
-// The states whose moment is recorded, in the service's numbering.
+// States whose time is recorded, as the service numbers them.
 constexpr uint32_t kFingerDown = 0x101;
 constexpr uint32_t kFingerDownOther = 0x201;
 constexpr uint32_t kState205 = 0x205;
@@ -58,7 +58,7 @@ void FpStateTracker::UpdateState(fp_state_t state) {
   }
 }
 
-// The analysis does not know unique_lock, which the condition variable needs.
+// The thread-safety analysis does not follow unique_lock, which the condition variable needs.
 int FpStateTracker::WaitForState(fp_state_t state, unsigned int timeout) NO_THREAD_SAFETY_ANALYSIS {
   const int64_t start = elapsedRealtime();
   std::unique_lock lock(mutex_);
@@ -73,7 +73,7 @@ int FpStateTracker::WaitForState(fp_state_t state, unsigned int timeout) NO_THRE
       return -ETIMEDOUT;
     }
     FP_LOG_DEBUG(kTag, "%s: waiting for state: 0x%x", "WaitForState", state);
-    // Why it returns does not matter: only the state and the deadline count.
+    // The result is ignored: the loop checks the state and the deadline itself.
     state_changed_.wait_for(lock, std::chrono::milliseconds(timeout - elapsed));
     FP_LOG_DEBUG(kTag, "%s: state is changed to 0x%x", "WaitForState", state_);
   } while (state_ != state);

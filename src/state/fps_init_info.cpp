@@ -16,7 +16,7 @@ namespace {
 using std::chrono::duration_cast;
 using std::chrono::milliseconds;
 
-constexpr const char* kTag = log_tag::kFpsInitInfo;
+constexpr char kTag[] = "FpsInitInfo";
 constexpr char kErrorProperty[] = "vendor.fingerprint.init.error";
 constexpr char kErrorFile[] = "/data/vendor/tombstones/fingerprint/init_error.txt";
 constexpr char kTrustyLog[] = "/dev/trusty-log0";
@@ -27,8 +27,8 @@ std::string TimeText(TimePoint time) {
   return LocalTimeText(std::chrono::system_clock::to_time_t(time));
 }
 
-// Best effort: the device may be missing, and the shell says so itself. No part of the command
-// comes from outside.
+// The result is ignored: without the device, the shell reports the error itself. The command is
+// made of constants only, so nothing can be injected into it.
 void CopyTrustyLog() {
   char command[1024];
   snprintf(command, sizeof command, "cat %s > %s", kTrustyLog, kTrustyLogCopy);
@@ -47,7 +47,11 @@ FpsInitInfo::TimePoint FpsInitInfo::Now() {
 
 void FpsInitInfo::SetState(State state) {
   const std::lock_guard lock(mutex_);
-  const std::lock_guard record_lock(record_mutex_);
+  RecordState(state);
+}
+
+void FpsInitInfo::RecordState(State state) {
+  const std::lock_guard lock(record_mutex_);
   state_ = state;
   if (state == State::kStarted) {
     start_time_ = Now();
@@ -56,8 +60,8 @@ void FpsInitInfo::SetState(State state) {
   }
 }
 
-// Records the error and returns the whole text.
-std::string FpsInitInfo::Append(int code, const std::string& message) {
+// Returns the whole text.
+std::string FpsInitInfo::RecordError(int code, const std::string& message) {
   const std::lock_guard lock(record_mutex_);
   error_code_ = code;
   error_time_ = Now();
@@ -68,20 +72,21 @@ std::string FpsInitInfo::Append(int code, const std::string& message) {
   return error_str_;
 }
 
-// NOLINTNEXTLINE(performance-unnecessary-value-param): by value, as its callers are built
+// NOLINTNEXTLINE(performance-unnecessary-value-param): existing callers pass it by value
 void FpsInitInfo::SetError(int code, std::string message) {
   const std::lock_guard lock(mutex_);
-  const std::string error_str = Append(code, message);
+  const std::string error_str = RecordError(code, message);
   FP_LOG_ERROR(kTag, "%s: error_str_:%s", "SetError", error_str.c_str());
-  base::SetProperty(kErrorProperty, error_str);  // too long a text is not stored; the file has it
+  base::SetProperty(kErrorProperty, error_str);  // fails if it is too long
   if (!base::WriteStringToFile(error_str, kErrorFile)) {
     FP_LOG_ERROR(kTag, "%s: failed to write '%s'", "SetError", kErrorFile);
   }
   CopyTrustyLog();
 }
 
-int FpsInitInfo::Dump(int fd) NO_THREAD_SAFETY_ANALYSIS {  // of a lock that ends early
-  // Copies, since a reader of the dump who stalls must not hold up the bring-up.
+// The thread-safety analysis does not follow unique_lock.
+int FpsInitInfo::Dump(int fd) NO_THREAD_SAFETY_ANALYSIS {
+  // Copies the record, because a slow reader of `fd` must not delay the initialisation.
   std::unique_lock lock(record_mutex_);
   const std::string error_str = error_str_;
   const State state = state_;

@@ -3,6 +3,6 @@
 
 namespace android::fp_utils {
 
-bool VersionCompare::checkEqual(std::string const& a, std::string const& b) { return a == b; }
+bool VersionCompare::checkEqual(const std::string& a, const std::string& b) { return a == b; }
 
 }  // namespace android::fp_utils

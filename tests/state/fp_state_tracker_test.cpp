@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "fp_utils/fp_state_tracker.h"
 
-#include <sys/time.h>
-
 #include <algorithm>
 #include <array>
 #include <atomic>
@@ -10,6 +8,7 @@
 #include <thread>
 #include <vector>
 
+#include "control/clock.h"
 #include "support/device_test.h"
 #include "support/recorder.h"
 
@@ -25,7 +24,7 @@ constexpr fp_state_t State(uint32_t value) { return fp_state_t{value}; }
 
 class FpStateTrackerTest : public ::testing::Test {
  protected:
-  // Waits until a thread is inside a wait, by its log line.
+  // Waits until threads have logged `count` times in all that they begin to wait.
   void AwaitWaiters(size_t count) {
     ASSERT_TRUE(Eventually([&] {
       for (const LogLine& line : TakeLog()) {
@@ -111,73 +110,56 @@ TEST_F(FpStateTrackerTest, ManyWaitersEachGetTheirState) {
   }
 }
 
-TEST_F(FpStateTrackerTest, RecordsWhenTheFingerCameDown) {
+TEST_F(FpStateTrackerTest, RecordsTheTimesOfThreeStates) {
+  constexpr steady_clock::time_point kNever;
   setenv("TZ", "UTC", 1);
-  tzset();
   EXPECT_EQ("1970-01-01-00-00-00-000", FingerDownTime());
-  EXPECT_EQ(0, tracker_.GetFingerDownSteadyTime().time_since_epoch().count());
-  for (const uint32_t state : {0x101u, 0x201u}) {
-    timeval before = {};
-    gettimeofday(&before, nullptr);
-    const auto steady_before = steady_clock::now();
+  EXPECT_EQ(kNever, tracker_.GetFingerDownSteadyTime());
+  fp_host::StopWallClock(1772600766, 999);
+  for (const auto& [state, text] :
+       {std::pair(0x101u, "2026-03-04-05-06-06-999"), {0x201u, "2026-03-04-05-06-07-089"}}) {
+    const auto before = steady_clock::now();
     tracker_.UpdateState(State(state));
-    timeval after = {};
-    gettimeofday(&after, nullptr);
-    const std::string text = FingerDownTime();
-    tm parts = {};
-    int milliseconds = 0;
-    ASSERT_EQ(7,
-              sscanf(text.c_str(), "%d-%d-%d-%d-%d-%d-%d", &parts.tm_year, &parts.tm_mon,
-                     &parts.tm_mday, &parts.tm_hour, &parts.tm_min, &parts.tm_sec, &milliseconds));
-    parts.tm_year -= 1900;
-    parts.tm_mon -= 1;
-    const int64_t recorded = timegm(&parts) * 1000L + milliseconds;
-    EXPECT_LE(before.tv_sec * 1000L + before.tv_usec / 1000, recorded);
-    EXPECT_GE(after.tv_sec * 1000L + after.tv_usec / 1000, recorded);
-    EXPECT_LE(steady_before, tracker_.GetFingerDownSteadyTime());
+    EXPECT_EQ(text, FingerDownTime());
+    EXPECT_LE(before, tracker_.GetFingerDownSteadyTime());
     EXPECT_GE(steady_clock::now(), tracker_.GetFingerDownSteadyTime());
+    fp_host::StopWallClock(1772600767, 89);
   }
-  const std::string down = FingerDownTime();
-  const auto steady_down = tracker_.GetFingerDownSteadyTime();
-  EXPECT_EQ(0, tracker_.GetState205SteadyTime().time_since_epoch().count());
-  tracker_.UpdateState(State(0x205));
-  tracker_.UpdateState(State(0x102));
-  EXPECT_EQ(down, FingerDownTime());
-  EXPECT_EQ(steady_down, tracker_.GetFingerDownSteadyTime());
-  EXPECT_LE(steady_down, tracker_.GetState205SteadyTime());
-}
+  EXPECT_EQ(kNever, tracker_.GetState205SteadyTime());
 
-TEST_F(FpStateTrackerTest, FingerDownTimeFitsEveryBuffer) {
-  const std::string whole = FingerDownTime();
-  for (size_t size = 0; size <= 30; ++size) {
-    std::vector<char> buffer(31, '#');
-    EXPECT_EQ(23, tracker_.GetFingerDownTime(buffer.data(), size));
-    const std::string expected = size == 0 ? "" : whole.substr(0, size - 1) + std::string(1, '\0');
-    const std::string written(buffer.data(), expected.size());
-    EXPECT_EQ(expected, written);
-    EXPECT_TRUE(std::all_of(buffer.begin() + static_cast<ptrdiff_t>(expected.size()), buffer.end(),
-                            [](char c) { return c == '#'; }));
-  }
+  const auto down = tracker_.GetFingerDownSteadyTime();
+  fp_host::StopWallClock(0);
+  tracker_.UpdateState(State(0x205));
+  const auto moment_205 = tracker_.GetState205SteadyTime();
+  EXPECT_LE(down, moment_205);
+  tracker_.UpdateState(State(0x102));
+  EXPECT_EQ(moment_205, tracker_.GetState205SteadyTime());
+  EXPECT_EQ(down, tracker_.GetFingerDownSteadyTime());
+
+  char year[] = "#####";
+  EXPECT_EQ(23, tracker_.GetFingerDownTime(year, 4));
+  EXPECT_EQ(std::string("202\0#", 5), std::string(year, 5));
   EXPECT_EQ(23, tracker_.GetFingerDownTime(nullptr, 0));
 }
 
 TEST_F(FpStateTrackerTest, UpdatesAndReadsFromManyThreads) {
   MuteLog(true);
+  FpStateTracker& tracker = FpStateTracker::GetInstance();
   std::vector<std::thread> threads;
-  for (int i = 0; i < 4; ++i) {
-    threads.emplace_back([this, i] {
+  for (const uint32_t state : {0x101, 0x205, 0x101, 0x205}) {
+    threads.emplace_back([&tracker, state] {
       char text[32];
-      for (int k = 0; k < 1000; ++k) {
-        tracker_.UpdateState(State(i % 2 == 0 ? 0x101 : 0x205));
-        tracker_.GetFingerDownTime(text, sizeof text);
-        tracker_.WaitForState(State(0x101), 1);
+      for (int k = 0; k < 200; ++k) {
+        tracker.UpdateState(State(state));
+        EXPECT_EQ(23, tracker.GetFingerDownTime(text, sizeof text));
+        EXPECT_NE(1, tracker.WaitForState(State(0x101), 1));
       }
     });
   }
   for (std::thread& thread : threads) {
     thread.join();
   }
-  EXPECT_EQ(&FpStateTracker::GetInstance(), &FpStateTracker::GetInstance());
+  EXPECT_EQ(&tracker, &FpStateTracker::GetInstance());
 }
 
 }  // namespace

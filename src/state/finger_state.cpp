@@ -7,16 +7,21 @@
 #include "fp_utils/fps_touch_handler.h"
 
 namespace android::fp_utils {
+namespace {
+
+constexpr char kTag[] = "FingerState";
+
+}  // namespace
 
 FingerState::FingerState() = default;
 
 FingerState::~FingerState() = default;
 
-bool FingerState::Set(bool down, long time, Ellipse const& contact, bool lptw) {
+bool FingerState::Set(bool down, long time, const Ellipse& contact, bool lptw) {
   const std::lock_guard lock(mutex_);
   const bool was_down = is_down_;
   if (!down && !was_down) {
-    FP_LOG_DEBUG(log_tag::kFingerState, "%s: ignore redundant finger up", "Set");
+    FP_LOG_DEBUG(kTag, "%s: ignore redundant finger up", "Set");
     return false;
   }
   is_down_ = down;
@@ -35,7 +40,7 @@ void FingerState::RecordDown(int64_t time, bool lptw) {
   down_time_ = time;
   down_uptime_ = now;
   up_uptime_ = 0;
-  // A time in the future wraps around to a large latency, which shows it.
+  // A time in the future wraps around to a large latency.
   down_latency_ms_ = time > 0 ? static_cast<uint32_t>(now - time) : 0;
   if (lptw) {
     FpsTouchHandler::GetInstance().EnableLptwEventReport(true);
@@ -49,7 +54,7 @@ void FingerState::RecordUp() {
     FpsTouchHandler::GetInstance().EnableLptwEventReport(false);
     lptw_enabled_ = false;
   }
-  // With every up, LPTW or not: the last report belongs to the touch that is over.
+  // Cleared at every up, also without LPTW: the last event belongs to the touch that has ended.
   FpsTouchHandler::GetInstance().ClearTouchEvent();
 }
 
