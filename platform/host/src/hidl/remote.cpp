@@ -44,10 +44,7 @@ bool interfacesEqual(const sp<hidl::base::V1_0::IBase>& left,
   if (left == nullptr || right == nullptr || !left->isRemote() || !right->isRemote()) {
     return left == right;
   }
-  const auto* left_remote = dynamic_cast<const fp_host::hidl::Remote*>(left.get());
-  const auto* right_remote = dynamic_cast<const fp_host::hidl::Remote*>(right.get());
-  return left_remote != nullptr && right_remote != nullptr &&
-         left_remote->GetObject() == right_remote->GetObject();
+  return left->GetRemoteObject() != nullptr && left->GetRemoteObject() == right->GetRemoteObject();
 }
 
 }  // namespace android::hardware

@@ -85,6 +85,9 @@ class Proxy : public INTERFACE, public Remote {
 
  protected:
   INTERFACE& Get() const { return static_cast<INTERFACE&>(*GetObject()); }
+
+ private:
+  const IBase* GetRemoteObject() const override { return GetObject().get(); }
 };
 
 }  // namespace fp_host::hidl
