@@ -77,11 +77,12 @@ coverage:  ## lines and branches of include/ and src/ that the tests reach
 	FP_TEST_SHARE=0.1 $(CTEST) --test-dir build/coverage -LE long | tail -n 3
 	scripts/coverage build/coverage
 
-lint: build  ## format, include direction, source lists, exported symbols, clang-tidy
+lint: build  ## format, headers, includes, source lists, exported symbols, clang-tidy
 	@scripts/setup lint clang
 	scripts/check_format
 	scripts/check_imports
 	scripts/check_sources
+	scripts/check_headers
 	scripts/check_symbols build/release/src/libfp_utils.so
 	scripts/check_tidy build/release
 

@@ -57,21 +57,21 @@ class FP_UTILS_EXPORT AlsMonitor {
   AlsMonitor() = default;
   ~AlsMonitor() = default;
 
-  bool Connect() REQUIRES(mutex_);
-  bool ConnectForOperation() REQUIRES(mutex_);
-  int Drain() REQUIRES(mutex_);
+  bool Connect() FP_REQUIRES(mutex_);
+  bool ConnectForOperation() FP_REQUIRES(mutex_);
+  int Drain() FP_REQUIRES(mutex_);
 
-  static AlsMonitor* instance_ GUARDED_BY(mutex_);
+  static AlsMonitor* instance_ FP_GUARDED_BY(mutex_);
   static std::mutex& mutex_;  // never destroyed: a thread may use it while the process exits
 
   // Guarded by mutex_. Not owned, but for the queue.
-  ASensorManager* sensor_manager_ GUARDED_BY(mutex_) = nullptr;
-  ALooper* looper_ GUARDED_BY(mutex_) = nullptr;
-  ASensorEventQueue* event_queue_ GUARDED_BY(mutex_) = nullptr;  // null: sampling has stopped
-  const ASensor* sensor_ GUARDED_BY(mutex_) = nullptr;
-  bool started_ GUARDED_BY(mutex_) = false;
-  bool has_sample_ GUARDED_BY(mutex_) = false;
-  float last_lux_ GUARDED_BY(mutex_) = 0;
+  ASensorManager* sensor_manager_ FP_GUARDED_BY(mutex_) = nullptr;
+  ALooper* looper_ FP_GUARDED_BY(mutex_) = nullptr;
+  ASensorEventQueue* event_queue_ FP_GUARDED_BY(mutex_) = nullptr;  // null: sampling has stopped
+  const ASensor* sensor_ FP_GUARDED_BY(mutex_) = nullptr;
+  bool started_ FP_GUARDED_BY(mutex_) = false;
+  bool has_sample_ FP_GUARDED_BY(mutex_) = false;
+  float last_lux_ FP_GUARDED_BY(mutex_) = 0;
 };
 
 }  // namespace android::fp_utils

@@ -80,7 +80,7 @@ class FP_UTILS_EXPORT AuthStats {
   float GetFrr() const;
 
  private:
-  void SaveIfDue(const AuthEvent& event) REQUIRES(mutex);
+  void SaveIfDue(const AuthEvent& event) FP_REQUIRES(mutex);
 
   // Constant after construction.
   const std::string name;

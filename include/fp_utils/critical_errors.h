@@ -50,7 +50,7 @@ class FP_UTILS_EXPORT CriticalErrors {
   void Dump(int fd, char const** args, unsigned int num_args);
 
  private:
-  std::deque<std::shared_ptr<ErrorEvent>> events GUARDED_BY(mutex);
+  std::deque<std::shared_ptr<ErrorEvent>> events FP_GUARDED_BY(mutex);
   std::mutex mutex;
 };
 

@@ -43,8 +43,9 @@ class FP_UTILS_EXPORT DisplayController {
   int SetLhbm(bool on, unsigned int* elapsed);
 
   // Connects unless connected. Returns 0 or -ENODEV; 0 also on a device without the display HAL,
-  // which is not this client's fault. Called with the lock held.
-  int ConnectDisplayHal() REQUIRES(mutex_);
+  // which is not this client's fault. SetLhbm() calls it with the lock held; call it otherwise only
+  // while no other thread uses the object.
+  int ConnectDisplayHal();
 
   // What the binder calls on the HAL's death; `cookie` is the controller. One that was destroyed
   // meanwhile is left alone.
@@ -55,15 +56,15 @@ class FP_UTILS_EXPORT DisplayController {
   void BinderDied();
 
  private:
-  bool Switch(bool on) REQUIRES(mutex_);
+  bool Switch(bool on) FP_REQUIRES(mutex_);
 
   std::mutex mutex_;
 
   // Guarded by mutex_.
   std::shared_ptr<aidl::com::norvan::hardware::kestra::display::IDisplay> display_
-      GUARDED_BY(mutex_);  // null: not connected
-  AIBinder_DeathRecipient* death_recipient_ GUARDED_BY(mutex_) = nullptr;
-  int32_t lhbm_state_ GUARDED_BY(mutex_) = 0;  // the last one set successfully
+      FP_GUARDED_BY(mutex_);  // null: not connected
+  AIBinder_DeathRecipient* death_recipient_ FP_GUARDED_BY(mutex_) = nullptr;
+  int32_t lhbm_state_ FP_GUARDED_BY(mutex_) = 0;  // the last one set successfully
 };
 
 }  // namespace android::fp_utils

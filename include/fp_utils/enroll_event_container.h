@@ -51,7 +51,7 @@ class FP_UTILS_EXPORT EnrollEventContainer {
   const std::string& GetBackupPath() const { return backup_path; }
   bool IsInitialized() const { return initialized; }
   // For the service's own use while no AddEvent() runs.
-  const std::deque<std::shared_ptr<EnrollEvent>>& GetEvents() const NO_THREAD_SAFETY_ANALYSIS {
+  const std::deque<std::shared_ptr<EnrollEvent>>& GetEvents() const FP_NO_THREAD_SAFETY_ANALYSIS {
     return events;
   }
 
@@ -60,7 +60,7 @@ class FP_UTILS_EXPORT EnrollEventContainer {
   std::string event_type;
   std::string backup_path;  // empty: no file yet
 
-  std::deque<std::shared_ptr<EnrollEvent>> events GUARDED_BY(mutex);
+  std::deque<std::shared_ptr<EnrollEvent>> events FP_GUARDED_BY(mutex);
   std::mutex mutex;
   bool initialized = false;
 };

@@ -42,18 +42,18 @@ class FP_UTILS_EXPORT FingerState {
   bool IsLptwEnabled() const;         // whether this object enabled LPTW and has yet to disable it
 
  private:
-  void RecordDown(int64_t time, bool lptw) REQUIRES(mutex_);
-  void RecordUp() REQUIRES(mutex_);
+  void RecordDown(int64_t time, bool lptw) FP_REQUIRES(mutex_);
+  void RecordUp() FP_REQUIRES(mutex_);
 
   mutable std::mutex mutex_;
-  bool is_down_ GUARDED_BY(mutex_) = false;
-  int64_t down_time_ GUARDED_BY(mutex_) = 0;
-  uint32_t down_latency_ms_ GUARDED_BY(mutex_) = 0;
-  int64_t down_uptime_ GUARDED_BY(mutex_) = 0;
-  int64_t up_uptime_ GUARDED_BY(mutex_) = 0;
-  Ellipse ellipse_ GUARDED_BY(mutex_);
-  bool lptw_requested_ GUARDED_BY(mutex_) = false;
-  bool lptw_enabled_ GUARDED_BY(mutex_) = false;
+  bool is_down_ FP_GUARDED_BY(mutex_) = false;
+  int64_t down_time_ FP_GUARDED_BY(mutex_) = 0;
+  uint32_t down_latency_ms_ FP_GUARDED_BY(mutex_) = 0;
+  int64_t down_uptime_ FP_GUARDED_BY(mutex_) = 0;
+  int64_t up_uptime_ FP_GUARDED_BY(mutex_) = 0;
+  Ellipse ellipse_ FP_GUARDED_BY(mutex_);
+  bool lptw_requested_ FP_GUARDED_BY(mutex_) = false;
+  bool lptw_enabled_ FP_GUARDED_BY(mutex_) = false;
 };
 
 }  // namespace android::fp_utils

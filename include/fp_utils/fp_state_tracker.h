@@ -63,7 +63,7 @@ class FP_UTILS_EXPORT FpStateTracker {
   };
 
   mutable std::mutex mutex_;
-  fp_state_t state_ GUARDED_BY(mutex_) = fp_state_t{0};
+  fp_state_t state_ FP_GUARDED_BY(mutex_) = fp_state_t{0};
   std::condition_variable state_changed_;
 
   // Not guarded, on purpose: waiters do not wait for the clocks to be read.

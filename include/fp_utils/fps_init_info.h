@@ -47,20 +47,20 @@ class FP_UTILS_EXPORT FpsInitInfo {
   using TimePoint = std::chrono::time_point<std::chrono::system_clock, std::chrono::microseconds>;
 
   static TimePoint Now();
-  void RecordState(State state) REQUIRES(mutex_);
-  std::string RecordError(int code, const std::string& message) REQUIRES(mutex_);
+  void RecordState(State state) FP_REQUIRES(mutex_);
+  std::string RecordError(int code, const std::string& message) FP_REQUIRES(mutex_);
 
   // Held for the whole of SetState() and SetError(), including the shell.
-  std::mutex mutex_ ACQUIRED_BEFORE(record_mutex_);
+  std::mutex mutex_ FP_ACQUIRED_BEFORE(record_mutex_);
 
   // Held only to read or write the record, so that a dump does not wait for the shell.
   mutable std::mutex record_mutex_;
-  State state_ GUARDED_BY(record_mutex_) = State::kNotStarted;
-  int32_t error_code_ GUARDED_BY(record_mutex_) = 0;
-  std::string error_str_ GUARDED_BY(record_mutex_);  // entries joined by ","
-  TimePoint start_time_ GUARDED_BY(record_mutex_);
-  TimePoint error_time_ GUARDED_BY(record_mutex_);
-  TimePoint end_time_ GUARDED_BY(record_mutex_);
+  State state_ FP_GUARDED_BY(record_mutex_) = State::kNotStarted;
+  int32_t error_code_ FP_GUARDED_BY(record_mutex_) = 0;
+  std::string error_str_ FP_GUARDED_BY(record_mutex_);  // entries joined by ","
+  TimePoint start_time_ FP_GUARDED_BY(record_mutex_);
+  TimePoint error_time_ FP_GUARDED_BY(record_mutex_);
+  TimePoint end_time_ FP_GUARDED_BY(record_mutex_);
 };
 
 }  // namespace android::fp_utils

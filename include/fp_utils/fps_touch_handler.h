@@ -99,20 +99,20 @@ class FP_UTILS_EXPORT FpsTouchHandler {
  private:
   friend class TouchPollingWorkerThread;
 
-  bool OpenTouchDevice() REQUIRES(mutex_);
-  bool CreateWorker() REQUIRES(mutex_);
-  void WaitForWorkerEndingItself() REQUIRES(mutex_);
+  bool OpenTouchDevice() FP_REQUIRES(mutex_);
+  bool CreateWorker() FP_REQUIRES(mutex_);
+  void WaitForWorkerEndingItself() FP_REQUIRES(mutex_);
   std::unique_lock<std::mutex> LockUnlessStopping();
   bool IsOnWorker() const;
   void Deliver(const TouchEvent& event);
 
-  android::sp<TouchPollingWorkerThread> touch_polling_worker_thread_ GUARDED_BY(mutex_);
+  android::sp<TouchPollingWorkerThread> touch_polling_worker_thread_ FP_GUARDED_BY(mutex_);
   mutable std::mutex mutex_;
   std::atomic<bool> configured_ = false;  // never false again; the worker reads it without the lock
-  bool started_ GUARDED_BY(mutex_) = false;
+  bool started_ FP_GUARDED_BY(mutex_) = false;
 
   // A callback has told its own worker to end, and nobody has waited for that yet.
-  bool ending_itself_ GUARDED_BY(mutex_) = false;
+  bool ending_itself_ FP_GUARDED_BY(mutex_) = false;
   std::atomic<bool> dropping_rest_ = false;  // ... so the reports behind this one are not delivered
 
   // Stop() holds the lock and waits for the worker: what the lock guards stands still meanwhile.

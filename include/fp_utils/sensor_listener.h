@@ -71,27 +71,27 @@ class FP_UTILS_EXPORT SensorListener {
   // The steps of the above. The first is for StartSampling(), which holds the lock; the second
   // waits for events and delivers them, 0 or UNKNOWN_ERROR after a poll error; the third delivers
   // one.
-  bool ConnectSensorManagerIfNeeded() REQUIRES(mutex_);
+  bool ConnectSensorManagerIfNeeded();
   int32_t PollSensorEvent();
   void ProcessSensorEvent(ASensorEvent event);
 
  private:
-  void FindSensors() REQUIRES(mutex_);
-  bool IsOnOwnWorker() const REQUIRES(mutex_);
-  void StopWorker() REQUIRES(mutex_);
-  bool LockUnlessEnding() TRY_ACQUIRE(true, mutex_);
+  void FindSensors() FP_REQUIRES(mutex_);
+  bool IsOnOwnWorker() const FP_REQUIRES(mutex_);
+  void StopWorker() FP_REQUIRES(mutex_);
+  bool LockUnlessEnding() FP_TRY_ACQUIRE(true, mutex_);
   ssize_t FetchEvents(ASensorEvent* events, size_t count);
   void Deliver(SensorType type, const SensorCallback& callback, const ASensorEvent& event);
 
-  sp<SensorPollingWorkerThread> sensor_polling_worker_thread_ GUARDED_BY(mutex_);
+  sp<SensorPollingWorkerThread> sensor_polling_worker_thread_ FP_GUARDED_BY(mutex_);
   std::mutex mutex_;
 
   // Guarded by mutex_. Not owned, but for the queue: the platform's, until the system server dies.
-  ASensorManager* sensor_manager_ GUARDED_BY(mutex_) = nullptr;  // set: connected
-  ASensorList sensor_list_ GUARDED_BY(mutex_) = nullptr;
-  int32_t sensor_count_ GUARDED_BY(mutex_) = 0;
+  ASensorManager* sensor_manager_ FP_GUARDED_BY(mutex_) = nullptr;  // set: connected
+  ASensorList sensor_list_ FP_GUARDED_BY(mutex_) = nullptr;
+  int32_t sensor_count_ FP_GUARDED_BY(mutex_) = 0;
   ALooper* looper_ = nullptr;  // set before the worker exists, then constant
-  ASensorEventQueue* event_queue_ GUARDED_BY(mutex_) = nullptr;
+  ASensorEventQueue* event_queue_ FP_GUARDED_BY(mutex_) = nullptr;
 
   // Written under mutex_, by type. The worker and IsAnySamplerStarted() read them without.
   std::array<std::atomic<const ASensor*>, kSensorTypes> sensors_ = {};

@@ -48,7 +48,7 @@ class FP_UTILS_EXPORT Thermal {
   std::mutex mutex_;
 
   // Guarded by mutex_.
-  sp<hardware::thermal::V2_0::IThermal> thermal_ GUARDED_BY(mutex_);
+  sp<hardware::thermal::V2_0::IThermal> thermal_ FP_GUARDED_BY(mutex_);
 
   // Constant after construction.
   sp<ConnectThermalHalThread> connect_thermal_hal_thread_;

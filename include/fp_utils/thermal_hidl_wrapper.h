@@ -69,7 +69,7 @@ class FP_UTILS_EXPORT ThermalHidlWrapper : public ::android::hardware::thermal::
 
   CallbackWrappers::iterator FindWrapper(
       const ::android::sp<::android::hardware::thermal::V2_0::IThermalChangedCallback>& callback)
-      REQUIRES(callback_wrappers_mutex_);
+      FP_REQUIRES(callback_wrappers_mutex_);
 
   // Constant after construction.
   const std::shared_ptr<::aidl::android::hardware::thermal::IThermal> thermal_service_;
@@ -78,7 +78,7 @@ class FP_UTILS_EXPORT ThermalHidlWrapper : public ::android::hardware::thermal::
 
   // Guarded by callback_wrappers_mutex_.
   CallbackWrappers callback_wrappers_
-      GUARDED_BY(callback_wrappers_mutex_);  // in order of registration
+      FP_GUARDED_BY(callback_wrappers_mutex_);  // in order of registration
 };
 
 }  // namespace aidl::android::hardware::thermal

@@ -1,12 +1,20 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-// Which mutex guards what, for clang's -Wthread-safety: GUARDED_BY, REQUIRES and their kin.
-#include <android-base/thread_annotations.h>
+// Which mutex guards what, for clang's -Wthread-safety. The analysis needs a std::mutex that is
+// annotated itself, which only libc++ has, and only where the program asks for it; everywhere else
+// these macros are empty.
+#include <mutex>
 
-// libbase writes the attributes for every compiler; one that does not know them would warn about
-// each use in the including program.
-#if !defined(__clang__)
-#undef THREAD_ANNOTATION_ATTRIBUTE__
-#define THREAD_ANNOTATION_ATTRIBUTE__(x)
+#if defined(__clang__) && defined(_LIBCPP_VERSION) && \
+    defined(_LIBCPP_ENABLE_THREAD_SAFETY_ANNOTATIONS)
+#define FP_THREAD_ANNOTATION(x) __attribute__((x))
+#else
+#define FP_THREAD_ANNOTATION(x)
 #endif
+
+#define FP_GUARDED_BY(x) FP_THREAD_ANNOTATION(guarded_by(x))
+#define FP_REQUIRES(...) FP_THREAD_ANNOTATION(requires_capability(__VA_ARGS__))
+#define FP_TRY_ACQUIRE(...) FP_THREAD_ANNOTATION(try_acquire_capability(__VA_ARGS__))
+#define FP_ACQUIRED_BEFORE(...) FP_THREAD_ANNOTATION(acquired_before(__VA_ARGS__))
+#define FP_NO_THREAD_SAFETY_ANALYSIS FP_THREAD_ANNOTATION(no_thread_safety_analysis)

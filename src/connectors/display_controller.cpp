@@ -38,7 +38,7 @@ long long MillisecondsSince(Clock::time_point start) {
 // cookie that may no longer be a controller. So it looks up here how to reach the controller.
 struct LiveControllers {
   std::mutex mutex;
-  std::map<const void*, std::shared_ptr<Lifeline>> lifelines GUARDED_BY(mutex);
+  std::map<const void*, std::shared_ptr<Lifeline>> lifelines FP_GUARDED_BY(mutex);
 };
 
 // Never destroyed: notifications may come until the process is gone.
@@ -113,7 +113,8 @@ bool DisplayController::Switch(bool on) {
   return false;
 }
 
-int DisplayController::ConnectDisplayHal() {
+int DisplayController::ConnectDisplayHal()
+    FP_NO_THREAD_SAFETY_ANALYSIS {  // the caller holds the lock
   if (display_ != nullptr) {
     return 0;
   }

@@ -54,7 +54,7 @@ FpsTouchHandler::FpsTouchHandler() : resolution_scaling_factor_(ScalingFactor())
 FpsTouchHandler::~FpsTouchHandler() = default;
 
 bool FpsTouchHandler::Configure(const TouchConfig& config)
-    NO_THREAD_SAFETY_ANALYSIS {  // as Start()
+    FP_NO_THREAD_SAFETY_ANALYSIS {  // as Start()
   if (!IsFpsTouchHandlerSupported()) {
     FP_LOG_ERROR(kTag, "%s: FpsTouchHandler is not supported on this device", "Configure");
     return false;
@@ -109,7 +109,7 @@ bool FpsTouchHandler::CreateWorker() {
   return true;
 }
 
-bool FpsTouchHandler::Start() NO_THREAD_SAFETY_ANALYSIS {  // of a lock that may not be taken
+bool FpsTouchHandler::Start() FP_NO_THREAD_SAFETY_ANALYSIS {  // of a lock that may not be taken
   const std::unique_lock lock = IsOnWorker() ? LockUnlessStopping() : std::unique_lock(mutex_);
   FP_LOG_DEBUG(kTag, "%s", "Start");
   if (!configured_) {
@@ -129,7 +129,7 @@ bool FpsTouchHandler::Start() NO_THREAD_SAFETY_ANALYSIS {  // of a lock that may
   return true;
 }
 
-bool FpsTouchHandler::Stop() NO_THREAD_SAFETY_ANALYSIS {  // of a lock that may not be taken
+bool FpsTouchHandler::Stop() FP_NO_THREAD_SAFETY_ANALYSIS {  // of a lock that may not be taken
   if (IsOnWorker()) {
     const std::unique_lock lock = LockUnlessStopping();
     FP_LOG_DEBUG(kTag, "%s", "Stop");

@@ -28,7 +28,7 @@ class Lifeline {
 
  private:
   std::mutex mutex_;
-  bool alive_ GUARDED_BY(mutex_) = true;
+  bool alive_ FP_GUARDED_BY(mutex_) = true;
 };
 
 }  // namespace android::fp_utils

@@ -141,7 +141,8 @@ bool SensorListener::LockUnlessEnding() {
   return true;
 }
 
-bool SensorListener::ConnectSensorManagerIfNeeded() {
+bool SensorListener::ConnectSensorManagerIfNeeded()
+    FP_NO_THREAD_SAFETY_ANALYSIS {  // the caller holds the lock
   if (sensor_manager_ != nullptr) {
     return true;
   }

@@ -68,7 +68,7 @@ void EnrollEventContainer::AddEvent(std::shared_ptr<EnrollEvent> event) {
 }
 
 // Called by AddEvent() with the lock held.
-void EnrollEventContainer::SaveEventsToBackupFile() const NO_THREAD_SAFETY_ANALYSIS {
+void EnrollEventContainer::SaveEventsToBackupFile() const FP_NO_THREAD_SAFETY_ANALYSIS {
   BackupFile(kWording, kNoInstance, backup_path).Save(events);
 }
 

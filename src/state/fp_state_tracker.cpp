@@ -59,7 +59,8 @@ void FpStateTracker::UpdateState(fp_state_t state) {
 }
 
 // The thread-safety analysis does not follow unique_lock, which the condition variable needs.
-int FpStateTracker::WaitForState(fp_state_t state, unsigned int timeout) NO_THREAD_SAFETY_ANALYSIS {
+int FpStateTracker::WaitForState(fp_state_t state,
+                                 unsigned int timeout) FP_NO_THREAD_SAFETY_ANALYSIS {
   const int64_t start = elapsedRealtime();
   std::unique_lock lock(mutex_);
   if (state_ == state) {

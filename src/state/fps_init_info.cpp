@@ -85,7 +85,7 @@ void FpsInitInfo::SetError(int code, std::string message) {
 }
 
 // The thread-safety analysis does not follow unique_lock.
-int FpsInitInfo::Dump(int fd) NO_THREAD_SAFETY_ANALYSIS {
+int FpsInitInfo::Dump(int fd) FP_NO_THREAD_SAFETY_ANALYSIS {
   // Copies the record, because a slow reader of `fd` must not delay the initialisation.
   std::unique_lock lock(record_mutex_);
   const std::string error_str = error_str_;
