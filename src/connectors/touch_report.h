@@ -2,7 +2,6 @@
 #pragma once
 
 #include <array>
-#include <bit>
 #include <cstddef>
 #include <cstdint>
 
@@ -12,7 +11,7 @@
 
 namespace android::fp_utils::touch_device {
 
-static_assert(std::endian::native == std::endian::little);
+static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__);
 
 // Requests are plain numbers, not encoded with direction and size.
 inline constexpr unsigned kEnableLptw = 102;
