@@ -231,7 +231,7 @@ TEST_F(SensorFaultsTest, ServiceGoesDuringACall) {
                   : fp_host::OnSensorCall(function, strike_once);
       const int answer = RunAndRecover(operation);
       const std::set<int> kDefined = {normal, -ENOMEM, UNEXPECTED_NULL, UNKNOWN_ERROR, -EINVAL};
-      EXPECT_TRUE(kDefined.contains(answer)) << answer;
+      EXPECT_TRUE(kDefined.count(answer) == 1) << answer;
     });
   }
 }

@@ -41,7 +41,7 @@ class RandomRun {
   int Pick(int count) { return static_cast<int>(random_() % static_cast<unsigned>(count)); }
 
   void ExpectOneOf(const std::set<int>& answers, int answer) {
-    EXPECT_TRUE(answers.contains(answer)) << answer;
+    EXPECT_TRUE(answers.count(answer) == 1) << answer;
   }
 
   void Step() {

@@ -4,7 +4,6 @@
 // and coverage counts of arbitrary values, or, given a file of coverage cases, that file with its
 // counts. Made of the library's sources that need nothing of the platform beyond the log and the
 // properties, so that it runs wherever a compiler reaches.
-#include <bit>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -124,7 +123,7 @@ void PrintReports(Numbers& numbers) {
     for (uint32_t& word : bits) {
       word = numbers.Bits();
     }
-    const auto record = std::bit_cast<touch_device::Record>(bits);
+    const auto record = __builtin_bit_cast(touch_device::Record, bits);
     const TouchEvent event = touch_device::Decode(record, 1 + numbers.Bits() % 20);
     printf("valid %d type %d info %u id %d stamp %llu angle %a", touch_device::IsValid(record),
            event.type, event.info, event.id, static_cast<unsigned long long>(event.stamp),

@@ -2,7 +2,6 @@
 #include "fp_utils/finger_sizes.h"
 
 #include <algorithm>
-#include <bit>
 #include <cmath>
 #include <limits>
 #include <random>
@@ -155,8 +154,9 @@ TEST_F(FingerSizesTest, PercentilesAreThoseOfTheSortedSizesToTheBit) {
       const float high = sorted[std::min(static_cast<size_t>(index) + 1, count - 1)];
       volatile float expected = rest * (high - low);
       expected = low + expected;
-      ASSERT_EQ(std::bit_cast<uint32_t>(static_cast<float>(expected)),
-                std::bit_cast<uint32_t>(sizes.GetPercentileValue(FingerSize::kMajor, percentile)))
+      ASSERT_EQ(
+          __builtin_bit_cast(uint32_t, static_cast<float>(expected)),
+          __builtin_bit_cast(uint32_t, sizes.GetPercentileValue(FingerSize::kMajor, percentile)))
           << count << " sizes, percentile " << percentile;
     }
   }

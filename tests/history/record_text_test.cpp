@@ -4,7 +4,6 @@
 // expressions.
 #include <gtest/gtest.h>
 
-#include <bit>
 #include <string>
 
 #include "fp_utils/auth_event.h"
@@ -20,7 +19,7 @@ namespace {
 
 using fp_test::RecordMutator;
 
-uint32_t Bits(float value) { return std::bit_cast<uint32_t>(value); }
+uint32_t Bits(float value) { return __builtin_bit_cast(uint32_t, value); }
 
 auto Fields(const AuthEventG7& e) {
   return std::tuple(e.timestamp, e.acquired_info, e.auth_successful, e.fid, e.latency, e.iq,

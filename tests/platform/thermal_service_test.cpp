@@ -38,7 +38,7 @@ TEST(ThermalRecords, DefaultsAndComparison) {
     types.insert(static_cast<int32_t>(type));
   }
   EXPECT_EQ(-1, *types.begin());
-  EXPECT_TRUE(types.contains(static_cast<int32_t>(TemperatureType::SKIN)));
+  EXPECT_EQ(1u, types.count(static_cast<int32_t>(TemperatureType::SKIN)));
 }
 
 TEST(ThermalService, AnswersQueries) {

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "support/coverage_case_generator.h"
 
-#include <bit>
 #include <cmath>
 #include <limits>
 
@@ -35,7 +34,7 @@ float CoverageCaseGenerator::Between(float low, float high) {
 }
 
 float CoverageCaseGenerator::Noise() {
-  return std::bit_cast<float>(static_cast<uint32_t>(random_()));
+  return __builtin_bit_cast(float, static_cast<uint32_t>(random_()));
 }
 
 float CoverageCaseGenerator::Special() {

@@ -2,7 +2,6 @@
 #include "support/record_mutator.h"
 
 #include <algorithm>
-#include <bit>
 #include <iterator>
 #include <limits>
 #include <string_view>
@@ -42,7 +41,7 @@ float RecordMutator::Float() {
     case 0:
       return kExtremes[Below(std::size(kExtremes))];
     case 1:
-      return std::bit_cast<float>(static_cast<uint32_t>(random_()));
+      return __builtin_bit_cast(float, static_cast<uint32_t>(random_()));
     default:
       return static_cast<float>(Integer() % 100000) / 1000;
   }

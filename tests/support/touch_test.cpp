@@ -2,7 +2,6 @@
 #include "support/touch_test.h"
 
 #include <algorithm>
-#include <bit>
 #include <cmath>
 #include <iterator>
 #include <utility>
@@ -18,13 +17,13 @@ bool Same(const TouchEvent& a, const TouchEvent& b) {
   const auto bits = [](const auto& floats) {
     std::vector<uint32_t> result;
     std::transform(floats.begin(), floats.end(), std::back_inserter(result),
-                   [](float f) { return std::bit_cast<uint32_t>(f); });
+                   [](float f) { return __builtin_bit_cast(uint32_t, f); });
     return result;
   };
   return a.type == b.type && a.info == b.info && a.id == b.id && a.flags == b.flags &&
          a.stamp == b.stamp && bits(a.coords) == bits(b.coords) &&
          bits(a.signed_coords) == bits(b.signed_coords) &&
-         std::bit_cast<uint32_t>(a.angle) == std::bit_cast<uint32_t>(b.angle);
+         __builtin_bit_cast(uint32_t, a.angle) == __builtin_bit_cast(uint32_t, b.angle);
 }
 
 TouchEvent Decoded(const TouchRecord& record, uint32_t factor) {

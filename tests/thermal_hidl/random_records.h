@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <bit>
 #include <cstdint>
 #include <random>
 #include <string>
@@ -62,7 +61,7 @@ class RandomRecords {
         return known.begin()[random_() % count];
     }
   }
-  float Float() { return std::bit_cast<float>(static_cast<uint32_t>(random_())); }
+  float Float() { return __builtin_bit_cast(float, static_cast<uint32_t>(random_())); }
   std::vector<float> Floats() {
     std::vector<float> floats(random_() % 10);
     for (float& value : floats) {

@@ -5,7 +5,6 @@
 
 #include <unistd.h>
 
-#include <bit>
 #include <string>
 #include <vector>
 
@@ -76,7 +75,7 @@ HidlType ExpectedType(int32_t aidl_type, int32_t last, HidlType other) {
 }
 
 void ExpectSameBits(float expected, float actual) {
-  EXPECT_EQ(std::bit_cast<uint32_t>(expected), std::bit_cast<uint32_t>(actual));
+  EXPECT_EQ(__builtin_bit_cast(uint32_t, expected), __builtin_bit_cast(uint32_t, actual));
 }
 
 void ExpectMatch(const aidl_thermal::Temperature& from, const V2_0::Temperature& to) {
@@ -90,7 +89,7 @@ void ExpectMatch(const aidl_thermal::Temperature& from, const V2_0::Temperature&
 void ExpectMatch(const std::vector<float>& from,
                  const android::hardware::hidl_array<float, 7>& to) {
   for (size_t i = 0; i < 7; ++i) {
-    ExpectSameBits(i < from.size() ? from[i] : std::bit_cast<float>(0x7FC00000u), to[i]);
+    ExpectSameBits(i < from.size() ? from[i] : __builtin_bit_cast(float, 0x7FC00000u), to[i]);
   }
 }
 
@@ -101,7 +100,7 @@ void ExpectMatch(const aidl_thermal::TemperatureThreshold& from,
   EXPECT_STREQ(from.name.c_str(), to.name.c_str());
   ExpectMatch(from.hotThrottlingThresholds, to.hotThrottlingThresholds);
   ExpectMatch(from.coldThrottlingThresholds, to.coldThrottlingThresholds);
-  ExpectSameBits(std::bit_cast<float>(0x7FC00000u), to.vrThrottlingThreshold);
+  ExpectSameBits(__builtin_bit_cast(float, 0x7FC00000u), to.vrThrottlingThreshold);
 }
 
 void ExpectMatch(const aidl_thermal::CoolingDevice& from, const V2_0::CoolingDevice& to) {
