@@ -80,7 +80,8 @@ coverage:  ## lines and branches of include/ and src/ that the tests reach
 lint: build  ## format, headers, includes, source lists, exported symbols, clang-tidy
 	@scripts/setup lint clang
 	scripts/check_format
-	scripts/check_imports
+	scripts/check_includes
+	scripts/check_language
 	scripts/check_sources
 	scripts/check_headers
 	scripts/check_symbols build/release/src/libfp_utils.so
