@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// A program with a class derived from the thermal wrapper. Compiled without RTTI, like the interface
-// that the wrapper implements.
+// A program with a class derived from the thermal wrapper. Compiled without RTTI, like the
+// interface that the wrapper implements.
 #include "fp_utils/thermal_hidl_wrapper.h"
 
 namespace {
