@@ -2,10 +2,11 @@
 # The project's commands. Each installs what it lacks, configures its CMake preset and builds.
 
 .DEFAULT_GOAL := help
-.PHONY: help build demo test check bench fuzz coverage lint docs package abi format stats clean \
+.PHONY: help build demo test check bench fuzz coverage mutate lint docs package abi format stats clean \
   test-clang test-asan test-tsan device-like aarch64 bench-build abi-library abi-check package-check
 
 FUZZ_SECONDS ?= 60
+MUTANTS ?= 300
 JOBS ?= $(shell nproc)
 CTEST = ctest --output-on-failure --no-tests=error -j$(JOBS)
 DEMO = build/release/examples/fp_service/fp_service --device-root build/demo/device
@@ -32,8 +33,9 @@ demo: build  ## run a fingerprint service through a day on a simulated device
 test: build  ## build and run all tests
 	$(CTEST) --test-dir build/release -LE long
 
-check: build  ## run the long checks too: kills during saves, long random runs
+check: build  ## run the long checks too: kills during saves, long random runs, some mutants
 	$(CTEST) --test-dir build/release -L long -V
+	@$(MAKE) --no-print-directory mutate MUTANTS=30
 
 # The lanes of .ci/run. Sanitizers take a share of the long random runs.
 test-clang:
@@ -76,6 +78,10 @@ coverage:  ## lines and branches of include/ and src/ that the tests reach
 	$(call build,coverage)
 	FP_TEST_SHARE=0.1 $(CTEST) --test-dir build/coverage -LE long | tail -n 3
 	scripts/coverage build/coverage
+
+mutate:  ## run the tests on MUTANTS (300) small changes of the library; SEED picks which
+	@scripts/setup build test clang mutate
+	scripts/mutate/mutate --count $(MUTANTS) $(addprefix --seed ,$(SEED)) --jobs $(JOBS)
 
 lint: build  ## format, headers, includes, source lists, exported symbols, clang-tidy
 	@scripts/setup lint clang
