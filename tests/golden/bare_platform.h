@@ -5,14 +5,15 @@
 #include <map>
 #include <string>
 
-// All of the platform that the golden programs' sources call: a log that prints the formats of its
-// lines, and unsigned properties in memory. Other processors need no platform library for it.
+// The part of the platform that the sources of print_golden call: a log that prints the format of
+// each line, and unsigned properties in memory. It replaces the platform libraries, which are
+// missing on other processors.
 
 namespace fp_golden {
 
 void MuteLog();
 
-// Empty: every property has its default.
+// A property that is not in here has its default.
 inline std::map<std::string, uint32_t> properties;
 
 }  // namespace fp_golden

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Prints what must be the same on every compiler and processor: record texts, decoded touch reports
-// and coverage counts of arbitrary values, or, given a file of coverage cases, that file with its
-// counts. Made of the library's sources that need nothing of the platform beyond the log and the
-// properties, so that it runs wherever a compiler reaches.
+// Prints what must be the same with every compiler and on every processor: record texts, decoded
+// touch reports and coverage counts of arbitrary values. Given a file of coverage cases, it prints
+// that file with its counts instead. It compiles the library's sources that need no more of the
+// platform than the log and the properties, so that it can be built for any processor.
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -23,8 +23,8 @@ using namespace android::fp_utils;
 
 namespace {
 
-// Knuth's MMIX generator: the same numbers everywhere. Several in one list of arguments stand in
-// braces, which fix their order.
+// Knuth's MMIX generator, which gives the same numbers everywhere. Calls that take several numbers
+// use braces, which fix the order of evaluation.
 class Numbers {
  public:
   uint32_t Bits() {
@@ -35,7 +35,7 @@ class Numbers {
     const uint32_t bits = Bits();
     return static_cast<int32_t>(bits >> (Bits() % 32));
   }
-  // From low up to high, in steps of 1 / 64 of the range's 65536th.
+  // At least low and below high, in steps of 2^-22 of the range.
   float Between(float low, float high) {
     return low + (high - low) * (static_cast<float>(Bits() >> 10) / 4194304.0F);
   }

@@ -5,9 +5,8 @@
 
 namespace fp_golden {
 
-// Prints the cases of a file like coverage.txt with the counts that this program comes to, and the
-// rest of the file as it is. False where two ways to count differ, with the case on stderr, and
-// where there is no case.
+// Prints a file in the form of coverage.txt, each case with the counts that this program computes.
+// Returns false if two ways of counting differ, which it reports on stderr, or if there is no case.
 bool Recount(std::istream& file);
 
 }  // namespace fp_golden
