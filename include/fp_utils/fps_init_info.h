@@ -48,7 +48,7 @@ class FP_UTILS_EXPORT FpsInitInfo {
 
   static TimePoint Now();
   void RecordState(State state) FP_REQUIRES(mutex_);
-  std::string RecordError(int code, const std::string& message) FP_REQUIRES(mutex_);
+  std::string Append(int code, const std::string& message) FP_REQUIRES(mutex_);
 
   // Held for the whole of SetState() and SetError(), including the shell.
   std::mutex mutex_ FP_ACQUIRED_BEFORE(record_mutex_);

@@ -60,8 +60,8 @@ void FpsInitInfo::RecordState(State state) {
   }
 }
 
-// Returns the whole text.
-std::string FpsInitInfo::RecordError(int code, const std::string& message) {
+// Records the error and returns the whole text.
+std::string FpsInitInfo::Append(int code, const std::string& message) {
   const std::lock_guard lock(record_mutex_);
   error_code_ = code;
   error_time_ = Now();
@@ -75,7 +75,7 @@ std::string FpsInitInfo::RecordError(int code, const std::string& message) {
 // NOLINTNEXTLINE(performance-unnecessary-value-param): existing callers pass it by value
 void FpsInitInfo::SetError(int code, std::string message) {
   const std::lock_guard lock(mutex_);
-  const std::string error_str = RecordError(code, message);
+  const std::string error_str = Append(code, message);
   FP_LOG_ERROR(kTag, "%s: error_str_:%s", "SetError", error_str.c_str());
   base::SetProperty(kErrorProperty, error_str);  // fails if it is too long
   if (!base::WriteStringToFile(error_str, kErrorFile)) {
