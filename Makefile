@@ -11,11 +11,16 @@ JOBS ?= $(shell nproc)
 CTEST = ctest --output-on-failure --no-tests=error -j$(JOBS)
 DEMO = build/release/examples/fp_service/fp_service --device-root build/demo/device
 
+# Configures preset $(1) and builds $(2), or everything. $(3) goes to cmake. A terminal sees ninja's
+# progress, a log the number of steps.
 define build
 	@mkdir -p build
-	@cmake --preset $(1) $(2) >build/$(1).configure.log 2>&1 || { cat build/$(1).configure.log; exit 1; }
-	@cmake --build --preset $(1) -j$(JOBS) | grep -vE '^\[|ninja: (no work|Entering)' || [ $${PIPESTATUS[0]} -eq 0 ]
+	@cmake --preset $(1) $(3) >build/$(1).configure.log 2>&1 || { cat build/$(1).configure.log; exit 1; }
+	@build="cmake --build --preset $(1) -j$(JOBS) $(addprefix --target ,$(2))"; \
+	if [ -t 1 ]; then $$build; else $$build | awk '$(count_steps)'; fi
 endef
+count_steps = /^\[[0-9]+\/[0-9]+\]/ {split($$1, step, /[\/\]]/); if (!steps++) {print "building, " step[2] " steps"; fflush()} next} \
+  !/^ninja: (no work|Entering)/
 
 SHELL := /bin/bash
 .SHELLFLAGS := -o pipefail -c
@@ -27,7 +32,9 @@ build:  ## build library, demo and tests
 	@scripts/setup build test
 	$(call build,release)
 
-demo: build  ## run a fingerprint service through a day on a simulated device
+demo:  ## run a fingerprint service through a day on a simulated device
+	@scripts/setup build test
+	$(call build,release,fp_service)
 	$(DEMO) --scenario examples/fp_service/scenarios/day.jsonl
 
 test: build  ## build and run all tests
@@ -61,16 +68,16 @@ aarch64:
 # Beside the tests, whose objects are there already.
 bench-build:
 	@scripts/setup build test bench
-	$(call build,release,-DFP_UTILS_BUILD_BENCH=ON)
+	$(call build,release,,-DFP_UTILS_BUILD_BENCH=ON)
 
 bench:  ## measure against the plain alternatives and print the ratios
 	@scripts/setup build bench
-	$(call build,bench)
+	$(call build,bench,fp_bench)
 	build/bench/bench/fp_bench --benchmark_color=false
 
 fuzz:  ## run every fuzz target for FUZZ_SECONDS (60)
 	@scripts/setup build test clang
-	$(call build,fuzz)
+	$(call build,fuzz,fuzzers)
 	scripts/fuzz build/fuzz $(FUZZ_SECONDS)
 
 coverage:  ## lines and branches of include/ and src/ that the tests reach
@@ -107,7 +114,7 @@ package-check: package
 # Of the interface the library's own build tells all; its tests are not needed.
 abi-library:
 	@scripts/setup build test abi
-	$(call build,debug,-DFP_UTILS_BUILD_TESTS=OFF)
+	$(call build,debug,,-DFP_UTILS_BUILD_TESTS=OFF)
 
 abi: abi-library  ## make the present exported interface the baseline
 	scripts/check_abi build/debug/src/libfp_utils.so --update
