@@ -1,0 +1,263 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "reading/backup_reader.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cctype>
+#include <cstdio>
+#include <cstring>
+#include <optional>
+#include <utility>
+
+#include "fp_utils/crc32.h"
+
+namespace fp_inspect {
+namespace {
+
+using android::fp_utils::AuthEvent;
+using android::fp_utils::EnrollEvent;
+
+// The library reads a record text into a buffer of this size and ends it with a zero byte.
+constexpr size_t kBuffer = 1024;
+constexpr size_t kMaxHeader = 64;
+constexpr size_t kReach = kBuffer + kMaxHeader;  // a frame and its header fit
+
+struct Header {
+  uint32_t crc = 0;
+  uint64_t length = 0;
+  size_t size = 0;  // of the header itself
+};
+
+// As the library scans it: signs, blanks and leading zeros pass, and the last comma may be missing.
+std::optional<Header> ScanHeader(std::string_view at) {
+  char text[kMaxHeader + 1] = {};
+  memcpy(text, at.data(), std::min(at.size(), kMaxHeader));
+  Header header;
+  unsigned long length = 0;
+  int size = 0;
+  if (sscanf(text, "0x%x,0x%lx%n", &header.crc, &length, &size) != 2) {
+    return std::nullopt;
+  }
+  header.length = length;
+  header.size = static_cast<size_t>(size) + (text[size] == ',' ? 1 : 0);
+  return header;
+}
+
+bool TakeHex(std::string_view* at, size_t max_digits, uint64_t* value) {
+  if (!at->starts_with("0x")) {
+    return false;
+  }
+  size_t digits = 0;
+  for (*value = 0; digits < max_digits && at->size() > 2 + digits; ++digits) {
+    const char c = (*at)[2 + digits];
+    if (isxdigit(static_cast<unsigned char>(c)) == 0) {
+      break;
+    }
+    *value = *value << 4 | static_cast<uint64_t>(c <= '9' ? c - '0' : (c | 0x20) - 'a' + 10);
+  }
+  const bool taken = digits > 0 && at->size() > 2 + digits && (*at)[2 + digits] == ',';
+  at->remove_prefix(taken ? 3 + digits : 0);
+  return taken;
+}
+
+// As the library writes it, with a length that a record has.
+std::optional<Header> StrictHeader(std::string_view at) {
+  const size_t before = at.size();
+  uint64_t crc = 0;
+  Header header;
+  if (!TakeHex(&at, 8, &crc) || !TakeHex(&at, 3, &header.length) || header.length == 0 ||
+      header.length > kBuffer) {
+    return std::nullopt;
+  }
+  header.crc = static_cast<uint32_t>(crc);
+  header.size = before - at.size();
+  return header;
+}
+
+template <typename Base, typename Event>
+bool Load(Record* record, std::string text, bool g7) {
+  Event event;
+  const bool loaded =
+      g7 ? event.LoadFromBackupString(text) : event.Base::LoadFromBackupString(text);
+  record->g7 = g7;
+  if constexpr (!std::is_same_v<Event, FingerSize>) {
+    record->time = event.timestamp;
+  }
+  record->value = event;
+  return loaded;
+}
+
+// The record of a text; its number of fields tells its class.
+std::optional<Record> ReadRecord(std::string_view view) {
+  const std::string text(view);
+  Record record;
+  record.whole = true;
+  bool loaded = false;
+  const auto fields = 1 + std::count(text.begin(), text.end(), ',');
+  switch (fields) {
+    case 3:
+      loaded = Load<FingerSize, FingerSize>(&record, text, true);
+      break;
+    case 6:
+    case 27:
+      loaded = Load<AuthEvent, AuthEventG7>(&record, text, fields > 6);
+      break;
+    case 8:
+    case 20:
+      loaded = Load<EnrollEvent, EnrollEventG7>(&record, text, fields > 8);
+      break;
+    default:
+      break;
+  }
+  return loaded ? std::optional(std::move(record)) : std::nullopt;
+}
+
+// The intact frame at the front, strictly as written, with the record that it holds.
+std::optional<Record> IntactFrame(std::string_view at, size_t* frame_size) {
+  const auto header = StrictHeader(at);
+  if (!header || header->size + header->length > at.size()) {
+    return std::nullopt;
+  }
+  const std::string_view text = at.substr(header->size, header->length);
+  *frame_size = header->size + header->length;
+  if (android::fp_utils::crc32(text.data(), text.size()) != header->crc) {
+    return std::nullopt;
+  }
+  return ReadRecord(text);
+}
+
+// The history that a file is named after; under another name its first record tells.
+std::optional<RecordKind> HistoryOf(const std::string& path) {
+  const std::string name = path.substr(path.rfind('/') + 1);
+  return name.starts_with("AuthStats.")             ? std::optional(RecordKind::kAttempt)
+         : name.starts_with("EnrollEventContainer") ? std::optional(RecordKind::kEnrollment)
+         : name.starts_with("FingerSizes.")         ? std::optional(RecordKind::kFingerSize)
+                                                    : std::nullopt;
+}
+
+class BackupReader {
+ public:
+  BackupReader(ByteWindow& input, Contents* contents)
+      : input_(input), contents_(*contents), kind_(HistoryOf(contents->name)) {}
+
+  void Run() {
+    contents_.kind = InputKind::kBackup;
+    while (ReadFrame()) {
+    }
+    if (!input_.Fill(1).empty()) {
+      Salvage();
+    }
+    contents_.bytes = input_.GetOffset();
+    for (Snapshot& snapshot : snapshots_) {
+      if (!snapshot.records.empty()) {
+        contents_.snapshots.push_back(std::move(snapshot));
+      }
+    }
+  }
+
+ private:
+  // One turn of the library's own loop; false where it stops.
+  bool ReadFrame() {
+    const std::string_view at = input_.Fill(kReach);
+    if (at.empty()) {
+      return false;
+    }
+    const auto header = ScanHeader(at);
+    if (!header) {
+      return Stop("header", "no frame begins here");
+    }
+    if (header->length > kBuffer) {
+      return Stop("length", fmt::format("a frame of {} bytes is too long", header->length));
+    }
+    const size_t there = std::min<size_t>(header->length, at.size() - header->size);
+    memcpy(buffer_, at.data() + header->size, there);
+    // Bytes that the file no longer has are those of the record before, as in the library.
+    buffer_[std::min<size_t>(header->length, kBuffer - 1)] = '\0';
+    const bool cut = there < header->length;
+    if (android::fp_utils::crc32(buffer_, header->length) != header->crc) {
+      return cut ? Stop("cut", "the file ends inside this frame")
+                 : Stop("crc", "the checksum of this frame differs");
+    }
+    TakeFrame({buffer_, header->length});
+    input_.Drop(header->size + there);
+    return true;
+  }
+
+  bool Stop(const char* check, std::string text) {
+    contents_.Note(input_.GetOffset(), check, std::move(text));
+    return false;
+  }
+
+  // The history's class reads records of its own kind only.
+  void TakeFrame(std::string_view text) {
+    auto record = ReadRecord(text);
+    if (record && !kind_) {
+      kind_ = record->GetKind();
+    }
+    const bool own =
+        record && record->GetKind() == kind_ && (kind_ != RecordKind::kEnrollment || record->g7);
+    if (!own) {
+      contents_.Note(input_.GetOffset(), "record", "the record of this frame does not read");
+    }
+    contents_.loaded += own ? 1 : 0;
+    if (record) {
+      Keep(std::move(*record), !own);
+    }
+  }
+
+  void Keep(Record record, bool salvaged) {
+    record.offset = input_.GetOffset();
+    record.salvaged = salvaged;
+    Snapshot& snapshot = snapshots_[static_cast<size_t>(record.GetKind())];
+    snapshot.kind = record.GetKind();
+    snapshot.records.push_back(std::move(record));
+  }
+
+  // Looks for intact frames behind the damage. Only what is written strictly counts, so that
+  // nothing is taken for a record that never was one.
+  void Salvage() {
+    bool intact = false;
+    for (std::string_view at; !(at = input_.Fill(kReach)).empty();) {
+      size_t size = 0;
+      if (auto record = IntactFrame(at, &size)) {
+        Keep(std::move(*record), true);
+        input_.Drop(size);
+        intact = true;
+        continue;
+      }
+      if (intact) {
+        Stop("frame", "another damage");
+      }
+      intact = false;
+      const size_t next = at.find("0x", 1);
+      // A frame's first character may be the last one at hand.
+      input_.Drop(next != at.npos ? next : std::max<size_t>(1, at.size() - 1));
+    }
+  }
+
+  ByteWindow& input_;
+  Contents& contents_;
+  std::optional<RecordKind> kind_;  // of the history's own records
+  Snapshot snapshots_[kRecordKinds];
+  char buffer_[kBuffer] = {};
+};
+
+}  // namespace
+
+bool LooksLikeBackup(std::string_view beginning) {
+  if (ScanHeader(beginning)) {
+    return true;
+  }
+  for (size_t at = 0; (at = beginning.find("0x", at)) != beginning.npos; ++at) {
+    size_t size = 0;
+    if (IntactFrame(beginning.substr(at), &size)) {
+      return true;
+    }
+  }
+  return false;
+}
+
+void ReadBackup(ByteWindow& input, Contents* contents) { BackupReader(input, contents).Run(); }
+
+}  // namespace fp_inspect

@@ -1,0 +1,203 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "reading/dump_line.h"
+
+#include <algorithm>
+#include <charconv>
+#include <ctime>
+#include <map>
+#include <string>
+#include <utility>
+
+namespace fp_inspect {
+namespace {
+
+constexpr size_t kTimeSize = sizeof("2026-03-04 05:06:07") - 1;
+constexpr size_t kIndexDigits = 3;  // at least
+
+bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+
+bool TakeNumber(std::string_view* text, auto* value) {
+  const auto [end, error] = std::from_chars(text->data(), text->data() + text->size(), *value);
+  text->remove_prefix(static_cast<size_t>(end - text->data()));
+  return error == std::errc();
+}
+
+bool Take(std::string_view* text, std::string_view literal) {
+  const bool there = text->starts_with(literal);
+  text->remove_prefix(there ? literal.size() : 0);
+  return there;
+}
+
+bool Take(std::string_view* text, std::string_view name, auto* value) {
+  return Take(text, name) && TakeNumber(text, value);
+}
+
+bool TakeFlag(std::string_view* text, std::string_view name, bool* value) {
+  int number = 0;
+  const bool taken = Take(text, name, &number);
+  *value = number == 1;
+  return taken;
+}
+
+bool TakeSlots(std::string_view* text, std::string_view name, auto* slots) {
+  bool taken = Take(text, name);
+  for (size_t i = 0; taken && i < slots->size(); ++i) {
+    taken = (i == 0 || Take(text, "_")) && TakeNumber(text, &(*slots)[i]);
+  }
+  return taken;
+}
+
+// An enrollment's operation that is neither addition nor deletion; dumps do not print its number.
+constexpr uint32_t kOpUnprinted = UINT32_MAX;
+
+// The codes by the names that the library gives them.
+const std::map<std::string, int8_t, std::less<>>& AcquiredCodes() {
+  static const auto codes = [] {
+    std::map<std::string, int8_t, std::less<>> codes;
+    for (int code = INT8_MIN; code <= INT8_MAX; ++code) {
+      Record record;
+      AuthEventG7 event;
+      event.acquired_info = static_cast<int8_t>(code);
+      record.value = event;
+      codes[Words(record)] = event.acquired_info;
+    }
+    return codes;
+  }();
+  return codes;
+}
+
+bool TakeOutcome(std::string_view* text, AuthEventG7* event) {
+  if (!text->starts_with("acquisition_error:")) {
+    event->acquired_info = AuthEventG7::kAcquiredGood;
+    return TakeFlag(text, "auth_successful:", &event->auth_successful) &&
+           Take(text, ", fid:", &event->fid) && Take(text, ", latency:", &event->latency) &&
+           Take(text, ", iq:", &event->iq);
+  }
+  const std::string_view words = text->substr(0, text->find(','));
+  const auto code = AcquiredCodes().find(words);
+  text->remove_prefix(words.size());
+  event->acquired_info = code != AcquiredCodes().end() ? code->second : int8_t{0};
+  return code != AcquiredCodes().end();
+}
+
+// What there is of it: the comparison with the library's own text finds what is missing.
+void TakeMatcherFields(std::string_view text, AuthEventG7* event) {
+  (void)(Take(&text, ", rc:", &event->rc) && Take(&text, ", lptw:", &event->lptw) &&
+         Take(&text, ", t_cov:", &event->t_cov) && Take(&text, "%, t_dist:", &event->t_dist) &&
+         Take(&text, "mm, rawmean_delta:", &event->rawmean_delta) &&
+         Take(&text, ", match_score:", &event->match_score) &&
+         TakeSlots(&text, ", stitch_img_num_:", &event->stitch_img_num_) &&
+         TakeSlots(&text, ", stitch_img_area_:", &event->stitch_img_area_));
+}
+
+// A dump has the reason that the library derived from the packed metrics and not the metrics. One
+// set for each reason that they can give brings back a record of the same reason.
+void SetMetrics(AuthEventG7* event, int which) {
+  const bool on_target = which > 0;
+  event->packed_metric_1 = on_target ? 225220215 : 0;
+  event->packed_metric_2 = on_target ? 83205205 : 0;
+  event->foreign_matter_count = which == 1 ? 1 : 0;
+  event->packed_metric_3 = which == 2 ? 120000000 : 0;
+}
+constexpr int kMetricSets = 4;
+
+std::optional<Record> IfPrintedAs(Record record, std::string_view words) {
+  return Words(record) == words ? std::optional(std::move(record)) : std::nullopt;
+}
+
+}  // namespace
+
+std::optional<int64_t> ReadWallTime(std::string_view text) {
+  constexpr std::string_view kForm = "dddd-dd-dd dd:dd:dd";
+  static_assert(kForm.size() == kTimeSize);
+  if (text.size() < kTimeSize) {
+    return std::nullopt;
+  }
+  for (size_t i = 0; i < kTimeSize; ++i) {
+    if (kForm[i] == 'd' ? !IsDigit(text[i]) : kForm[i] != text[i]) {
+      return std::nullopt;
+    }
+  }
+  const auto number = [&](size_t at, size_t digits) {
+    int value = 0;
+    std::from_chars(text.data() + at, text.data() + at + digits, value);
+    return value;
+  };
+  tm parts = {};
+  parts.tm_year = number(0, 4) - 1900;
+  parts.tm_mon = number(5, 2) - 1;
+  parts.tm_mday = number(8, 2);
+  parts.tm_hour = number(11, 2);
+  parts.tm_min = number(14, 2);
+  parts.tm_sec = number(17, 2);
+  const tm wanted = parts;
+  const time_t time = timegm(&parts);
+  // timegm() takes a 30th of February for a day in March.
+  const bool exists = parts.tm_mon == wanted.tm_mon && parts.tm_mday == wanted.tm_mday &&
+                      parts.tm_hour == wanted.tm_hour && parts.tm_sec == wanted.tm_sec;
+  return exists ? std::optional(int64_t{time}) : std::nullopt;
+}
+
+std::optional<DumpLine> FindDumpLine(std::string_view line) {
+  for (size_t at = line.find('#'); at != line.npos; at = line.find('#', at + 1)) {
+    std::string_view rest = line.substr(at + 1);
+    DumpLine found;
+    const size_t digits = std::min(rest.find_first_not_of("0123456789"), rest.size());
+    if (digits < kIndexDigits || !TakeNumber(&rest, &found.index) || !Take(&rest, " ")) {
+      continue;
+    }
+    const auto time = ReadWallTime(rest);
+    if (time && rest.size() > kTimeSize && rest[kTimeSize] == ' ') {
+      found.time = *time;
+      found.words = rest.substr(kTimeSize + 1);
+      return found;
+    }
+  }
+  return std::nullopt;
+}
+
+std::optional<Record> ReadAttempt(std::string_view words) {
+  AuthEventG7 event;
+  std::string_view rest = words;
+  if (!TakeOutcome(&rest, &event)) {
+    return std::nullopt;
+  }
+  Record record;
+  record.g7 = !rest.empty();
+  TakeMatcherFields(rest, &event);
+  for (int which = 0; which < kMetricSets; ++which) {
+    SetMetrics(&event, which);
+    record.value = event;
+    if (auto read = IfPrintedAs(record, words)) {
+      return read;
+    }
+  }
+  return std::nullopt;
+}
+
+std::optional<Record> ReadEnrollment(std::string_view words) {
+  EnrollEventG7 event;
+  std::string_view rest = words;
+  event.op = rest.starts_with("op:ADD") ? EnrollEventG7::kOpAdd : kOpUnprinted;
+  if (Take(&rest, "op:DEL")) {
+    event.op = EnrollEventG7::kOpDelete;
+    (void)(Take(&rest, ", gid:", &event.gid) && Take(&rest, ", fid:", &event.fid));
+  } else if (Take(&rest, "op:ADD")) {
+    (void)(TakeFlag(&rest, ", enroll_successful:", &event.enroll_successful) &&
+           Take(&rest, ", gid:", &event.gid) && Take(&rest, ", fid:", &event.fid) &&
+           Take(&rest, ", capture_count:", &event.capture_count) &&
+           Take(&rest, ", iq_avg:", &event.iq_avg) &&
+           Take(&rest, ", enrolled_fingers_count:", &event.enrolled_fingers_count));
+  } else {
+    event.enroll_successful = rest.find("reason:") == rest.npos;
+  }
+  Record record;
+  record.g7 = Take(&rest, ", rc:", &event.rc);
+  (void)(Take(&rest, ", rawmean_delta:", &event.rawmean_delta) &&
+         TakeSlots(&rest, ", stitch_img_num_:", &event.stitch_img_num_) &&
+         TakeSlots(&rest, ", stitch_img_area_:", &event.stitch_img_area_));
+  record.value = event;
+  return IfPrintedAs(std::move(record), words);
+}
+
+}  // namespace fp_inspect

@@ -1,0 +1,278 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "reading/dump_reader.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <charconv>
+#include <cstring>
+#include <utility>
+
+#include "reading/dump_line.h"
+
+namespace fp_inspect {
+namespace {
+
+// The longest line that is looked at whole; of a longer one each piece is a line.
+constexpr size_t kMaxLine = 1 << 16;
+
+// So many lines without a record end a section, and separate a bring-up line from its dump.
+constexpr size_t kFarAway = 256;
+
+enum class Section { kNone, kStats, kAttempts, kErrors, kEnrollments, kExposure };
+
+struct Title {
+  std::string_view words;
+  Section section;
+};
+constexpr Title kTitles[] = {
+    {"Auth Stats:", Section::kStats},         {"Auth Events:", Section::kAttempts},
+    {"Critical Errors:", Section::kErrors},   {"Enroll Events:", Section::kEnrollments},
+    {"DynamicExposure:", Section::kExposure},
+};
+
+constexpr std::string_view kZoneProperty = "[persist.sys.timezone]: [";
+
+RecordKind KindOf(Section section) {
+  return section == Section::kErrors        ? RecordKind::kError
+         : section == Section::kEnrollments ? RecordKind::kEnrollment
+                                            : RecordKind::kAttempt;
+}
+
+// The number behind `name`, wherever in the line it stands.
+bool NumberBehind(std::string_view line, std::string_view name, auto* value) {
+  const size_t at = line.find(name);
+  const char* const begin = line.data() + at + name.size();
+  return at != line.npos &&
+         std::from_chars(begin, line.data() + line.size(), *value).ec == std::errc();
+}
+
+class DumpReader {
+ public:
+  explicit DumpReader(Contents* contents) : contents_(*contents) {}
+
+  // Almost every line of a bug report is none of ours: its last and first character tell.
+  void TakeLine(std::string_view line, uint64_t offset, bool complete) {
+    ++line_number_;
+    if (line.ends_with('\r')) {
+      line.remove_suffix(1);
+    }
+    if (line.empty()) {
+      return;
+    }
+    if (line.back() == ':' && TakeTitle(line)) {
+      return;
+    }
+    if (line.front() == 'I' || line.front() == 'E' || line.front() == 'U') {
+      TakeBringUp(line);
+    } else if (line.starts_with(kZoneProperty)) {
+      contents_.time_zone = line.substr(
+          kZoneProperty.size(), line.find(']', kZoneProperty.size()) - kZoneProperty.size());
+    }
+    if (section_ != Section::kNone || line.starts_with("  #")) {
+      TakeInSection(line, offset, complete);
+    }
+  }
+
+  void Finish() { EndSection(); }
+
+ private:
+  bool TakeTitle(std::string_view line) {
+    for (const Title& title : kTitles) {
+      if (line.ends_with(title.words)) {
+        BeginSection(title.section);
+        return true;
+      }
+    }
+    return false;
+  }
+
+  void BeginSection(Section section) {
+    // The events of the statistics follow them.
+    if (section_ != Section::kStats || section != Section::kAttempts) {
+      EndSection();
+      declared_.reset();
+      only_g7_ = false;
+    }
+    section_ = section;
+    last_record_line_ = line_number_;
+    ++contents_.sections;
+    contents_.kind = InputKind::kDump;
+    if (!near_bring_up_.empty() && line_number_ - near_bring_up_line_ < kFarAway) {
+      contents_.bring_up = std::exchange(near_bring_up_, {});
+    }
+    if (section == Section::kExposure) {
+      contents_.exposure.emplace();
+    }
+  }
+
+  void TakeBringUp(std::string_view line) {
+    constexpr std::string_view kError = "Error:";
+    if (line.starts_with("Initialization successful, start_time:") ||
+        line.starts_with("Unexpected state:") ||
+        (line.starts_with(kError) && ReadWallTime(line.substr(kError.size())))) {
+      near_bring_up_ = line;
+      near_bring_up_line_ = line_number_;
+    }
+  }
+
+  void TakeInSection(std::string_view line, uint64_t offset, bool complete) {
+    if (const auto found = FindDumpLine(line)) {
+      TakeRecord(*found, offset, complete);
+    } else if (section_ == Section::kStats) {
+      TakeStats(line);
+    } else if (section_ == Section::kExposure) {
+      TakeExposure(line);
+    }
+    if (line_number_ - last_record_line_ > kFarAway) {
+      EndSection();
+      section_ = Section::kNone;
+    }
+  }
+
+  void TakeStats(std::string_view line) {
+    size_t total = 0;
+    if (NumberBehind(line, "total_attempts:", &total)) {
+      declared_ = total;
+      only_g7_ = line.find(", avg_rawmean_delta:") != line.npos;
+    }
+  }
+
+  void TakeExposure(std::string_view line) {
+    Exposure& exposure = *contents_.exposure;
+    const size_t name = line.find("  k");
+    const size_t colon = line.find(": ");
+    int64_t value = 0;
+    if (name != line.npos && colon != line.npos && name < colon &&
+        NumberBehind(line, ": ", &value)) {
+      // Printed as a signed number.
+      exposure.settings[std::string(line.substr(name + 2, colon - name - 2))] =
+          static_cast<uint32_t>(value);
+    }
+    NumberBehind(line, "Stats of last ", &exposure.sample_size);
+    NumberBehind(line, "    FRR: ", &exposure.frr);
+    NumberBehind(line, "    Avg IQ: ", &exposure.avg_iq);
+    NumberBehind(line, "    Avg raw mean: ", &exposure.avg_raw_mean);
+  }
+
+  static std::optional<Record> Read(RecordKind kind, std::string_view words) {
+    if (kind == RecordKind::kAttempt) {
+      return ReadAttempt(words);
+    }
+    if (kind == RecordKind::kEnrollment) {
+      return ReadEnrollment(words);
+    }
+    Record record;
+    record.value = std::string(words);
+    return record;
+  }
+
+  // A title that was lost leaves lines that only an attempt or an enrollment can have.
+  RecordKind KindOfLine(std::string_view words) const {
+    if (section_ == Section::kErrors) {
+      return RecordKind::kError;
+    }
+    return words.starts_with("op:") ? RecordKind::kEnrollment
+           : words.starts_with("a") ? RecordKind::kAttempt
+                                    : KindOf(section_);
+  }
+
+  void TakeRecord(const DumpLine& line, uint64_t offset, bool complete) {
+    const RecordKind kind = KindOfLine(line.words);
+    auto record = complete ? Read(kind, line.words) : std::nullopt;
+    if (section_ == Section::kNone && !record) {
+      return;  // another program's list
+    }
+    if (record && only_g7_ && kind == RecordKind::kAttempt && !record->g7) {
+      record.reset();  // cut behind the fields of the base class
+    }
+    if (line.index < next_index_ || kind != snapshot_.kind) {
+      EndSnapshot();
+      snapshot_.kind = kind;
+    }
+    if (line.index > next_index_) {
+      contents_.Note(
+          offset, "missing",
+          fmt::format("records #{:03} to #{:03} are missing", next_index_, line.index - 1));
+    }
+    next_index_ = line.index + 1;
+    last_record_line_ = line_number_;
+    last_offset_ = offset;
+    if (!record) {
+      contents_.Note(offset, complete ? "line" : "cut",
+                     fmt::format("record #{:03} does not read", line.index));
+      return;
+    }
+    record->time = line.time;
+    record->offset = offset;
+    snapshot_.records.push_back(std::move(*record));
+  }
+
+  void EndSnapshot() {
+    next_index_ = 0;
+    if (!snapshot_.records.empty()) {
+      snapshot_.times_are_local = true;
+      snapshot_.records.shrink_to_fit();
+      contents_.kind = InputKind::kDump;
+      contents_.snapshots.push_back(std::exchange(snapshot_, {}));
+    }
+  }
+
+  void EndSection() {
+    const bool counted = section_ == Section::kAttempts || section_ == Section::kStats;
+    if (counted && declared_ && next_index_ < *declared_) {
+      contents_.Note(last_offset_, "count",
+                     fmt::format("the statistics count {} attempts, the last line is that of {}",
+                                 *declared_, next_index_));
+    }
+    declared_.reset();
+    EndSnapshot();
+  }
+
+  Contents& contents_;
+  Section section_ = Section::kNone;
+  Snapshot snapshot_;
+  uint64_t next_index_ = 0;
+  std::optional<size_t> declared_;  // attempts, by the line of statistics
+  bool only_g7_ = false;            // the history admits no attempt without the matcher's fields
+  std::string near_bring_up_;
+  size_t line_number_ = 0;
+  size_t near_bring_up_line_ = 0;
+  size_t last_record_line_ = 0;
+  uint64_t last_offset_ = 0;
+};
+
+}  // namespace
+
+void ReadDump(ByteWindow& input, Contents* contents) {
+  DumpReader reader(contents);
+  size_t known = 0;  // bytes at the front of the window that have no newline
+  for (;;) {
+    const uint64_t offset = input.GetOffset();
+    std::string_view window = input.Fill(known + 1);
+    if (window.empty()) {
+      break;
+    }
+    size_t begin = 0;
+    const char* newline;
+    while ((newline = static_cast<const char*>(memchr(window.data() + begin + known, '\n',
+                                                      window.size() - begin - known))) != nullptr) {
+      const auto end = static_cast<size_t>(newline - window.data());
+      reader.TakeLine(window.substr(begin, end - begin), offset + begin, true);
+      begin = end + 1;
+      known = 0;
+    }
+    known = window.size() - begin;
+    input.Drop(begin);
+    const bool ends_here = begin == 0 && input.Fill(known + 1).size() == known;
+    if (known >= kMaxLine || (ends_here && known > 0)) {
+      window = input.Fill(known);
+      reader.TakeLine(window.substr(0, known), input.GetOffset(), false);
+      input.Drop(known);
+      known = 0;
+    }
+  }
+  reader.Finish();
+}
+
+}  // namespace fp_inspect

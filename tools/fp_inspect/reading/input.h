@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <cstdint>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <android-base/unique_fd.h>
+
+namespace fp_inspect {
+
+// An input that cannot be read; the text names it and says why.
+class InputError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+// The bytes of an input through a buffer of fixed size, so that inputs of any size and pipes read
+// alike. "-" is the standard input. A named pipe that nobody writes is refused rather than waited
+// for.
+class ByteWindow {
+ public:
+  static constexpr size_t kCapacity = 1 << 20;
+
+  explicit ByteWindow(const std::string& path);
+  static ByteWindow OfBytes(std::string bytes);  // for tests and fuzzing
+
+  // The bytes at hand; at least `wanted` of them (up to kCapacity) unless the input ends before.
+  std::string_view Fill(size_t wanted);
+  void Drop(size_t count) { begin_ += count; }
+  uint64_t GetOffset() const { return read_ - (end_ - begin_); }
+
+ private:
+  ByteWindow() = default;
+  size_t Read(char* out, size_t room);
+
+  std::string path_;
+  android::base::unique_fd file_;
+  std::string buffer_;
+  size_t begin_ = 0;
+  size_t end_ = 0;
+  uint64_t read_ = 0;  // bytes that were ever put into the buffer
+  bool at_end_ = false;
+};
+
+// The files of a folder and of the folders in it, sorted by path. Links to folders are not followed
+// and what is no regular file is left out; `left_out` counts both.
+std::vector<std::string> FilesBelow(const std::string& folder, size_t* left_out);
+
+bool IsFolder(const std::string& path);
+
+}  // namespace fp_inspect
