@@ -34,7 +34,7 @@ std::shared_ptr<Interface> PutUp(Service& service) {
   service.Declare();
   service.Start();
   return Interface::fromBinder(
-      ndk::SpAIBinder(AServiceManager_checkService(service.GetInstance().c_str())));
+      ndk::SpAIBinder(AServiceManager_waitForService(service.GetInstance().c_str())));
 }
 
 void SetLhbmByHand(benchmark::State& state) {

@@ -106,7 +106,7 @@ void Phone::RestartDeadHals() {
 
 void Phone::BlinkTouchDevice() {
   touch_.HangUp();
-  touch_.Plug();
+  touch_.Reconnect();
 }
 
 Capture Phone::CaptureImage() {

@@ -60,7 +60,7 @@ class DisplayControllerTest : public ::testing::Test {
   }
   // References to the service's proxy, this function's own and the service manager's not counted.
   int CountRefs() const {
-    const ndk::SpAIBinder binder(AServiceManager_checkService(kInstance));
+    const ndk::SpAIBinder binder(AServiceManager_waitForService(kInstance));
     return AIBinder_debugGetRefCount(binder.get()) - 2;
   }
 
@@ -85,6 +85,7 @@ TEST_F(DisplayControllerTest, ConnectsAndSwitchesInThisOrder) {
              Call("setLhbmState"), Turned("off", elapsed_));
   EXPECT_EQ((std::vector{true, false}), service_.GetRequests());
   EXPECT_EQ(1, CountRefs()) << "the connection's; the one that came with the binder is released";
+  TakeLog();
 
   Kill();
   EXPECT_LOG(kDied, Call("DeathRecipient_delete"));
@@ -125,7 +126,7 @@ TEST_F(DisplayControllerTest, StateSurvivesTheDeathOfTheService) {
 
 TEST_F(DisplayControllerTest, FailedSwitches) {
   EXPECT_EQ("Critical Errors:\n", CriticalErrorDump());
-  service_.Refuse([] { return ScopedAStatus::fromServiceSpecificError(1); });
+  service_.Refuse([] { return ScopedAStatus::fromExceptionCode(EX_SERVICE_SPECIFIC); });
   EXPECT_EQ(FAILED_TRANSACTION, Set(true));
   EXPECT_EQ(0u, elapsed_);
   EXPECT_LOG(kConnected, kTurningOn, Error(kTag, "[SetLhbm] Failed to setLhbmState 1"));

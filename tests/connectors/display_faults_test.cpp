@@ -5,7 +5,6 @@
 #include <atomic>
 #include <cerrno>
 #include <memory>
-#include <random>
 #include <thread>
 
 #include <android/binder_process.h>
@@ -14,12 +13,13 @@
 #include "control/display_service.h"
 #include "fp_utils/display_controller.h"
 #include "support/device_test.h"
+#include "support/hal_faults.h"
 
 namespace android::fp_utils {
 namespace {
 
-using Death = fp_host::RemoteService::Death;
 using fp_host::DisplayService;
+using fp_host::RemoteService;
 using fp_host::WaitForPools;
 using ndk::ScopedAStatus;
 
@@ -53,76 +53,11 @@ class DisplayFaultsTest : public ::testing::Test {
   }
 };
 
-struct Outcome {
-  int answer;
-  bool handled;  // whether the request got as far as the service's code
-};
-
-struct FaultCase {
-  const char* name;
-  void (*strike)(Phone& phone);
-  Outcome fresh;      // of a controller that was not connected
-  Outcome connected;  // of one that was
-};
-
 ScopedAStatus NotReady() { return ScopedAStatus::fromExceptionCode(EX_ILLEGAL_STATE); }
 ScopedAStatus NoStatus() { return ScopedAStatus(); }
 
-constexpr Outcome kDone = {0, true};
-constexpr Outcome kRefused = {FAILED_TRANSACTION, true};
-constexpr Outcome kNotReached = {FAILED_TRANSACTION, false};
-constexpr Outcome kNoConnection = {-ENODEV, false};
-
-const FaultCase kFaults[] = {
-    {"none", [](Phone&) {}, kDone, kDone},
-    {"dies before the call", [](Phone& phone) { phone.service.DieAtCall(1, Death::kBefore); },
-     kNotReached, kNotReached},
-    {"dies during the call", [](Phone& phone) { phone.service.DieAtCall(1, Death::kDuring); },
-     kRefused, kRefused},
-    {"dies after the call", [](Phone& phone) { phone.service.DieAtCall(1, Death::kAfter); }, kDone,
-     kDone},
-    {"refuses", [](Phone& phone) { phone.service.Refuse(NotReady); }, kRefused, kRefused},
-    {"answers without a status", [](Phone& phone) { phone.service.Refuse(NoStatus); }, kRefused,
-     kRefused},
-    {"is slow", [](Phone& phone) { phone.service.SetDelay(std::chrono::milliseconds(2)); }, kDone,
-     kDone},
-    {"died and came back",
-     [](Phone& phone) {
-       phone.Kill();
-       phone.service.Start();
-     },
-     kDone, kDone},
-    {"died and another took its name",
-     [](Phone& phone) {
-       phone.Kill();
-       phone.service.StartImpostor();
-     },
-     kNoConnection, kNoConnection},
-    {"died and was withdrawn",
-     [](Phone& phone) {
-       phone.Kill();
-       phone.service.Undeclare();
-     },
-     kNotReached, kNotReached},
-    // A connection that stands asks nobody.
-    {"was withdrawn", [](Phone& phone) { phone.service.Undeclare(); }, kNotReached, kDone},
-    {"service manager fails", [](Phone&) { fp_host::SetServiceManagerFailing(true); }, kNotReached,
-     kDone},
-};
-
-void Repair(Phone& phone, const Outcome& outcome) {
-  phone.service.Accept();
-  phone.service.SetDelay(std::chrono::milliseconds(0));
-  phone.service.Declare();
-  fp_host::SetServiceManagerFailing(false);
-  if (outcome.answer == -ENODEV) {
-    phone.Kill();  // the impostor
-  }
-  EXPECT_TRUE(WaitForPools());
-  phone.service.Start();
-}
-
-void MeetFault(const FaultCase& fault, bool connected, bool on) {
+// The next switch of a controller, which is connected already or connects for it, meets the fault.
+void MeetFault(const fp_test::HalFault& fault, bool connected, bool on) {
   SCOPED_TRACE(std::string(fault.name) + (connected ? ", connected, " : ", fresh, ") +
                (on ? "on" : "off"));
   Phone phone;
@@ -130,106 +65,56 @@ void MeetFault(const FaultCase& fault, bool connected, bool on) {
     EXPECT_EQ(0, phone.Set(true));
     EXPECT_EQ(0, on ? phone.Set(false) : 0);
   }
-  fault.strike(phone);
-  const Outcome& expected = connected ? fault.connected : fault.fresh;
-  const size_t handled = phone.service.GetRequests().size() + (expected.handled ? 1 : 0);
-  EXPECT_EQ(expected.answer, phone.Set(on));
+  fault.strike(phone.service);
+  const size_t handled = phone.service.GetRequests().size() + (fault.served ? 1 : 0);
+  EXPECT_EQ(fault.answered ? 0 : FAILED_TRANSACTION, phone.Set(on));
   EXPECT_EQ(handled, phone.service.GetRequests().size());
 
-  Repair(phone, expected);
+  phone.service.Accept();
+  EXPECT_TRUE(WaitForPools());
+  fp_test::Repair(phone.service);
   EXPECT_EQ(0, phone.Set(on)) << "recovered";
   EXPECT_EQ(0, phone.Set(!on));
   EXPECT_EQ(!on, phone.service.IsLhbmOn());
 }
 
 TEST_F(DisplayFaultsTest, EverySwitchMeetsEveryFaultAndRecovers) {
-  for (const FaultCase& fault : kFaults) {
-    MeetFault(fault, false, true);  // off is where a fresh controller starts
+  const auto refuse = [](ScopedAStatus (*answer)()) {
+    return
+        [answer](RemoteService& service) { static_cast<DisplayService&>(service).Refuse(answer); };
+  };
+  const auto kFaults = fp_test::HalFaults({
+      {.name = "refuses", .strike = refuse(NotReady), .answered = false, .served = true},
+      {.name = "answers without a status",
+       .strike = refuse(NoStatus),
+       .answered = false,
+       .served = true},
+      {.name = "came back",
+       .strike =
+           [](RemoteService& service) {
+             service.Kill();
+             EXPECT_TRUE(WaitForPools());
+             service.Start();
+           },
+       .answered = true,
+       .served = true},
+  });
+  for (const auto& fault : kFaults) {
+    MeetFault(fault, false, true);  // a fresh controller is off already
     MeetFault(fault, true, true);
     MeetFault(fault, true, false);
   }
 }
 
-// A random life of a phone next to what is expected of it.
-class RandomLife {
- public:
-  explicit RandomLife(uint64_t seed) : random_(seed) {}
-
-  void Run(int steps) {
-    for (int i = 0; i < steps && !::testing::Test::HasFailure(); ++i) {
-      Step();
-    }
-  }
-
- private:
-  void Step() {
-    switch (random_() % 10) {
-      case 0:
-        phone_.Kill();
-        connected_ = false;
-        return;
-      case 1:
-        phone_.service.Start();
-        return;
-      case 2:
-        declared_ = !declared_;
-        declared_ ? phone_.service.Declare() : phone_.service.Undeclare();
-        return;
-      case 3:
-        refusing_ = !refusing_;
-        refusing_ ? phone_.service.Refuse(NotReady) : phone_.service.Accept();
-        return;
-      case 4:
-        phone_.controller = std::make_unique<DisplayController>();
-        connected_ = on_ = false;
-        return;
-      default:
-        Switch(random_() % 2 == 0);
-    }
-  }
-
-  void Switch(bool on) {
-    const bool needed = on != on_;
-    const bool has_service = connected_ || declared_;
-    // Where it would wait for a service that is down, one comes.
-    std::thread starting;
-    if (needed && has_service && !phone_.service.IsUp()) {
-      starting = std::thread([this] {
-        EXPECT_TRUE(fp_host::WaitForWaitingThreads(1));
-        phone_.service.Start();
-      });
-    }
-    const auto death = static_cast<Death>(random_() % 3);
-    const bool dies = random_() % 4 == 0;
-    phone_.service.DieAtCall(dies ? 1 : 0, death);
-    const bool answered = has_service && (!dies || death == Death::kAfter) && !refusing_;
-    EXPECT_EQ(needed && !answered ? FAILED_TRANSACTION : 0, phone_.Set(on));
-    if (starting.joinable()) {
-      starting.join();
-    }
-    if (needed && has_service) {
-      EXPECT_TRUE(WaitForPools());
-      connected_ = !dies;
-      on_ = answered ? on : on_;
-    }
-  }
-
-  std::mt19937_64 random_;
-  Phone phone_;
-  bool declared_ = true;
-  bool refusing_ = false;
-  bool connected_ = false;
-  bool on_ = false;
-};
-
-void LiveOften(int lives, uint64_t seed) {
-  fp_test::RunSeeded("lives", lives, seed, [](uint64_t own) { RandomLife(own).Run(30); });
+TEST_F(DisplayFaultsTest, ConnectionThatStandsNeedsNoServiceManager) {
+  Phone phone;
+  EXPECT_EQ(0, phone.Set(true));
+  phone.service.Undeclare();
+  fp_host::SetServiceManagerFailing(true);
+  EXPECT_EQ(0, phone.Set(false));
+  phone.Kill();
+  EXPECT_EQ(FAILED_TRANSACTION, phone.Set(true)) << "a new one does";
 }
-
-TEST_F(DisplayFaultsTest, RandomLives) { LiveOften(fp_test::Share(300), 1); }
-
-using LongDisplayFaultsTest = DisplayFaultsTest;
-TEST_F(LongDisplayFaultsTest, RandomLives) { LiveOften(10000, std::random_device()()); }
 
 // The HAL crashes in a loop while controllers come, switch from two threads, and go. Nothing to
 // expect of the answers but that they are among the defined ones, and that all comes to an end.

@@ -311,7 +311,7 @@ TEST_F(FpsTouchHandlerTest, FailingDeviceIsLoggedOnceAndBackedOff) {
     const char* why;
     std::function<void()> go, come;
   } kCases[] = {
-      {"hang-up", [this] { node_.HangUp(); }, [this] { node_.Plug(); }},
+      {"hang-up", [this] { node_.HangUp(); }, [this] { node_.Reconnect(); }},
       {"no device", [&] { fail_reads(ENODEV); }, fp_host::ClearFaults},
       {"readable, but nothing to read", [&] { fail_reads(EAGAIN); }, fp_host::ClearFaults},
       {"error without data",

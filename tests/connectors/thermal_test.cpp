@@ -15,6 +15,7 @@
 #include "control/hidl_thermal_service.h"
 #include "control/thermal_service.h"
 #include "support/device_test.h"
+#include "support/hal_faults.h"
 #include "support/holdings.h"
 #include "support/platform_calls.h"
 #include "support/recorder.h"
@@ -27,7 +28,6 @@ using aidl::android::hardware::thermal::ThrottlingSeverity;
 using fp_host::HidlThermalService;
 using fp_host::ThermalService;
 using namespace fp_test;
-using Death = fp_host::RemoteService::Death;
 using Log = std::vector<LogLine>;
 
 constexpr char kTag[] = "FpThermal";
@@ -96,15 +96,6 @@ class ThermalTest : public ::testing::Test {
       return !logs.worker.empty() && logs.worker.back() == last_words;
     }));
     return logs;
-  }
-
-  void RefuseAll() {
-    aidl_.Refuse([] { return ndk::ScopedAStatus::fromExceptionCode(EX_ILLEGAL_STATE); });
-    hidl_.Refuse("not ready");
-  }
-  void AcceptAll() {
-    aidl_.Accept();
-    hidl_.Accept();
   }
 
   int32_t Severity() { return thermal_->GetCpuSeverity(); }
@@ -200,53 +191,47 @@ TEST_F(ThermalTest, ConstructorSeesAConnectionInTime) {
 // Failures count as no throttling, and there is no second connection.
 TEST_F(ThermalTest, EveryCallMeetsEveryFault) {
   using Service = fp_host::RemoteService;
-  const struct {
-    const char* name;
-    std::function<void(Service&)> strike;
-    bool answered;
-    bool dead;
-  } kFaults[] = {
-      {"none", [](Service&) {}, true, false},
-      {"dies before", [](Service& service) { service.DieAtCall(1, Death::kBefore); }, false, true},
-      {"dies during", [](Service& service) { service.DieAtCall(1, Death::kDuring); }, false, true},
-      {"dies after", [](Service& service) { service.DieAtCall(1, Death::kAfter); }, true, true},
-      {"is dead", [](Service& service) { service.Kill(); }, false, true},
-      {"refuses", [this](Service&) { RefuseAll(); }, false, false},
-      {"knows no skin sensor",
-       [this](Service&) {
-         aidl_.SetTemperatures({Reading("cpu", TemperatureType::CPU, 80, 6)});
-         hidl_.SetTemperatures({});
-       },
-       false, false},
-      {"is slow", [](Service& service) { service.SetDelay(std::chrono::milliseconds(2)); }, true,
-       false},
-      {"came back",
-       [](Service& service) {
-         service.Kill();
-         service.Start();
-       },
-       false, true},
-  };
+  const auto kFaults = HalFaults({
+      {.name = "is dead",
+       .strike = [](auto& service) { service.Kill(); },
+       .answered = false,
+       .dead = true},
+      {.name = "came back",
+       .strike =
+           [](auto& service) {
+             service.Kill();
+             service.Start();
+           },
+       .answered = false,
+       .dead = true},
+      {.name = "refuses",
+       .strike =
+           [this](auto&) {
+             aidl_.Refuse([] { return ndk::ScopedAStatus::fromExceptionCode(EX_ILLEGAL_STATE); });
+             hidl_.Refuse("not ready");
+           },
+       .answered = false},
+      {.name = "knows no skin sensor",
+       .strike =
+           [this](auto&) {
+             aidl_.SetTemperatures({Reading("cpu", TemperatureType::CPU, 80, 6)});
+             hidl_.SetTemperatures({});
+           },
+       .answered = false},
+  });
   for (Service* service : {static_cast<Service*>(&aidl_), static_cast<Service*>(&hidl_)}) {
     for (const auto& fault : kFaults) {
       SCOPED_TRACE(service->GetInstance() + " " + fault.name);
-      service->DieAtCall(0, Death::kBefore);
       PutUp(*service);
       Construct();
       const int32_t severity = service == &aidl_ ? 2 : 3;
       ASSERT_TRUE(Eventually([&] { return Severity() == severity; }));
       fault.strike(*service);
-      TakeLog();
       EXPECT_EQ(fault.answered ? severity : 0, Severity());
-      Log log = TakeLog();
-      std::erase_if(log, [](const LogLine& line) {  // which the worker may still write
-        return line == kSuccess || line == kExiting;
-      });
-      EXPECT_EQ(fault.answered ? 3u : 0u, log.size()) << "the reading, or nothing";
-      service->SetDelay(std::chrono::milliseconds(0));
-      AcceptAll();
+      Repair(*service);
+      aidl_.Accept();
+      hidl_.Accept();
       MeasureSkin();
-      service->Start();
       EXPECT_EQ(fault.dead ? 0 : severity, Severity());
     }
     service->Undeclare();

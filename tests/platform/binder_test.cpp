@@ -1,25 +1,36 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The rules of references, identity and services that the stand-in for the binder NDK keeps.
+// What the stand-in for the binder NDK is strict about: references, dead proxies, notifications of
+// death, and the errors of the thermal service.
+#include <future>
 #include <memory>
+#include <string>
 #include <thread>
+#include <vector>
 
+#include <aidl/android/hardware/thermal/BnThermalChangedCallback.h>
+#include <aidl/android/hardware/thermal/IThermal.h>
 #include <aidl/com/norvan/hardware/kestra/display/BnDisplay.h>
-#include <aidl/com/norvan/hardware/kestra/display/BpDisplay.h>
 #include <android/binder_manager.h>
+#include <android/binder_process.h>
 
 #include "control/display_service.h"
+#include "control/thermal_service.h"
 #include "support/device_test.h"
+#include "support/recorder.h"
 
 namespace {
 
+using aidl::android::hardware::thermal::BnThermalChangedCallback;
+using aidl::android::hardware::thermal::IThermal;
 using aidl::com::norvan::hardware::kestra::display::BnDisplay;
-using aidl::com::norvan::hardware::kestra::display::BpDisplay;
 using aidl::com::norvan::hardware::kestra::display::IDisplay;
 using fp_host::DisplayService;
+using fp_host::WaitForPools;
 using ndk::ScopedAStatus;
 using ndk::SharedRefBase;
 using ndk::SpAIBinder;
+using Names = std::vector<std::string>;
 
 class LocalDisplay : public BnDisplay {
  public:
@@ -30,24 +41,16 @@ class LocalDisplay : public BnDisplay {
     }
   }
   ScopedAStatus setLhbmState(bool) override { return ScopedAStatus(); }
-  binder_status_t dump(int fd, const char** args, uint32_t count) override {
-    for (uint32_t i = 0; i < count; ++i) {
-      dprintf(fd, "%s.", args[i]);
-    }
-    return STATUS_BAD_VALUE;
-  }
 
  private:
   bool* const destroyed_;
 };
 
 SpAIBinder Find(const fp_host::RemoteService& service) {
-  return SpAIBinder(AServiceManager_checkService(service.GetInstance().c_str()));
+  return SpAIBinder(AServiceManager_waitForService(service.GetInstance().c_str()));
 }
 
-int CountRefs(const SpAIBinder& binder) { return AIBinder_debugGetRefCount(binder.get()); }
-
-// Only make() knows how to give an object the knowledge of its own references.
+// Only make() creates an object that can hand out pointers to itself.
 template <typename T>
 concept CanNew = requires {
   new T;
@@ -56,56 +59,11 @@ template <typename T>
 concept CanMakeShared = requires {
   std::make_shared<T>();
 };
-template <typename T>
-concept CanMakeUnique = requires {
-  std::make_unique<T>();
-};
 static_assert(!CanNew<LocalDisplay> && CanNew<std::string>);
 static_assert(!CanMakeShared<LocalDisplay> && CanMakeShared<std::string>);
-static_assert(!CanMakeUnique<LocalDisplay> && CanMakeUnique<std::string>);
 
 TEST(BinderDeathTest, ObjectThatNobodyEverSharedAborts) {
   EXPECT_DEATH(LocalDisplay(), "without ever having had a shared reference");
-}
-
-TEST(Binder, NullIsTakenEverywhere) {
-  AIBinder_incStrong(nullptr);
-  EXPECT_EQ(STATUS_UNEXPECTED_NULL, AIBinder_ping(nullptr));
-  EXPECT_EQ(STATUS_UNEXPECTED_NULL, AIBinder_dump(nullptr, 1, nullptr, 0));
-  EXPECT_FALSE(AIBinder_isRemote(nullptr));
-  EXPECT_FALSE(AIBinder_isAlive(nullptr));
-  EXPECT_FALSE(AIBinder_associateClass(nullptr, nullptr));
-  EXPECT_EQ(-1, AIBinder_debugGetRefCount(nullptr));
-  EXPECT_EQ(nullptr, AIBinder_Weak_new(nullptr));
-  EXPECT_EQ(nullptr, AIBinder_Weak_promote(nullptr));
-  AIBinder_Weak_delete(nullptr);
-  EXPECT_EQ(nullptr, IDisplay::fromBinder(nullptr));
-  EXPECT_EQ(nullptr, AServiceManager_checkService(nullptr));
-  EXPECT_EQ(nullptr, AServiceManager_waitForService(nullptr));
-  EXPECT_FALSE(AServiceManager_isDeclared(nullptr));
-  EXPECT_LOG();
-  AIBinder_decStrong(nullptr);
-  EXPECT_EQ(1u, fp_test::TakeLog().size()) << "an error, but no crash";
-}
-
-TEST(Binder, SmartPointerTakesOverReferences) {
-  const auto display = SharedRefBase::make<LocalDisplay>();
-  SpAIBinder binder = display->asBinder();
-  EXPECT_EQ(1, CountRefs(binder));
-  {
-    const SpAIBinder copy = binder;
-    EXPECT_EQ(2, CountRefs(binder));
-    EXPECT_TRUE(copy == binder && copy == binder.get() && !(copy < binder) && copy <= binder);
-    EXPECT_TRUE(SpAIBinder(nullptr) < binder && copy != nullptr);
-  }
-  AIBinder_incStrong(binder.get());
-  SpAIBinder other(binder.get());
-  EXPECT_EQ(2, CountRefs(binder));
-  other.set(nullptr);
-  EXPECT_EQ(1, CountRefs(binder));
-  const SpAIBinder& self = binder;
-  binder = self;
-  EXPECT_EQ(1, CountRefs(binder));
 }
 
 TEST(Binder, LocalBinderKeepsItsImplementationAliveAndNotTheOtherWayRound) {
@@ -114,115 +72,55 @@ TEST(Binder, LocalBinderKeepsItsImplementationAliveAndNotTheOtherWayRound) {
   SpAIBinder binder = display->asBinder();
   EXPECT_EQ(binder, display->asBinder()) << "one binder while it is held";
   EXPECT_EQ(display, IDisplay::fromBinder(binder)) << "the object itself";
-  EXPECT_FALSE(display->isRemote());
-  EXPECT_FALSE(AIBinder_isRemote(binder.get()));
-  EXPECT_TRUE(AIBinder_isAlive(binder.get()));
-  EXPECT_EQ(STATUS_OK, AIBinder_ping(binder.get()));
-
-  AIBinder_Weak* weak = AIBinder_Weak_new(binder.get());
   display = nullptr;
   EXPECT_FALSE(destroyed);
-  binder.set(AIBinder_Weak_promote(weak));
-  ASSERT_NE(nullptr, binder.get());
   display = std::static_pointer_cast<LocalDisplay>(IDisplay::fromBinder(binder));
   binder.set(nullptr);
-  EXPECT_EQ(nullptr, AIBinder_Weak_promote(weak));
-  AIBinder_Weak_delete(weak);
-  EXPECT_FALSE(destroyed);
   EXPECT_NE(nullptr, display->asBinder().get()) << "a new one";
+  EXPECT_FALSE(destroyed);
   display = nullptr;
   EXPECT_TRUE(destroyed);
 }
 
-TEST(Binder, ServiceManagerKeepsReferencesOfItsOwn) {
-  bool destroyed = false;
-  AIBinder* known = nullptr;
-  {
-    const auto display = SharedRefBase::make<LocalDisplay>(&destroyed);
-    const SpAIBinder binder = display->asBinder();
-    known = binder.get();
-    EXPECT_EQ(EX_ILLEGAL_ARGUMENT, AServiceManager_addService(nullptr, "a/b"));
-    EXPECT_EQ(EX_ILLEGAL_ARGUMENT, AServiceManager_addService(known, nullptr));
-    EXPECT_EQ(EX_NONE, AServiceManager_addService(known, "a/b"));
-  }
-  EXPECT_FALSE(destroyed);
-  EXPECT_FALSE(AServiceManager_isDeclared("a/b")) << "up, and not in the manifest";
-  const SpAIBinder found(AServiceManager_waitForService("a/b"));
-  EXPECT_EQ(known, found.get());
-  EXPECT_EQ(2, CountRefs(found)) << "the service manager's and this";
-  EXPECT_EQ(nullptr, AServiceManager_checkService("a/c"));
-
-  const auto later = SharedRefBase::make<LocalDisplay>();
-  EXPECT_EQ(EX_NONE, AServiceManager_addService(later->asBinder().get(), "a/b"));
-  EXPECT_EQ(1, CountRefs(found));
-}
-
 TEST(Binder, WaitingEndsWhenTheServiceComesOrTheServiceManagerFails) {
   DisplayService service;
-  const char* instance = service.GetInstance().c_str();
-  EXPECT_STREQ("com.norvan.hardware.kestra.display.IDisplay/default", instance);
   service.Declare();
-  EXPECT_TRUE(AServiceManager_isDeclared(instance));
-  EXPECT_EQ(nullptr, AServiceManager_checkService(instance)) << "declared is not up";
+  EXPECT_TRUE(AServiceManager_isDeclared(service.GetInstance().c_str())) << "declared is not up";
   SpAIBinder found;
-  std::thread waiting([&] { found.set(AServiceManager_waitForService(instance)); });
+  std::thread waiting([&] { found = Find(service); });
   EXPECT_TRUE(fp_host::WaitForWaitingThreads(1));
   service.Start();
   waiting.join();
-  EXPECT_TRUE(AIBinder_isRemote(found.get()));
+  EXPECT_EQ(found, Find(service)) << "one pointer per object";
 
   service.Kill();
-  EXPECT_EQ(nullptr, AServiceManager_checkService(instance));
-  waiting = std::thread([&] { found.set(AServiceManager_waitForService(instance)); });
+  waiting = std::thread([&] { found = Find(service); });
   EXPECT_TRUE(fp_host::WaitForWaitingThreads(1));
   fp_host::SetServiceManagerFailing(true);
   waiting.join();
   EXPECT_EQ(nullptr, found.get());
-  EXPECT_FALSE(AServiceManager_isDeclared(instance));
-  fp_host::SetServiceManagerFailing(false);
-  service.Undeclare();
-  EXPECT_FALSE(AServiceManager_isDeclared(instance));
-}
-
-TEST(Binder, OnePointerPerRemoteObjectAndOneProxyPerConversion) {
-  DisplayService service;
-  service.Start();
-  const SpAIBinder first = Find(service);
-  EXPECT_EQ(first, Find(service));
-  const std::shared_ptr<IDisplay> proxy = IDisplay::fromBinder(first);
-  EXPECT_NE(proxy, IDisplay::fromBinder(first));
-  EXPECT_TRUE(proxy->isRemote());
-  EXPECT_EQ(first, proxy->asBinder());
-  EXPECT_TRUE(proxy->setLhbmState(true).isOk());
-  EXPECT_TRUE(service.IsLhbmOn());
-
-  service.Kill();
-  service.Start();
-  EXPECT_NE(first, Find(service)) << "another object";
-  EXPECT_FALSE(service.IsLhbmOn()) << "in its initial state";
+  EXPECT_FALSE(AServiceManager_isDeclared(service.GetInstance().c_str()));
 }
 
 TEST(Binder, DeadProxyStaysDead) {
   DisplayService service;
   service.Start();
-  const SpAIBinder binder = Find(service);
-  const std::shared_ptr<IDisplay> proxy = IDisplay::fromBinder(binder);
+  const std::shared_ptr<IDisplay> proxy = IDisplay::fromBinder(Find(service));
+  EXPECT_TRUE(proxy->setLhbmState(true).isOk());
   service.Kill();
   service.Start();
-  EXPECT_TRUE(AIBinder_isAlive(binder.get())) << "nobody has told, nobody has asked";
   const ScopedAStatus status = proxy->setLhbmState(true);
   EXPECT_EQ(EX_TRANSACTION_FAILED, status.getExceptionCode());
   EXPECT_EQ(STATUS_DEAD_OBJECT, status.getStatus());
   EXPECT_STREQ("", status.getMessage());
-  EXPECT_FALSE(AIBinder_isAlive(binder.get()));
-  EXPECT_EQ(STATUS_DEAD_OBJECT, AIBinder_ping(binder.get()));
   EXPECT_EQ(STATUS_DEAD_OBJECT, proxy->dump(1, nullptr, 0));
-  EXPECT_EQ(0, service.CountCalls());
+  EXPECT_FALSE(service.IsLhbmOn()) << "another object, in its initial state";
   EXPECT_TRUE(IDisplay::fromBinder(Find(service))->setLhbmState(true).isOk());
 }
 
 TEST(Binder, ConversionNeedsALiveObjectOfTheInterface) {
   DisplayService service;
+  EXPECT_EQ(nullptr, IDisplay::fromBinder(nullptr));
   service.StartImpostor();
   EXPECT_EQ(nullptr, IDisplay::fromBinder(Find(service)));
   service.Kill();
@@ -232,16 +130,127 @@ TEST(Binder, ConversionNeedsALiveObjectOfTheInterface) {
   EXPECT_EQ(nullptr, IDisplay::fromBinder(binder)) << "died before it could say what it is";
 }
 
-TEST(Binder, DumpReachesTheImplementation) {
-  const auto local = SharedRefBase::make<LocalDisplay>();
-  EXPECT_EQ("a.b.", fp_test::DumpText([&](int fd) {
-              const char* args[] = {"a", "b"};
-              EXPECT_EQ(STATUS_BAD_VALUE, AIBinder_dump(local->asBinder().get(), fd, args, 2));
-            }));
-  DisplayService service;
+class DeathRecipientTest : public ::testing::Test {
+ protected:
+  // What a client links with.
+  struct Cookie {
+    DeathRecipientTest* test;
+    std::string name;
+    std::function<void()> on_died = [] {};
+  };
+
+  DeathRecipientTest() {
+    service_.Start();
+    binder_ = Find(service_);
+    recipient_ = AIBinder_DeathRecipient_new([](void* pointer) {
+      auto* cookie = static_cast<Cookie*>(pointer);
+      cookie->test->died_.Add(cookie->name);
+      cookie->on_died();
+    });
+  }
+  ~DeathRecipientTest() override { Delete(); }
+
+  binder_status_t Link(Cookie& cookie) {
+    return AIBinder_linkToDeath(binder_.get(), recipient_, &cookie);
+  }
+  void Delete() { AIBinder_DeathRecipient_delete(std::exchange(recipient_, nullptr)); }
+  // The names of those that have been told.
+  Names TakeTold() {
+    EXPECT_TRUE(WaitForPools());
+    return died_.Take(0);
+  }
+
+  DisplayService service_;
+  SpAIBinder binder_;
+  AIBinder_DeathRecipient* recipient_;
+  fp_test::Recorder<std::string> died_;
+  Cookie a_{this, "a"};
+  Cookie b_{this, "b"};
+};
+
+TEST_F(DeathRecipientTest, IsToldInOrderOnAThreadOfThePoolOnceThereIsOne) {
+  std::thread::id thread;
+  a_.on_died = [&thread] { thread = std::this_thread::get_id(); };
+  EXPECT_EQ(STATUS_OK, Link(a_));
+  EXPECT_EQ(STATUS_OK, Link(b_));
+  EXPECT_EQ(STATUS_OK, Link(a_));
+  service_.Kill();
+  EXPECT_EQ(0u, died_.Count());
+  ABinderProcess_startThreadPool();
+  EXPECT_EQ((Names{"a", "b", "a"}), TakeTold());
+  EXPECT_NE(std::this_thread::get_id(), thread);
+  EXPECT_EQ(STATUS_DEAD_OBJECT, Link(a_)) << "its death was announced";
+
+  const SpAIBinder local = SharedRefBase::make<LocalDisplay>()->asBinder();
+  EXPECT_EQ(STATUS_INVALID_OPERATION, AIBinder_linkToDeath(local.get(), recipient_, &a_));
+}
+
+TEST_F(DeathRecipientTest, IsNotToldAfterItOrTheLastReferenceWasDropped) {
+  ABinderProcess_startThreadPool();
+  Link(a_);
+  Delete();
+  service_.Kill();
+  EXPECT_EQ(Names{}, TakeTold());
+
+  service_.Start();
+  binder_ = Find(service_);
+  recipient_ = AIBinder_DeathRecipient_new([](void* /*cookie*/) { ADD_FAILURE(); });
+  Link(a_);
+  binder_.set(nullptr);
+  service_.Kill();
+  EXPECT_EQ(Names{}, TakeTold());
+}
+
+// Why a client may not free its cookie right after it has deleted the recipient.
+TEST_F(DeathRecipientTest, NotificationUnderWayOutlivesTheRecipient) {
+  ABinderProcess_startThreadPool();
+  std::promise<void> arrived, go_on;
+  a_.on_died = [&] {
+    arrived.set_value();
+    go_on.get_future().wait();
+  };
+  Link(a_);
+  Link(b_);
+  service_.Kill();
+  arrived.get_future().wait();
+  Delete();
+  go_on.set_value();
+  EXPECT_EQ((Names{"a"}), TakeTold()) << "b was not yet under way";
+}
+
+class ThermalCallback : public BnThermalChangedCallback {
+ public:
+  ScopedAStatus notifyThrottling(const fp_host::ThermalService::Temperature&) override {
+    ++notified;
+    return ScopedAStatus::ok();
+  }
+  std::atomic<int> notified = 0;
+};
+
+TEST(ThermalService, RefusesCallbacksThatItDoesNotExpect) {
+  ABinderProcess_startThreadPool();
+  fp_host::ThermalService service;
   service.Start();
-  EXPECT_EQ(STATUS_OK, AIBinder_dump(Find(service).get(), 1, nullptr, 0)) << "nothing to say";
-  EXPECT_EQ(1, service.CountCalls());
+  const std::shared_ptr<IThermal> thermal = IThermal::fromBinder(Find(service));
+  const auto callback = SharedRefBase::make<ThermalCallback>();
+  const auto is_refused = [](const ScopedAStatus& status) {
+    return status.getExceptionCode() == EX_ILLEGAL_ARGUMENT;
+  };
+  EXPECT_TRUE(is_refused(thermal->registerThermalChangedCallback(nullptr)));
+  EXPECT_TRUE(is_refused(thermal->unregisterThermalChangedCallback(nullptr)));
+  EXPECT_TRUE(is_refused(thermal->unregisterThermalChangedCallback(callback)));
+  EXPECT_TRUE(thermal->registerThermalChangedCallback(callback).isOk());
+  EXPECT_TRUE(is_refused(thermal->registerThermalChangedCallback(callback)));
+  service.Notify({});
+  EXPECT_TRUE(WaitForPools());
+  EXPECT_EQ(1, callback->notified);
+  EXPECT_TRUE(thermal->unregisterThermalChangedCallback(callback).isOk());
+
+  std::vector<fp_host::ThermalService::Temperature> temperatures;
+  service.SetTemperatures({{}});
+  service.Refuse([] { return ScopedAStatus::fromExceptionCode(EX_ILLEGAL_STATE); });
+  EXPECT_FALSE(thermal->getTemperatures(&temperatures).isOk());
+  EXPECT_TRUE(temperatures.empty()) << "a failure writes no result";
 }
 
 }  // namespace

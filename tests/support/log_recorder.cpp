@@ -1,12 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "support/log_recorder.h"
 
-#include <atomic>
-#include <cstdarg>
 #include <mutex>
 #include <utility>
-
-#include <android-base/stringprintf.h>
 
 namespace fp_test {
 namespace {
@@ -14,7 +10,6 @@ namespace {
 // Never destroyed: a worker may log while the process ends.
 auto& mutex = *new std::mutex;
 auto& lines = *new std::vector<LogLine>;
-std::atomic<bool> muted = false;
 
 }  // namespace
 
@@ -27,20 +22,24 @@ std::vector<LogLine> TakeLog() {
   return std::exchange(lines, {});
 }
 
-void MuteLog(bool mute) { muted = mute; }
-
-}  // namespace fp_test
-
-extern "C" int __android_log_print(int priority, const char* tag, const char* format, ...) {
-  if (fp_test::muted) {
-    return 0;
-  }
-  std::string message;
-  va_list arguments;
-  va_start(arguments, format);
-  android::base::StringAppendV(&message, format, arguments);
-  va_end(arguments);
-  const std::lock_guard lock(fp_test::mutex);
-  fp_test::lines.push_back({priority, tag, std::move(message)});
-  return 1;
+void MuteLog(bool mute) {
+  __android_log_set_minimum_priority(mute ? ANDROID_LOG_SILENT : ANDROID_LOG_VERBOSE);
 }
+
+void AddLogLine(LogLine line) {
+  const std::lock_guard lock(mutex);
+  lines.push_back(std::move(line));
+}
+
+namespace {
+
+[[maybe_unused]] const bool is_installed = [] {
+  __android_log_set_logger([](const __android_logger_data* data, const char* message) {
+    AddLogLine({data->priority, data->tag, message});
+  });
+  MuteLog(false);
+  return true;
+}();
+
+}  // namespace
+}  // namespace fp_test

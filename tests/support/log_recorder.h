@@ -33,9 +33,11 @@ inline LogLine Error(std::string tag, std::string message) {
   return {ANDROID_LOG_ERROR, std::move(tag), std::move(message)};
 }
 
-// What the library logged since the last call, in order. Test programs define
-// __android_log_print(), so every line ends up here.
+// What was logged since the last call, in order: test programs make this liblog's logger.
 std::vector<LogLine> TakeLog();
+
+// Puts a line of the test's own among them.
+void AddLogLine(LogLine line);
 
 // That these lines were logged since the last TakeLog(), and no others.
 #define EXPECT_LOG(...) EXPECT_EQ((std::vector<fp_test::LogLine>{__VA_ARGS__}), fp_test::TakeLog())

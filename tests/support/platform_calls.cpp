@@ -7,7 +7,6 @@
 
 #include <android/binder_ibinder.h>
 #include <android/binder_manager.h>
-#include <android/log.h>
 
 namespace fp_test {
 namespace {
@@ -26,7 +25,7 @@ void RecordCalls(bool record) { recording = record; }
 
 void RecordCall(const std::string& call) {
   if (recording) {
-    __android_log_print(ANDROID_LOG_UNKNOWN, "call", "%s", call.c_str());
+    AddLogLine(Call(call));
   }
 }
 

@@ -26,9 +26,6 @@ class HidlThermalService : public RemoteService {
   void Refuse(std::string message);
   void Accept();
 
-  // How often a call is answered: a server that does not do so once is ended by its transport.
-  void SetAnswersPerCall(int answers);
-
  protected:
   std::shared_ptr<void> MakeService(const std::shared_ptr<ipc::Process>& process) override;
   // HIDL's service manager lets nothing else in: the name stays free.

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <cerrno>
 #include <cstdint>
 #include <functional>
 #include <string>
@@ -10,8 +11,8 @@
 #include <android/sensor.h>
 
 // The simulated sensor service behind the stand-in of the vendor sensor bridge. A program starts
-// with the service up and two sensors, LightSensor() and LongPressSensor(). The levers may be
-// pulled from any thread.
+// with the service up and two sensors, LightSensor() and LongPressSensor(). Any thread may call
+// these functions.
 
 namespace fp_host {
 
@@ -63,17 +64,19 @@ struct SensorFault {
   static constexpr int kForever = -1;
 
   std::string function;
-  int result = 0;        // of a failing call; one that returns a pointer returns null
+  int result = -EINVAL;  // of a failing call; one that returns a pointer returns null
   int calls = kForever;  // how many calls fail
 };
-// One per function at a time. One of ALooper_pollOnce also ends polls that wait already.
+// One per function at a time. One of ALooper_pollOnce also ends polls that wait already. One of
+// ASensorManager_getSensorList makes the bridge's own query fail instead: the manager keeps an
+// empty list.
 void SetSensorFault(const SensorFault& fault);
 // Removes all faults, and all hooks of OnSensorCall().
 void ClearSensorFaults();
 
 // Runs `before` as each call of the function comes in, `after` as its result goes out, on the
 // calling thread: to make a call slow, or to change the service in the middle of it. What runs in
-// them may pull levers. Empty ones remove what was set.
+// them may call these functions. Empty ones remove what was set.
 void OnSensorCall(const std::string& function, std::function<void()> before,
                   std::function<void()> after = nullptr);
 

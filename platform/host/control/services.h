@@ -6,9 +6,9 @@
 #include <mutex>
 #include <string>
 
-// Levers on the services of the simulated platform and on the way to them. A simulated service
-// lives in this program but behaves as one of another process: it is reached through proxies, its
-// death is announced on a thread of the binder pool, and a new start makes new proxies necessary.
+// Controls of the simulated services and of the service manager. A simulated service is in this
+// program but behaves like one in another process: clients reach it through proxies, its death is
+// announced on a thread of the binder pool, and after a restart clients need new proxies.
 
 namespace fp_host {
 
@@ -31,7 +31,7 @@ bool WaitForPools();
 
 // One service with one instance. Not declared and not up at first.
 //
-// Threading:  every lever may be pulled from any thread, calls or none under way.
+// Threading:  any thread may call any operation, also while calls into the service are running.
 class RemoteService {
  public:
   // Relative to the service's work for the call: before, it never saw it; during, it has done the

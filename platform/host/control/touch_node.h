@@ -49,10 +49,10 @@ class TouchNode {
   // The same, but drops the buffer where Push() would block.
   bool TryPushBytes(const std::string& buffer);
 
-  // The device goes away under its users: reads find the end, polls a hang-up. Plug() brings it
+  // The device goes away under its users: reads find the end, polls a hang-up. Reconnect() brings it
   // back behind the same descriptors.
   void HangUp();
-  void Plug();
+  void Reconnect();
 
   // What requests with this number return from now on; 0 is success.
   void Answer(unsigned long number, int result);

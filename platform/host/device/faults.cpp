@@ -64,7 +64,7 @@ void ClearFaults() {
 
 int CountedCalls(const std::string& function) { return Of(function).counted; }
 
-Verdict Judge(Call call) {
+FaultResult CheckFault(Call call) {
   Setting& setting = Of(call);
   if (!setting.set) {
     return {};
@@ -75,7 +75,7 @@ Verdict Judge(Call call) {
     return {};
   }
   if (setting.shorten_to >= 0) {
-    return {.fails = false, .limit = setting.shorten_to};
+    return {.fails = false, .limit = static_cast<size_t>(setting.shorten_to)};
   }
   errno = setting.error;
   return {.fails = true};

@@ -1,22 +1,23 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <sys/types.h>
+#include <cstddef>
+#include <cstdint>
 
-// What the interposed calls ask of the levers in control/faults.h.
+// What the interposed calls ask of the faults in control/faults.h.
 
 namespace fp_host {
 
 enum class Call { kOpen, kFopen, kMkdir, kUnlink, kRead, kWrite, kIoctl, kPoll, kPipe, kFcntl };
 
-struct Verdict {
+struct FaultResult {
   bool fails = false;
-  ssize_t limit = -1;  // bytes to move at most; negative: no limit
+  size_t limit = SIZE_MAX;  // bytes to move at most
 };
 
 // Counts the call if a fault is set for it and says what becomes of it; a failing one has errno
 // set.
-Verdict Judge(Call call);
+FaultResult CheckFault(Call call);
 
 // Whether reads or writes are to be disturbed, also those that stdio makes.
 bool AreTransfersFaulty();

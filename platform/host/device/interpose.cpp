@@ -27,7 +27,7 @@
 namespace {
 
 using fp_host::Call;
-using fp_host::Judge;
+using fp_host::CheckFault;
 using fp_host::TreePath;
 
 // libc's own definition of `name`.
@@ -64,7 +64,7 @@ int Open(OpenFunction* next, const char* path, int flags, mode_t mode) {
   if (!resolved.IsOnDevice() && !is_touch_node) {
     return next(path, flags, mode);
   }
-  if (Judge(Call::kOpen).fails) {
+  if (CheckFault(Call::kOpen).fails) {
     return -1;
   }
   const int fd = is_touch_node ? fp_host::OpenTouchNode() : next(resolved.Get(), flags, mode);
@@ -124,7 +124,7 @@ FILE* Fopen(decltype(fopen)* next, const char* path, const char* mode) {
   if (!resolved.IsOnDevice()) {
     return next(path, mode);
   }
-  if (Judge(Call::kFopen).fails) {
+  if (CheckFault(Call::kFopen).fails) {
     return nullptr;
   }
   return fp_host::AreTransfersFaulty() ? OpenThroughCookie(path, mode) : next(resolved.Get(), mode);
@@ -171,7 +171,7 @@ FILE* fopen64(const char* path, const char* mode) {
 int mkdir(const char* path, mode_t mode) {
   NEXT(mkdir);
   const TreePath resolved(path);
-  if (resolved.IsOnDevice() && Judge(Call::kMkdir).fails) {
+  if (resolved.IsOnDevice() && CheckFault(Call::kMkdir).fails) {
     return -1;
   }
   return next(resolved.Get(), mode);
@@ -180,7 +180,7 @@ int mkdir(const char* path, mode_t mode) {
 int unlink(const char* path) {
   NEXT(unlink);
   const TreePath resolved(path);
-  if (resolved.IsOnDevice() && Judge(Call::kUnlink).fails) {
+  if (resolved.IsOnDevice() && CheckFault(Call::kUnlink).fails) {
     return -1;
   }
   return next(resolved.Get());
@@ -189,13 +189,8 @@ int unlink(const char* path) {
 ssize_t read(int fd, void* buffer, size_t size) {
   NEXT(read);
   if (fp_host::IsTracked(fd)) {
-    const fp_host::Verdict verdict = Judge(Call::kRead);
-    if (verdict.fails) {
-      return -1;
-    }
-    if (verdict.limit >= 0) {
-      size = std::min(size, static_cast<size_t>(verdict.limit));
-    }
+    const fp_host::FaultResult fault = CheckFault(Call::kRead);
+    return fault.fails ? -1 : next(fd, buffer, std::min(size, fault.limit));
   }
   return next(fd, buffer, size);
 }
@@ -203,13 +198,8 @@ ssize_t read(int fd, void* buffer, size_t size) {
 ssize_t write(int fd, const void* buffer, size_t size) {
   NEXT(write);
   if (fp_host::IsTracked(fd)) {
-    const fp_host::Verdict verdict = Judge(Call::kWrite);
-    if (verdict.fails) {
-      return -1;
-    }
-    if (verdict.limit >= 0) {
-      size = std::min(size, static_cast<size_t>(verdict.limit));
-    }
+    const fp_host::FaultResult fault = CheckFault(Call::kWrite);
+    return fault.fails ? -1 : next(fd, buffer, std::min(size, fault.limit));
   }
   return next(fd, buffer, size);
 }
@@ -217,7 +207,7 @@ ssize_t write(int fd, const void* buffer, size_t size) {
 int ioctl(int fd, unsigned long request, ...) {
   NEXT(ioctl);
   OPTIONAL_ARGUMENT(void*, argument, request);
-  if (fp_host::IsTracked(fd) && Judge(Call::kIoctl).fails) {
+  if (fp_host::IsTracked(fd) && CheckFault(Call::kIoctl).fails) {
     return -1;
   }
   return fp_host::IsTouchDescriptor(fd) ? fp_host::TakeTouchRequest(request, argument)
@@ -226,12 +216,12 @@ int ioctl(int fd, unsigned long request, ...) {
 
 int poll(pollfd* fds, nfds_t count, int timeout) {
   NEXT(poll);
-  return Judge(Call::kPoll).fails ? -1 : next(fds, count, timeout);
+  return CheckFault(Call::kPoll).fails ? -1 : next(fds, count, timeout);
 }
 
 int pipe(int fds[2]) {
   auto* const next = NextPipe();
-  if (Judge(Call::kPipe).fails) {
+  if (CheckFault(Call::kPipe).fails) {
     return -1;
   }
   const int result = next(fds);
@@ -245,7 +235,7 @@ int pipe(int fds[2]) {
 int fcntl(int fd, int command, ...) {
   NEXT(fcntl);
   OPTIONAL_ARGUMENT(void*, argument, command);
-  return Judge(Call::kFcntl).fails ? -1 : next(fd, command, argument);
+  return CheckFault(Call::kFcntl).fails ? -1 : next(fd, command, argument);
 }
 
 int close(int fd) {

@@ -172,7 +172,7 @@ void TouchNode::HangUp() {
   }
 }
 
-void TouchNode::Plug() {
+void TouchNode::Reconnect() {
   HangUp();
   const std::lock_guard lock(mutex);
   CloseQuietly(node->device_end);

@@ -16,8 +16,7 @@
 
 namespace ndk {
 
-// An object that owns the knowledge of the shared pointers to it, so that one can be had from the
-// object. Made by make() alone.
+// An object that can hand out shared pointers to itself. Only make() creates it.
 class SharedRefBase {
  public:
   SharedRefBase() = default;
@@ -64,7 +63,7 @@ class SharedRefBase {
 
 namespace std {
 
-// An object that make_shared or make_unique had made would not know its own references.
+// An object made by make_shared or make_unique could not hand out pointers to itself.
 template <typename T, typename... Args>
 requires std::is_base_of_v<::ndk::SharedRefBase, T> shared_ptr<T> make_shared(Args&&... args)
 = delete;
@@ -76,81 +75,44 @@ requires std::is_base_of_v<::ndk::SharedRefBase, T> unique_ptr<T> make_unique(Ar
 
 namespace ndk {
 
-// What every interface is.
+// The base of all interfaces.
 class ICInterface : public SharedRefBase {
  public:
   virtual SpAIBinder asBinder() = 0;
-  virtual bool isRemote() = 0;
-  virtual inline binder_status_t dump(int /*fd*/, const char** /*args*/, uint32_t /*numArgs*/) {
+  virtual binder_status_t dump(int /*fd*/, const char** /*args*/, uint32_t /*numArgs*/) {
     return STATUS_OK;
   }
-
-  // The implementation behind a local binder; null for a remote one.
-  static inline std::shared_ptr<ICInterface> asInterface(AIBinder* binder);
-
-  static inline AIBinder_Class* defineClass(const char* interfaceDescriptor,
-                                            AIBinder_Class_onTransact onTransact);
-
- private:
-  // The user data of a local binder: it keeps its implementation alive.
-  struct Implementation {
-    std::shared_ptr<ICInterface> interface;
-  };
 };
 
-std::shared_ptr<ICInterface> ICInterface::asInterface(AIBinder* binder) {
-  auto* implementation = static_cast<Implementation*>(AIBinder_getUserData(binder));
-  return implementation == nullptr ? nullptr : implementation->interface;
-}
+}  // namespace ndk
 
-AIBinder_Class* ICInterface::defineClass(const char* interfaceDescriptor,
-                                         AIBinder_Class_onTransact onTransact) {
-  AIBinder_Class* clazz = AIBinder_Class_define(
-      interfaceDescriptor,
-      [](void* args) -> void* {
-        return new Implementation{static_cast<ICInterface*>(args)->ref<ICInterface>()};
-      },
-      [](void* userData) { delete static_cast<Implementation*>(userData); }, onTransact);
-  if (clazz != nullptr) {
-    AIBinder_Class_setOnDump(
-        clazz, [](AIBinder* binder, int fd, const char** args, uint32_t numArgs) {
-          const std::shared_ptr<ICInterface> interface = asInterface(binder);
-          return interface == nullptr ? STATUS_OK : interface->dump(fd, args, numArgs);
-        });
-  }
-  return clazz;
-}
+namespace fp_host::binder {
 
-// An implementation. Its binder is made when it is first asked for and stays the same while anyone
-// holds it.
+// The binder of an implementation: `known` if anyone still holds it, else a new one, which becomes
+// the known one. Not part of the platform.
+ndk::SpAIBinder LocalBinderOf(ndk::ICInterface& implementation, const char* descriptor,
+                              std::weak_ptr<AIBinder>& known);
+
+}  // namespace fp_host::binder
+
+namespace ndk {
+
+// An implementation. Its binder keeps it alive, not the other way round.
 template <typename INTERFACE>
 class BnCInterface : public INTERFACE {
  public:
   SpAIBinder asBinder() override final {
     const std::lock_guard<std::mutex> lock(mMutex);
-    SpAIBinder binder;
-    if (mWeakBinder.get() != nullptr) {
-      binder.set(AIBinder_Weak_promote(mWeakBinder.get()));
-    }
-    if (binder.get() == nullptr) {
-      binder = createBinder();
-      mWeakBinder.set(AIBinder_Weak_new(binder.get()));
-    }
-    return binder;
+    return fp_host::binder::LocalBinderOf(*this, INTERFACE::descriptor, mBinder);
   }
-
-  bool isRemote() override final { return false; }
 
   static std::string makeServiceName(std::string_view instance) {
     return INTERFACE::descriptor + ("/" + std::string(instance));
   }
 
- protected:
-  virtual SpAIBinder createBinder() = 0;
-
  private:
   std::mutex mMutex;
-  ScopedAIBinder_Weak mWeakBinder;
+  std::weak_ptr<AIBinder> mBinder;
 };
 
 // A proxy.
@@ -160,7 +122,6 @@ class BpCInterface : public INTERFACE {
   explicit BpCInterface(const SpAIBinder& binder) : mBinder(binder) {}
 
   SpAIBinder asBinder() override final { return mBinder; }
-  bool isRemote() override final { return AIBinder_isRemote(mBinder.get()); }
   binder_status_t dump(int fd, const char** args, uint32_t numArgs) override {
     return AIBinder_dump(mBinder.get(), fd, args, numArgs);
   }

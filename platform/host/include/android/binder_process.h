@@ -12,6 +12,5 @@ __BEGIN_DECLS
 void ABinderProcess_startThreadPool(void);
 // How many threads may join the first as need arises; 15 unless set.
 bool ABinderProcess_setThreadPoolMaxThreadCount(uint32_t numThreads);
-bool ABinderProcess_isThreadPoolStarted(void);
 
 __END_DECLS

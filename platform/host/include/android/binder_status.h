@@ -29,7 +29,6 @@ enum {
   STATUS_FDS_NOT_ALLOWED = STATUS_UNKNOWN_ERROR + 7,
   STATUS_UNEXPECTED_NULL = STATUS_UNKNOWN_ERROR + 8,
 };
-// One of STATUS_*; any other value counts as STATUS_UNKNOWN_ERROR.
 typedef int32_t binder_status_t;
 
 enum {
@@ -46,39 +45,25 @@ enum {
   // Reserved for the transport's own errors.
   EX_TRANSACTION_FAILED = -129,
 };
-// One of EX_*; any other value counts as EX_TRANSACTION_FAILED.
 typedef int32_t binder_exception_t;
 
 // The result of a call: ok, an exception of the service, or an error of the transport.
 struct AStatus;
 typedef struct AStatus AStatus;
 
-// A new status belongs to the caller, who releases it with AStatus_delete(). The ok status is one
-// for the whole process and needs no release.
+// The caller owns a new status and releases it with AStatus_delete().
 AStatus* AStatus_newOk(void) __attribute__((warn_unused_result));
-AStatus* AStatus_fromExceptionCode(binder_exception_t exception)
-    __attribute__((warn_unused_result));
 AStatus* AStatus_fromExceptionCodeWithMessage(binder_exception_t exception, const char* message)
     __attribute__((warn_unused_result));
-AStatus* AStatus_fromServiceSpecificError(int32_t serviceSpecific)
-    __attribute__((warn_unused_result));
-AStatus* AStatus_fromServiceSpecificErrorWithMessage(int32_t serviceSpecific, const char* message)
-    __attribute__((warn_unused_result));
 AStatus* AStatus_fromStatus(binder_status_t status) __attribute__((warn_unused_result));
+void AStatus_delete(AStatus* status);
 
 // None of these takes null.
 bool AStatus_isOk(const AStatus* status);
 binder_exception_t AStatus_getExceptionCode(const AStatus* status);
-// Zero unless the exception is EX_SERVICE_SPECIFIC.
-int32_t AStatus_getServiceSpecificError(const AStatus* status);
-// Zero unless the exception is EX_TRANSACTION_FAILED.
+// STATUS_OK unless the exception is EX_TRANSACTION_FAILED.
 binder_status_t AStatus_getStatus(const AStatus* status);
 // Never null; lives as long as the status.
 const char* AStatus_getMessage(const AStatus* status);
-// To be released with AStatus_deleteDescription().
-const char* AStatus_getDescription(const AStatus* status) __attribute__((warn_unused_result));
-void AStatus_deleteDescription(const char* description);
-
-void AStatus_delete(AStatus* status);
 
 __END_DECLS

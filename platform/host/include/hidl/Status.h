@@ -1,9 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <string>
-#include <utility>
-
 #include <hidl/HidlSupport.h>
 #include <utils/Errors.h>
 #include <utils/StrongPointer.h>
@@ -13,43 +10,41 @@ namespace android::hardware {
 // The result of the transport.
 class Status final {
  public:
-  static Status ok();
-  static Status fromStatusT(status_t status);
-
-  Status() = default;
+  static Status ok() { return Status(OK); }
+  static Status fromStatusT(status_t status) { return Status(status); }
 
   bool isOk() const { return mError == OK; }
   status_t transactionError() const { return mError; }
-  std::string description() const;
 
  private:
   explicit Status(status_t error) : mError(error) {}
 
-  status_t mError = OK;
+  status_t mError;
 };
 
 namespace details {
 
-// A failed result that nobody has asked for ends the process when it goes.
+// Aborts the process if it is a failure and is destroyed before anyone has asked for it.
 class return_status {
  public:
-  return_status() = default;
   return_status(const Status& status) : mStatus(status) {}  // NOLINT: implicit
-  return_status(const return_status&) = delete;
-  return_status& operator=(const return_status&) = delete;
-  return_status(return_status&& other) noexcept { *this = std::move(other); }
-  return_status& operator=(return_status&& other) noexcept;
+  return_status(return_status&& other) noexcept
+      : mStatus(other.mStatus), mCheckedStatus(other.mCheckedStatus) {
+    other.mCheckedStatus = true;
+  }
+  return_status& operator=(return_status&&) = delete;
   ~return_status();
 
   bool isOk() const {
     mCheckedStatus = true;
     return mStatus.isOk();
   }
+  // Asks for this one failure only.
   bool isDeadObject() const {
-    mCheckedStatus = true;
-    return mStatus.transactionError() == DEAD_OBJECT;
+    const bool is_dead = mStatus.transactionError() == DEAD_OBJECT;
+    mCheckedStatus = mCheckedStatus || is_dead;
+    return is_dead;
   }
-  std::string description() const { return mStatus.description(); }
 
  private:
   Status mStatus;
@@ -65,12 +60,9 @@ class Return;
 template <>
 class Return<void> : public details::return_status {
  public:
-  Return() = default;
-  Return(const Status& status) : return_status(status) {}  // NOLINT: implicit
-  Return(Return&&) = default;
-  Return& operator=(Return&&) = default;
+  using return_status::return_status;
 };
 
-inline Return<void> Void() { return Return<void>(); }
+inline Return<void> Void() { return Status::ok(); }
 
 }  // namespace android::hardware

@@ -1,58 +1,42 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "binder/ibinder.h"
 
-#include <utility>
+#include <cstring>
 
-#include <android/log.h>
-
-#include "binder/death.h"
 #include "ipc/pool.h"
 
-AIBinder::AIBinder() : weak_cell_(std::make_shared<fp_host::binder::WeakCell>()) {
-  weak_cell_->binder = this;
-}
-
 void AIBinder::DecStrong() {
-  if (strong_.fetch_sub(1) != 1) {
-    return;
+  if (--strong_ == 0) {
+    const std::shared_ptr<AIBinder> last = std::move(self_);
   }
-  {
-    const std::lock_guard lock(weak_cell_->mutex);
-    weak_cell_->binder = nullptr;
-  }
-  delete this;
 }
 
-bool AIBinder::TryIncStrong() {
-  int32_t count = strong_;
-  while (count > 0 && !strong_.compare_exchange_weak(count, count + 1)) {
+ndk::SpAIBinder AIBinder::Promote(const std::weak_ptr<AIBinder>& weak) {
+  const std::shared_ptr<AIBinder> binder = weak.lock();
+  int32_t count = binder == nullptr ? 0 : binder->strong_.load();
+  while (count > 0 && !binder->strong_.compare_exchange_weak(count, count + 1)) {
   }
-  return count > 0;
+  return ndk::SpAIBinder(count > 0 ? binder.get() : nullptr);
 }
 
 namespace fp_host::binder {
 
-ndk::SpAIBinder Promote(WeakCell& cell) {
-  const std::lock_guard lock(cell.mutex);
-  const bool is_held = cell.binder != nullptr && cell.binder->TryIncStrong();
-  return ndk::SpAIBinder(is_held ? cell.binder : nullptr);
-}
-
-LocalBinder::LocalBinder(const AIBinder_Class* clazz, void* args)
-    : class_(clazz), user_data_(clazz->on_create(args)) {}
-
-LocalBinder::~LocalBinder() { class_->on_destroy(user_data_); }
-
-binder_status_t LocalBinder::Dump(int fd, const char** args, uint32_t num_args) {
-  return class_->on_dump == nullptr ? STATUS_OK : class_->on_dump(this, fd, args, num_args);
+ndk::SpAIBinder LocalBinderOf(ndk::ICInterface& implementation, const char* descriptor,
+                              std::weak_ptr<AIBinder>& known) {
+  ndk::SpAIBinder binder = AIBinder::Promote(known);
+  if (binder.get() == nullptr) {
+    binder.set(new LocalBinder(implementation.ref<ndk::ICInterface>(), descriptor));
+    known = binder.get()->GetWeak();
+  }
+  return binder;
 }
 
 ndk::SpAIBinder LocalBinder::GetProxy() {
   const std::lock_guard lock(mutex_);
-  ndk::SpAIBinder proxy = proxy_ == nullptr ? nullptr : Promote(*proxy_);
+  ndk::SpAIBinder proxy = Promote(proxy_);
   if (proxy.get() == nullptr) {
     proxy.set(new RemoteBinder(this));
-    proxy_ = proxy.get()->GetWeakCell();
+    proxy_ = proxy.get()->GetWeak();
   }
   return proxy;
 }
@@ -61,91 +45,74 @@ void LocalBinder::PostOneway(std::function<void()> call) {
   const std::lock_guard lock(mutex_);
   oneway_calls_.push_back(std::move(call));
   if (oneway_calls_.size() == 1) {
-    IncStrong();  // for the work that runs them
-    ipc::BinderPool().Post([this] { RunOneOneway(); });
-  }
-}
-
-void LocalBinder::RunOneOneway() {
-  const ndk::SpAIBinder self(this);
-  std::unique_lock lock(mutex_);
-  {
-    // Its place stays, so that no other work begins the next.
-    const std::function<void()> call = std::move(oneway_calls_.front());
-    lock.unlock();
-    call();
-  }
-  lock.lock();
-  oneway_calls_.pop_front();
-  if (!oneway_calls_.empty()) {
     IncStrong();
-    ipc::BinderPool().Post([this] { RunOneOneway(); });
+    ipc::BinderPool().Post([self = ndk::SpAIBinder(this)] {
+      static_cast<LocalBinder*>(self.get())->RunOnewayCalls();
+    });
   }
 }
 
-RemoteBinder::RemoteBinder(LocalBinder* target) : target_(target) { target_->IncStrong(); }
-
-bool RemoteBinder::Associate(const AIBinder_Class* clazz) {
-  if (class_ != nullptr) {
-    return class_ == clazz;
+void LocalBinder::RunOnewayCalls() {
+  std::unique_lock lock(mutex_);
+  while (!oneway_calls_.empty()) {
+    std::function<void()> call = std::move(oneway_calls_.front());
+    lock.unlock();
+    if (IsHomeAlive()) {
+      call();
+    }
+    call = nullptr;  // what it holds is released without the lock
+    lock.lock();
+    oneway_calls_.pop_front();
   }
-  // The object is asked for its interface, so it has to be there.
-  if (!Ping() || target_->GetClass()->descriptor != clazz->descriptor) {
+}
+
+RemoteBinder::RemoteBinder(LocalBinder* target) : target_((target->IncStrong(), target)) {}
+
+bool RemoteBinder::HasInterface(const char* descriptor) {
+  if (!interface_known_ && !IsAlive()) {
     return false;
   }
-  class_ = clazz;
-  return true;
+  interface_known_ = true;
+  return strcmp(GetTarget()->GetDescriptor(), descriptor) == 0;
 }
 
-bool RemoteBinder::Ping() {
-  const auto& home = target_->GetHome();
-  if (home != nullptr && !home->IsAlive()) {
-    alive_ = false;
+bool RemoteBinder::IsAlive() {
+  if (!GetTarget()->IsHomeAlive()) {
+    known_dead_ = true;
   }
-  return alive_;
+  return !known_dead_;
 }
 
 bool RemoteBinder::Call(const std::function<void()>& serve) {
-  const auto& home = target_->GetHome();
+  const auto& home = GetTarget()->GetHome();
   if (home == nullptr) {
     serve();
     return true;
   }
-  // A dead object never revives, so what is known to be dead is not asked again.
-  if (!alive_ || !home->Call(serve)) {
-    alive_ = false;
+  // A dead object never revives, so it is not asked again.
+  if (known_dead_ || !home->Call(serve)) {
+    known_dead_ = true;
     return false;
   }
   return true;
 }
 
 binder_status_t RemoteBinder::Link(const std::shared_ptr<DeathLink>& link) {
-  if (!ipc::BinderPool().IsStarted()) {
-    __android_log_print(ANDROID_LOG_WARN, "libbinder_ndk",
-                        "Linking to death on %s, but no thread of the pool was started (yet?)",
-                        target_->GetClass()->descriptor.c_str());
-  }
   const std::lock_guard lock(mutex_);
   if (announced_) {
     return STATUS_DEAD_OBJECT;
   }
-  DropExpiredLinks();
   links_.push_back(link);
-  if (!std::exchange(watched_, true)) {
+  if (!std::exchange(watched_, true) && GetTarget()->GetHome() != nullptr) {
     Watch();
   }
   return STATUS_OK;
 }
 
-// A death without anyone linked is not announced, so that a later link still hears of it.
 void RemoteBinder::Watch() {
-  const auto& home = target_->GetHome();
-  if (home == nullptr) {
-    return;  // this process does not see its own death
-  }
-  home->OnDeath([cell = GetWeakCell()] {
-    ipc::BinderPool().Post([cell] {
-      const ndk::SpAIBinder binder = Promote(*cell);
+  GetTarget()->GetHome()->OnDeath([weak = GetWeak()] {
+    ipc::BinderPool().Post([weak] {
+      const ndk::SpAIBinder binder = Promote(weak);
       if (binder.get() != nullptr) {
         binder.get()->AsRemote()->Announce();
       }
@@ -157,34 +124,18 @@ void RemoteBinder::Announce() {
   std::vector<std::weak_ptr<DeathLink>> links;
   {
     const std::lock_guard lock(mutex_);
-    DropExpiredLinks();
-    announced_ = !links_.empty();
-    watched_ = announced_;
+    announced_ = true;
+    known_dead_ = true;
     links.swap(links_);
-    alive_ = alive_ && !announced_;
   }
   for (const auto& weak_link : links) {
     if (const std::shared_ptr<DeathLink> link = weak_link.lock()) {
-      link->Deliver();
+      link->on_died(link->cookie);
     }
   }
 }
 
-binder_status_t RemoteBinder::Unlink(const DeathLink* link) {
-  const std::lock_guard lock(mutex_);
-  std::erase_if(links_, [link](const auto& other) { return other.lock().get() == link; });
-  return announced_ ? STATUS_DEAD_OBJECT : STATUS_OK;
-}
-
-// Those whose recipient was deleted.
-void RemoteBinder::DropExpiredLinks() {
-  std::erase_if(links_, [](const auto& link) { return link.expired(); });
-}
-
 ndk::SpAIBinder CrossOver(const ndk::SpAIBinder& binder) {
-  if (binder.get() == nullptr) {
-    return nullptr;
-  }
   if (LocalBinder* local = binder.get()->AsLocal()) {
     return local->GetProxy();
   }

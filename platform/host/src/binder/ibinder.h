@@ -7,33 +7,17 @@
 #include <functional>
 #include <memory>
 #include <mutex>
-#include <string>
+#include <utility>
 #include <vector>
 
-#include <android/binder_auto_utils.h>
-#include <android/binder_ibinder.h>
+#include <android/binder_interface_utils.h>
 
 #include "ipc/process.h"
-
-struct AIBinder_Class {
-  const std::string descriptor;
-  const AIBinder_Class_onCreate on_create;
-  const AIBinder_Class_onDestroy on_destroy;
-  AIBinder_onDump on_dump = nullptr;  // set before objects of the class are made
-};
 
 namespace fp_host::binder {
 
 class LocalBinder;
 class RemoteBinder;
-class DeathLink;
-
-// Where weak references look: outlives the object.
-struct WeakCell {
-  std::mutex mutex;
-  AIBinder* binder;  // Guarded by mutex; null once the object is going.
-};
-ndk::SpAIBinder Promote(WeakCell& cell);
 
 }  // namespace fp_host::binder
 
@@ -42,99 +26,95 @@ struct AIBinder {
   AIBinder(const AIBinder&) = delete;
   AIBinder& operator=(const AIBinder&) = delete;
 
-  void IncStrong() { strong_.fetch_add(1); }
+  void IncStrong() { ++strong_; }
   void DecStrong();
   int32_t CountStrong() const { return strong_; }
-  const std::shared_ptr<fp_host::binder::WeakCell>& GetWeakCell() const { return weak_cell_; }
 
-  virtual const AIBinder_Class* GetClass() const = 0;
-  virtual bool Associate(const AIBinder_Class* clazz) = 0;
-  // At most one of the two is not null.
+  // One of the two is not null.
   virtual fp_host::binder::LocalBinder* AsLocal() { return nullptr; }
   virtual fp_host::binder::RemoteBinder* AsRemote() { return nullptr; }
 
+  // For someone who holds a strong reference.
+  std::weak_ptr<AIBinder> GetWeak() const { return self_; }
+  // A new strong reference, or null if there are none left.
+  static ndk::SpAIBinder Promote(const std::weak_ptr<AIBinder>& weak);
+
  protected:
-  AIBinder();
+  AIBinder() : self_(this, [](AIBinder* binder) { delete binder; }) {}
   virtual ~AIBinder() = default;
 
  private:
-  friend ndk::SpAIBinder fp_host::binder::Promote(fp_host::binder::WeakCell& cell);
-
-  bool TryIncStrong();
-
   std::atomic<int32_t> strong_ = 1;
-  const std::shared_ptr<fp_host::binder::WeakCell> weak_cell_;
+  std::shared_ptr<AIBinder> self_;  // reset with the last strong reference
 };
 
 namespace fp_host::binder {
 
-// An object whose implementation is in this program, as one of this process or, by a lever, of a
-// simulated other one.
+// One AIBinder_linkToDeath(), owned by the recipient and by a notification that is being delivered.
+struct DeathLink {
+  AIBinder_DeathRecipient_onBinderDied on_died;
+  void* cookie;
+};
+
+// An object implemented in this program. It belongs to this process, or to a simulated other one.
 class LocalBinder : public AIBinder {
  public:
-  LocalBinder(const AIBinder_Class* clazz, void* args);
-  ~LocalBinder() override;
+  LocalBinder(std::shared_ptr<ndk::ICInterface> implementation, const char* descriptor)
+      : implementation_(std::move(implementation)), descriptor_(descriptor) {}
 
-  const AIBinder_Class* GetClass() const override { return class_; }
-  bool Associate(const AIBinder_Class* clazz) override { return clazz == class_; }
   LocalBinder* AsLocal() override { return this; }
-  void* GetUserData() const { return user_data_; }
-  binder_status_t Dump(int fd, const char** args, uint32_t num_args);
+  const std::shared_ptr<ndk::ICInterface>& GetImplementation() const { return implementation_; }
+  const char* GetDescriptor() const { return descriptor_; }
 
-  // The proxy through which processes other than the object's own see it: one while it is held.
+  // The proxy through which other processes see the object: one while it is held.
   ndk::SpAIBinder GetProxy();
 
   // The process that the object is in; null for this one. Set before the first proxy is made.
   void SetHome(std::shared_ptr<ipc::Process> home) { home_ = std::move(home); }
   const std::shared_ptr<ipc::Process>& GetHome() const { return home_; }
+  bool IsHomeAlive() const { return home_ == nullptr || home_->IsAlive(); }
 
-  // Runs oneway calls one after the other on the threads of the binder pool.
+  // Runs one-way calls one after the other on a thread of the binder pool.
   void PostOneway(std::function<void()> call);
 
  private:
-  void RunOneOneway();
+  void RunOnewayCalls();
 
   // Constant after construction.
-  const AIBinder_Class* const class_;
-  void* const user_data_;
+  const std::shared_ptr<ndk::ICInterface> implementation_;
+  const char* const descriptor_;
   std::shared_ptr<ipc::Process> home_;
 
   std::mutex mutex_;
 
   // Guarded by mutex_.
-  std::shared_ptr<WeakCell> proxy_;
-  std::deque<std::function<void()>> oneway_calls_;
+  std::weak_ptr<AIBinder> proxy_;
+  std::deque<std::function<void()>> oneway_calls_;  // the first one is running
 };
 
-// A proxy.
 class RemoteBinder : public AIBinder {
  public:
-  // Takes a reference to `target`.
   explicit RemoteBinder(LocalBinder* target);
-  ~RemoteBinder() override { target_->DecStrong(); }
 
-  const AIBinder_Class* GetClass() const override { return class_; }
-  bool Associate(const AIBinder_Class* clazz) override;
   RemoteBinder* AsRemote() override { return this; }
-  LocalBinder* GetTarget() const { return target_; }
+  LocalBinder* GetTarget() const { return target_.get()->AsLocal(); }
 
-  bool IsAlive() const { return alive_; }
-  // Asks the object's process.
-  bool Ping();
+  // Whether the object has this interface. It is asked the first time, so it has to be alive then.
+  bool HasInterface(const char* descriptor);
   // False if the object's process died before its answer was out.
   bool Call(const std::function<void()>& serve);
+  // False if the object's process is dead.
+  bool IsAlive();
 
   binder_status_t Link(const std::shared_ptr<DeathLink>& link);
-  binder_status_t Unlink(const DeathLink* link);
 
  private:
-  void Watch();  // with mutex_ held
+  void Watch();
   void Announce();
-  void DropExpiredLinks();  // with mutex_ held
 
-  LocalBinder* const target_;
-  std::atomic<const AIBinder_Class*> class_ = nullptr;
-  std::atomic<bool> alive_ = true;  // as far as known
+  const ndk::SpAIBinder target_;
+  std::atomic<bool> interface_known_ = false;
+  std::atomic<bool> known_dead_ = false;
 
   std::mutex mutex_;
 
@@ -144,8 +124,8 @@ class RemoteBinder : public AIBinder {
   std::vector<std::weak_ptr<DeathLink>> links_;
 };
 
-// The same object as seen from the other side of a call: a proxy of what is local to the sender,
-// the object itself where the proxy goes home. Null stays null.
+// The same object as the receiver of a call sees it: a proxy of an object of the sender, the object
+// itself where the proxy goes home.
 ndk::SpAIBinder CrossOver(const ndk::SpAIBinder& binder);
 
 }  // namespace fp_host::binder

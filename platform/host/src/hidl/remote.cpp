@@ -9,6 +9,14 @@
 #include "ipc/pool.h"
 
 namespace fp_host::hidl {
+namespace {
+
+[[noreturn]] void Abort(const char* reason) {
+  __android_log_print(ANDROID_LOG_FATAL, "HidlTransport", "%s", reason);
+  abort();
+}
+
+}  // namespace
 
 Status Remote::Call(const std::function<void()>& serve) const {
   if (home_ == nullptr) {
@@ -19,19 +27,22 @@ Status Remote::Call(const std::function<void()>& serve) const {
 }
 
 Status Remote::CallOneway(std::function<void()> serve) const {
-  if (home_ != nullptr && !home_->IsAlive()) {
+  const auto is_alive = [home = home_] { return home == nullptr || home->IsAlive(); };
+  if (!is_alive()) {
     return Status::fromStatusT(android::DEAD_OBJECT);
   }
-  ipc::HidlPool().Start();  // whoever receives calls has a pool
-  ipc::HidlPool().Post(std::move(serve));
+  ipc::HidlPool().Start();  // a process that receives calls has a pool
+  ipc::HidlPool().Post([is_alive, serve = std::move(serve)] {
+    if (is_alive()) {
+      serve();
+    }
+  });
   return Status::ok();
 }
 
 void CheckAnswered(bool is_right) {
   if (!is_right) {
-    __android_log_print(ANDROID_LOG_FATAL, "HidlTransport",
-                        "A HIDL server must call its callback exactly once");
-    abort();
+    Abort("A HIDL server must call its callback exactly once");
   }
 }
 
@@ -39,12 +50,18 @@ void CheckAnswered(bool is_right) {
 
 namespace android::hardware {
 
+details::return_status::~return_status() {
+  if (!mCheckedStatus && !mStatus.isOk()) {
+    fp_host::hidl::Abort("Failed HIDL return status not checked");
+  }
+}
+
 bool interfacesEqual(const sp<hidl::base::V1_0::IBase>& left,
                      const sp<hidl::base::V1_0::IBase>& right) {
   if (left == nullptr || right == nullptr || !left->isRemote() || !right->isRemote()) {
     return left == right;
   }
-  return left->GetRemoteObject() != nullptr && left->GetRemoteObject() == right->GetRemoteObject();
+  return left->getSimulatedObject() == right->getSimulatedObject();
 }
 
 }  // namespace android::hardware

@@ -15,9 +15,6 @@
 namespace fp_host::hidl {
 
 using android::sp;
-using android::hardware::hidl_handle;
-using android::hardware::hidl_string;
-using android::hardware::hidl_vec;
 using android::hardware::Return;
 using android::hardware::Status;
 using android::hidl::base::V1_0::IBase;
@@ -28,7 +25,7 @@ struct Entry {
   std::shared_ptr<ipc::Process> home;
 };
 
-// What a proxy knows of the object that it stands for.
+// What a proxy knows of its object.
 class Remote {
  public:
   // `home` is the object's process, null for this one.
@@ -40,7 +37,8 @@ class Remote {
 
   // A call on the object: OK or DEAD_OBJECT.
   Status Call(const std::function<void()>& serve) const;
-  // One that nobody waits for, on the thread of the HIDL pool.
+  // A call that nobody waits for, on the thread of the HIDL pool. It is lost if the object's process
+  // dies first.
   Status CallOneway(std::function<void()> serve) const;
 
  private:
@@ -48,7 +46,7 @@ class Remote {
   const std::shared_ptr<ipc::Process> home_;
 };
 
-// Ends the process unless it is right so: a server answers each call exactly once.
+// Aborts unless `is_right`: a server answers each call exactly once.
 void CheckAnswered(bool is_right);
 
 // A call whose results come back through a callback: once, and not at all if the transport fails.
@@ -70,24 +68,17 @@ Return<void> Query(const Remote& remote, const std::function<void(const RESULTS&
   return android::hardware::Void();
 }
 
-// What the proxies of all interfaces do alike.
+// What the proxies of all interfaces have in common.
 template <typename INTERFACE>
 class Proxy : public INTERFACE, public Remote {
  public:
   using Remote::Remote;
 
   bool isRemote() const override { return true; }
-
-  Return<void> debug(const hidl_handle& fd, const hidl_vec<hidl_string>& options) override {
-    const hidl_handle duplicate = fd;  // the other process gets descriptors of its own
-    return Call([&] { Get().debug(duplicate, options).isOk(); });
-  }
+  const IBase* getSimulatedObject() const override { return GetObject().get(); }
 
  protected:
   INTERFACE& Get() const { return static_cast<INTERFACE&>(*GetObject()); }
-
- private:
-  const IBase* GetRemoteObject() const override { return GetObject().get(); }
 };
 
 }  // namespace fp_host::hidl

@@ -19,11 +19,6 @@ void Pool::SetMaxMoreThreads(uint32_t count) {
   max_more_threads_ = count;
 }
 
-bool Pool::IsStarted() const {
-  const std::lock_guard lock(mutex_);
-  return threads_ > 0;
-}
-
 void Pool::Post(std::function<void()> work) {
   const std::lock_guard lock(mutex_);
   work_.push_back(std::move(work));

@@ -18,7 +18,6 @@ class Pool {
   // Starts the first thread. More join it when work finds all busy, up to the limit.
   void Start();
   void SetMaxMoreThreads(uint32_t count);
-  bool IsStarted() const;
 
   void Post(std::function<void()> work);
 

@@ -12,7 +12,7 @@
 
 namespace fp_host::ipc {
 
-// What calls into a service meet. The levers write it; it holds over restarts of the service.
+// What happens to calls into a service. Set by the controls, kept over restarts of the service.
 struct CallPlan {
   std::mutex mutex;
   std::condition_variable changed;

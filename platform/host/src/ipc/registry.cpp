@@ -48,11 +48,6 @@ void Registry::Remove(const std::string& name, const std::shared_ptr<void>& obje
   }
 }
 
-std::shared_ptr<void> Registry::Check(const std::string& name) const {
-  const std::lock_guard lock(mutex_);
-  return failing_ ? nullptr : Find(name);
-}
-
 std::shared_ptr<void> Registry::Wait(const std::string& name) const {
   std::unique_lock lock(mutex_);
   ++waiting_;

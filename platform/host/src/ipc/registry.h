@@ -24,9 +24,8 @@ class Registry {
   // Forgets `object`, if that is what the name stands for.
   void Remove(const std::string& name, const std::shared_ptr<void>& object);
 
-  // Null if there is nothing by that name.
-  std::shared_ptr<void> Check(const std::string& name) const;
-  // Waits until there is; null if the service manager fails. Logs every second.
+  // Waits until there is something by that name; null if the service manager fails. Logs every
+  // second.
   std::shared_ptr<void> Wait(const std::string& name) const;
 
   // See control/services.h.

@@ -128,7 +128,8 @@ void SetSensorFault(const SensorFault& fault) {
   CheckName(fault.function);
   {
     const std::lock_guard lock(Get().mutex);
-    Get().faults[fault.function] = fault;
+    const bool is_of_list = fault.function == "ASensorManager_getSensorList";
+    Get().faults[is_of_list ? kListQuery : fault.function] = fault;
     Get().Update();
   }
   TheLooper().Recheck();

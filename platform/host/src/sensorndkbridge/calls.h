@@ -19,8 +19,9 @@ bool AreCallsObserved();
 enum class Moment { kBefore, kAfter };
 void RunHook(const char* function, Moment moment);
 
-// The result that a fault gives to this call.
+// The result that a fault gives to this call, or to the bridge's query for the sensor list.
 std::optional<int> TakeFault(const char* function);
+inline constexpr char kListQuery[] = "query for the sensor list";
 
 bool AreCallsRecorded();
 void RecordCall(const char* function, std::initializer_list<std::string> arguments,

@@ -92,16 +92,7 @@ ALooper* ALooper_prepare(int opts) {
       "ALooper_prepare", [] { return &TheLooper(); }, opts);
 }
 
-int ALooper_pollOnce(int timeout_ms, int* out_fd, int* out_events, void** out_data) {
-  if (out_fd != nullptr) {
-    *out_fd = 0;
-  }
-  if (out_events != nullptr) {
-    *out_events = 0;
-  }
-  if (out_data != nullptr) {
-    *out_data = nullptr;
-  }
+int ALooper_pollOnce(int timeout_ms, int* /*out_fd*/, int* /*out_events*/, void** /*out_data*/) {
   return PlatformCall(
       "ALooper_pollOnce", [timeout_ms] { return TheLooper().Poll(timeout_ms); }, timeout_ms);
 }

@@ -6,6 +6,7 @@
 
 #include <utils/Errors.h>
 
+#include "sensorndkbridge/calls.h"
 #include "sensorndkbridge/looper.h"
 
 namespace fp_host {
@@ -77,12 +78,15 @@ ASensorManager* SensorService::Connect() {
   return manager_;
 }
 
-// Only the first time: a manager keeps the list that it has once fetched.
+// Only the first time: a manager keeps its first list, which is empty if the query for it failed.
 void SensorService::LoadList(ASensorManager& manager) {
   if (manager.has_list) {
     return;
   }
   manager.has_list = true;
+  if (TakeFault(kListQuery)) {
+    return;
+  }
   for (const FakeSensor& sensor : sensors_) {
     manager.sensors.push_back({&manager, sensor});
     manager.list.push_back(&manager.sensors.back());

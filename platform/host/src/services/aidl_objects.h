@@ -13,6 +13,6 @@ namespace fp_host {
 std::shared_ptr<void> Publish(const ndk::SpAIBinder& local, std::shared_ptr<ipc::Process> process);
 
 // The same for an object of an interface that nobody expects.
-std::shared_ptr<void> PublishStranger(std::shared_ptr<ipc::Process> process);
+std::shared_ptr<void> PublishUnknownInterface(std::shared_ptr<ipc::Process> process);
 
 }  // namespace fp_host

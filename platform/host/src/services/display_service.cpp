@@ -70,7 +70,7 @@ std::shared_ptr<void> DisplayService::MakeService(const std::shared_ptr<ipc::Pro
 }
 
 std::shared_ptr<void> DisplayService::MakeImpostor(const std::shared_ptr<ipc::Process>& process) {
-  return PublishStranger(process);
+  return PublishUnknownInterface(process);
 }
 
 }  // namespace fp_host

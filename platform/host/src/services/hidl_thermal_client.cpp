@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "ipc/process.h"
-#include "thermal_hidl/proxies.h"
+#include "hidl_thermal/proxies.h"
 
 namespace fp_host {
 

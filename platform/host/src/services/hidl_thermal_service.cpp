@@ -28,7 +28,6 @@ struct HidlThermalService::State {
   // Guarded by mutex.
   std::vector<Temperature> temperatures;
   std::optional<std::string> refusal;
-  int answers_per_call = 1;
 };
 
 class HidlThermalService::Implementation : public IThermal {
@@ -46,9 +45,7 @@ class HidlThermalService::Implementation : public IThermal {
     std::copy_if(
         state_->temperatures.begin(), state_->temperatures.end(), std::back_inserter(answer),
         [&](const Temperature& temperature) { return !filter_type || temperature.type == type; });
-    for (int i = 0; i < state_->answers_per_call; ++i) {
-      _hidl_cb({ThermalStatusCode::SUCCESS, ""}, answer);
-    }
+    _hidl_cb({ThermalStatusCode::SUCCESS, ""}, answer);
     return Void();
   }
 
@@ -110,11 +107,6 @@ void HidlThermalService::Refuse(std::string message) {
 void HidlThermalService::Accept() {
   const std::lock_guard lock(state_->mutex);
   state_->refusal.reset();
-}
-
-void HidlThermalService::SetAnswersPerCall(int answers) {
-  const std::lock_guard lock(state_->mutex);
-  state_->answers_per_call = answers;
 }
 
 std::shared_ptr<void> HidlThermalService::MakeService(

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "control/thermal_service.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <deque>
 #include <iterator>
@@ -33,13 +34,10 @@ struct ThermalService::State {
                        std::optional<Type> filter, std::vector<Record>* answer) {
     const std::lock_guard lock(mutex);
     WriteDown(call, filter);
-    if (refusal != nullptr) {
-      return refusal();
-    }
     const auto& all = this->*records;
     std::copy_if(all.begin(), all.end(), std::back_inserter(*answer),
                  [&](const Record& record) { return record.type == filter.value_or(record.type); });
-    return ScopedAStatus::ok();
+    return refusal == nullptr ? ScopedAStatus::ok() : refusal();
   }
 
   ScopedAStatus Register(const char* call, const Callback& callback,
@@ -48,6 +46,9 @@ struct ThermalService::State {
     WriteDown(call, filter);
     if (refusal != nullptr) {
       return refusal();
+    }
+    if (callback == nullptr || Find(callback) != registrations.end()) {
+      return ScopedAStatus::fromExceptionCode(EX_ILLEGAL_ARGUMENT);
     }
     registrations.push_back({callback, filter});
     return ScopedAStatus::ok();
@@ -59,10 +60,11 @@ struct ThermalService::State {
     if (refusal != nullptr) {
       return refusal();
     }
-    // Each call brings a proxy of its own; their binder says whether they are the same.
-    std::erase_if(registrations, [&](const Registration& registration) {
-      return registration.callback->asBinder() == callback->asBinder();
-    });
+    const auto known = callback == nullptr ? registrations.end() : Find(callback);
+    if (known == registrations.end()) {
+      return ScopedAStatus::fromExceptionCode(EX_ILLEGAL_ARGUMENT);
+    }
+    registrations.erase(known);
     return ScopedAStatus::ok();
   }
 
@@ -77,6 +79,13 @@ struct ThermalService::State {
   std::deque<std::string> calls;
 
  private:
+  // Each call brings another proxy; two are of one callback if they have the same binder.
+  std::vector<Registration>::iterator Find(const Callback& callback) {
+    return std::find_if(registrations.begin(), registrations.end(), [&](const auto& registration) {
+      return registration.callback->asBinder() == callback->asBinder();
+    });
+  }
+
   template <typename Type>
   void WriteDown(const char* call, std::optional<Type> filter) {
     calls.push_back(call);
@@ -204,7 +213,7 @@ std::shared_ptr<void> ThermalService::MakeService(const std::shared_ptr<ipc::Pro
 }
 
 std::shared_ptr<void> ThermalService::MakeImpostor(const std::shared_ptr<ipc::Process>& process) {
-  return PublishStranger(process);
+  return PublishUnknownInterface(process);
 }
 
 }  // namespace fp_host

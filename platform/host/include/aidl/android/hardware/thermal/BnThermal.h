@@ -5,15 +5,6 @@
 
 namespace aidl::android::hardware::thermal {
 
-class BnThermal : public ::ndk::BnCInterface<IThermal> {
- public:
-  BnThermal();
-  virtual ~BnThermal();
-  ::ndk::ScopedAStatus getInterfaceVersion(int32_t* _aidl_return) final;
-  ::ndk::ScopedAStatus getInterfaceHash(std::string* _aidl_return) final;
-
- protected:
-  ::ndk::SpAIBinder createBinder() override;
-};
+class BnThermal : public ::ndk::BnCInterface<IThermal> {};
 
 }  // namespace aidl::android::hardware::thermal

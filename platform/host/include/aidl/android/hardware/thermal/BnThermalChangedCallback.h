@@ -5,15 +5,6 @@
 
 namespace aidl::android::hardware::thermal {
 
-class BnThermalChangedCallback : public ::ndk::BnCInterface<IThermalChangedCallback> {
- public:
-  BnThermalChangedCallback();
-  virtual ~BnThermalChangedCallback();
-  ::ndk::ScopedAStatus getInterfaceVersion(int32_t* _aidl_return) final;
-  ::ndk::ScopedAStatus getInterfaceHash(std::string* _aidl_return) final;
-
- protected:
-  ::ndk::SpAIBinder createBinder() override;
-};
+class BnThermalChangedCallback : public ::ndk::BnCInterface<IThermalChangedCallback> {};
 
 }  // namespace aidl::android::hardware::thermal

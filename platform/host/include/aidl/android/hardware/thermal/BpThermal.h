@@ -7,8 +7,7 @@ namespace aidl::android::hardware::thermal {
 
 class BpThermal : public ::ndk::BpCInterface<IThermal> {
  public:
-  explicit BpThermal(const ::ndk::SpAIBinder& binder);
-  virtual ~BpThermal();
+  using BpCInterface::BpCInterface;
 
   ::ndk::ScopedAStatus getCoolingDevices(
       std::vector<::aidl::android::hardware::thermal::CoolingDevice>* _aidl_return) override;
@@ -35,8 +34,6 @@ class BpThermal : public ::ndk::BpCInterface<IThermal> {
   ::ndk::ScopedAStatus unregisterThermalChangedCallback(
       const std::shared_ptr<::aidl::android::hardware::thermal::IThermalChangedCallback>&
           in_callback) override;
-  ::ndk::ScopedAStatus getInterfaceVersion(int32_t* _aidl_return) override;
-  ::ndk::ScopedAStatus getInterfaceHash(std::string* _aidl_return) override;
 };
 
 }  // namespace aidl::android::hardware::thermal

@@ -7,13 +7,10 @@ namespace aidl::android::hardware::thermal {
 
 class BpThermalChangedCallback : public ::ndk::BpCInterface<IThermalChangedCallback> {
  public:
-  explicit BpThermalChangedCallback(const ::ndk::SpAIBinder& binder);
-  virtual ~BpThermalChangedCallback();
+  using BpCInterface::BpCInterface;
 
   ::ndk::ScopedAStatus notifyThrottling(
       const ::aidl::android::hardware::thermal::Temperature& in_temperature) override;
-  ::ndk::ScopedAStatus getInterfaceVersion(int32_t* _aidl_return) override;
-  ::ndk::ScopedAStatus getInterfaceHash(std::string* _aidl_return) override;
 };
 
 }  // namespace aidl::android::hardware::thermal

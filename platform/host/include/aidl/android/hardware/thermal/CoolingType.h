@@ -1,10 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <array>
 #include <cstdint>
-
-#include <android/binder_enums.h>
 
 namespace aidl::android::hardware::thermal {
 
@@ -27,27 +24,3 @@ enum class CoolingType : int32_t {
 };
 
 }  // namespace aidl::android::hardware::thermal
-
-namespace ndk::internal {
-
-template <>
-constexpr inline std::array<::aidl::android::hardware::thermal::CoolingType, 15>
-    enum_values<::aidl::android::hardware::thermal::CoolingType> = {
-        ::aidl::android::hardware::thermal::CoolingType::FAN,
-        ::aidl::android::hardware::thermal::CoolingType::BATTERY,
-        ::aidl::android::hardware::thermal::CoolingType::CPU,
-        ::aidl::android::hardware::thermal::CoolingType::GPU,
-        ::aidl::android::hardware::thermal::CoolingType::MODEM,
-        ::aidl::android::hardware::thermal::CoolingType::NPU,
-        ::aidl::android::hardware::thermal::CoolingType::COMPONENT,
-        ::aidl::android::hardware::thermal::CoolingType::TPU,
-        ::aidl::android::hardware::thermal::CoolingType::POWER_AMPLIFIER,
-        ::aidl::android::hardware::thermal::CoolingType::DISPLAY,
-        ::aidl::android::hardware::thermal::CoolingType::SPEAKER,
-        ::aidl::android::hardware::thermal::CoolingType::WIFI,
-        ::aidl::android::hardware::thermal::CoolingType::CAMERA,
-        ::aidl::android::hardware::thermal::CoolingType::FLASHLIGHT,
-        ::aidl::android::hardware::thermal::CoolingType::USB_PORT,
-};
-
-}  // namespace ndk::internal

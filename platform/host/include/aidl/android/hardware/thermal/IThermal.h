@@ -23,11 +23,6 @@ namespace aidl::android::hardware::thermal {
 class IThermal : public ::ndk::ICInterface {
  public:
   static const char* descriptor;
-  IThermal();
-  virtual ~IThermal();
-
-  static const int32_t version = 1;
-  static inline const std::string hash = "76e77ca374a7860f09aeac48e98b2ec61f576767";
 
   static std::shared_ptr<IThermal> fromBinder(const ::ndk::SpAIBinder& binder);
 
@@ -56,8 +51,6 @@ class IThermal : public ::ndk::ICInterface {
   virtual ::ndk::ScopedAStatus unregisterThermalChangedCallback(
       const std::shared_ptr<::aidl::android::hardware::thermal::IThermalChangedCallback>&
           in_callback) = 0;
-  virtual ::ndk::ScopedAStatus getInterfaceVersion(int32_t* _aidl_return) = 0;
-  virtual ::ndk::ScopedAStatus getInterfaceHash(std::string* _aidl_return) = 0;
 };
 
 }  // namespace aidl::android::hardware::thermal

@@ -14,19 +14,12 @@ namespace aidl::android::hardware::thermal {
 class IThermalChangedCallback : public ::ndk::ICInterface {
  public:
   static const char* descriptor;
-  IThermalChangedCallback();
-  virtual ~IThermalChangedCallback();
-
-  static const int32_t version = 1;
-  static inline const std::string hash = "76e77ca374a7860f09aeac48e98b2ec61f576767";
 
   static std::shared_ptr<IThermalChangedCallback> fromBinder(const ::ndk::SpAIBinder& binder);
 
   // Oneway: nobody waits for it.
   virtual ::ndk::ScopedAStatus notifyThrottling(
       const ::aidl::android::hardware::thermal::Temperature& in_temperature) = 0;
-  virtual ::ndk::ScopedAStatus getInterfaceVersion(int32_t* _aidl_return) = 0;
-  virtual ::ndk::ScopedAStatus getInterfaceHash(std::string* _aidl_return) = 0;
 };
 
 }  // namespace aidl::android::hardware::thermal

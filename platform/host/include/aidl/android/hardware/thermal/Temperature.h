@@ -2,7 +2,6 @@
 #pragma once
 
 #include <string>
-#include <tuple>
 
 #include <aidl/android/hardware/thermal/TemperatureType.h>
 #include <aidl/android/hardware/thermal/ThrottlingSeverity.h>
@@ -13,18 +12,10 @@ namespace aidl::android::hardware::thermal {
 // percent. NaN where there is no reading.
 class Temperature {
  public:
-  static const char* descriptor;
-
   TemperatureType type = TemperatureType(0);
   std::string name;
   float value = 0.0f;
   ThrottlingSeverity throttlingStatus = ThrottlingSeverity(0);
-
-  inline bool operator==(const Temperature& rhs) const {
-    return std::tie(type, name, value, throttlingStatus) ==
-           std::tie(rhs.type, rhs.name, rhs.value, rhs.throttlingStatus);
-  }
-  inline bool operator!=(const Temperature& rhs) const { return !(*this == rhs); }
 };
 
 }  // namespace aidl::android::hardware::thermal

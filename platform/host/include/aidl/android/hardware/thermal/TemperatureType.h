@@ -1,10 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <array>
 #include <cstdint>
-
-#include <android/binder_enums.h>
 
 namespace aidl::android::hardware::thermal {
 
@@ -33,33 +30,3 @@ enum class TemperatureType : int32_t {
 };
 
 }  // namespace aidl::android::hardware::thermal
-
-namespace ndk::internal {
-
-template <>
-constexpr inline std::array<::aidl::android::hardware::thermal::TemperatureType, 21>
-    enum_values<::aidl::android::hardware::thermal::TemperatureType> = {
-        ::aidl::android::hardware::thermal::TemperatureType::UNKNOWN,
-        ::aidl::android::hardware::thermal::TemperatureType::CPU,
-        ::aidl::android::hardware::thermal::TemperatureType::GPU,
-        ::aidl::android::hardware::thermal::TemperatureType::BATTERY,
-        ::aidl::android::hardware::thermal::TemperatureType::SKIN,
-        ::aidl::android::hardware::thermal::TemperatureType::USB_PORT,
-        ::aidl::android::hardware::thermal::TemperatureType::POWER_AMPLIFIER,
-        ::aidl::android::hardware::thermal::TemperatureType::BCL_VOLTAGE,
-        ::aidl::android::hardware::thermal::TemperatureType::BCL_CURRENT,
-        ::aidl::android::hardware::thermal::TemperatureType::BCL_PERCENTAGE,
-        ::aidl::android::hardware::thermal::TemperatureType::NPU,
-        ::aidl::android::hardware::thermal::TemperatureType::TPU,
-        ::aidl::android::hardware::thermal::TemperatureType::DISPLAY,
-        ::aidl::android::hardware::thermal::TemperatureType::MODEM,
-        ::aidl::android::hardware::thermal::TemperatureType::SOC,
-        ::aidl::android::hardware::thermal::TemperatureType::WIFI,
-        ::aidl::android::hardware::thermal::TemperatureType::CAMERA,
-        ::aidl::android::hardware::thermal::TemperatureType::FLASHLIGHT,
-        ::aidl::android::hardware::thermal::TemperatureType::SPEAKER,
-        ::aidl::android::hardware::thermal::TemperatureType::AMBIENT,
-        ::aidl::android::hardware::thermal::TemperatureType::POGO,
-};
-
-}  // namespace ndk::internal

@@ -1,10 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <array>
 #include <cstdint>
-
-#include <android/binder_enums.h>
 
 namespace aidl::android::hardware::thermal {
 
@@ -19,19 +16,3 @@ enum class ThrottlingSeverity : int32_t {
 };
 
 }  // namespace aidl::android::hardware::thermal
-
-namespace ndk::internal {
-
-template <>
-constexpr inline std::array<::aidl::android::hardware::thermal::ThrottlingSeverity, 7>
-    enum_values<::aidl::android::hardware::thermal::ThrottlingSeverity> = {
-        ::aidl::android::hardware::thermal::ThrottlingSeverity::NONE,
-        ::aidl::android::hardware::thermal::ThrottlingSeverity::LIGHT,
-        ::aidl::android::hardware::thermal::ThrottlingSeverity::MODERATE,
-        ::aidl::android::hardware::thermal::ThrottlingSeverity::SEVERE,
-        ::aidl::android::hardware::thermal::ThrottlingSeverity::CRITICAL,
-        ::aidl::android::hardware::thermal::ThrottlingSeverity::EMERGENCY,
-        ::aidl::android::hardware::thermal::ThrottlingSeverity::SHUTDOWN,
-};
-
-}  // namespace ndk::internal

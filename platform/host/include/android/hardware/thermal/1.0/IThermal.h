@@ -12,8 +12,6 @@ namespace android::hardware::thermal::V1_0 {
 
 // Each operation calls its callback exactly once before it returns, unless the transport fails.
 struct IThermal : public ::android::hidl::base::V1_0::IBase {
-  static const char* descriptor;
-
   using getTemperatures_cb = std::function<void(
       const ThermalStatus& status, const ::android::hardware::hidl_vec<Temperature>& temperatures)>;
   virtual ::android::hardware::Return<void> getTemperatures(getTemperatures_cb _hidl_cb) = 0;

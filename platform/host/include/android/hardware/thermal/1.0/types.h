@@ -34,28 +34,11 @@ struct Temperature final {
   float vrThrottlingThreshold;
 };
 
-static inline bool operator==(const Temperature& lhs, const Temperature& rhs) {
-  return lhs.type == rhs.type && lhs.name == rhs.name && lhs.currentValue == rhs.currentValue &&
-         lhs.throttlingThreshold == rhs.throttlingThreshold &&
-         lhs.shutdownThreshold == rhs.shutdownThreshold &&
-         lhs.vrThrottlingThreshold == rhs.vrThrottlingThreshold;
-}
-static inline bool operator!=(const Temperature& lhs, const Temperature& rhs) {
-  return !(lhs == rhs);
-}
-
 struct CoolingDevice final {
   CoolingType type;
   ::android::hardware::hidl_string name;
   float currentValue;
 };
-
-static inline bool operator==(const CoolingDevice& lhs, const CoolingDevice& rhs) {
-  return lhs.type == rhs.type && lhs.name == rhs.name && lhs.currentValue == rhs.currentValue;
-}
-static inline bool operator!=(const CoolingDevice& lhs, const CoolingDevice& rhs) {
-  return !(lhs == rhs);
-}
 
 struct CpuUsage final {
   ::android::hardware::hidl_string name;
@@ -63,12 +46,6 @@ struct CpuUsage final {
   uint64_t total;
   bool isOnline;
 };
-
-static inline bool operator==(const CpuUsage& lhs, const CpuUsage& rhs) {
-  return lhs.name == rhs.name && lhs.active == rhs.active && lhs.total == rhs.total &&
-         lhs.isOnline == rhs.isOnline;
-}
-static inline bool operator!=(const CpuUsage& lhs, const CpuUsage& rhs) { return !(lhs == rhs); }
 
 struct ThermalStatus final {
   ThermalStatusCode code;

@@ -58,14 +58,6 @@ struct IThermal : public ::android::hardware::thermal::V1_0::IThermal {
   // service is up. `getStub` asks for an implementation in this process, of which there is none.
   static ::android::sp<IThermal> getService(const std::string& serviceName = "default",
                                             bool getStub = false);
-  static ::android::sp<IThermal> getService(const char serviceName[], bool getStub = false) {
-    return getService(std::string(serviceName == nullptr ? "" : serviceName), getStub);
-  }
-  static ::android::sp<IThermal> getService(const ::android::hardware::hidl_string& serviceName,
-                                            bool getStub = false) {
-    return getService(std::string(serviceName.c_str()), getStub);
-  }
-  static ::android::sp<IThermal> getService(bool getStub) { return getService("default", getStub); }
 };
 
 }  // namespace android::hardware::thermal::V2_0

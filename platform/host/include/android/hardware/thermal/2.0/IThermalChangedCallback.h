@@ -8,8 +8,6 @@
 namespace android::hardware::thermal::V2_0 {
 
 struct IThermalChangedCallback : public ::android::hidl::base::V1_0::IBase {
-  static const char* descriptor;
-
   // Oneway: nobody waits for it.
   virtual ::android::hardware::Return<void> notifyThrottling(
       const ::android::hardware::thermal::V2_0::Temperature& temperature) = 0;

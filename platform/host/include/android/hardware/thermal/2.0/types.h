@@ -52,16 +52,6 @@ struct TemperatureThreshold final {
   float vrThrottlingThreshold;
 };
 
-static inline bool operator==(const TemperatureThreshold& lhs, const TemperatureThreshold& rhs) {
-  return lhs.type == rhs.type && lhs.name == rhs.name &&
-         lhs.hotThrottlingThresholds == rhs.hotThrottlingThresholds &&
-         lhs.coldThrottlingThresholds == rhs.coldThrottlingThresholds &&
-         lhs.vrThrottlingThreshold == rhs.vrThrottlingThreshold;
-}
-static inline bool operator!=(const TemperatureThreshold& lhs, const TemperatureThreshold& rhs) {
-  return !(lhs == rhs);
-}
-
 // Degrees Celsius, or for the kinds BCL_* millivolts, milliamperes or percent.
 struct Temperature final {
   TemperatureType type;
@@ -70,25 +60,10 @@ struct Temperature final {
   ThrottlingSeverity throttlingStatus;
 };
 
-static inline bool operator==(const Temperature& lhs, const Temperature& rhs) {
-  return lhs.type == rhs.type && lhs.name == rhs.name && lhs.value == rhs.value &&
-         lhs.throttlingStatus == rhs.throttlingStatus;
-}
-static inline bool operator!=(const Temperature& lhs, const Temperature& rhs) {
-  return !(lhs == rhs);
-}
-
 struct CoolingDevice final {
   CoolingType type;
   ::android::hardware::hidl_string name;
   uint64_t value;
 };
-
-static inline bool operator==(const CoolingDevice& lhs, const CoolingDevice& rhs) {
-  return lhs.type == rhs.type && lhs.name == rhs.name && lhs.value == rhs.value;
-}
-static inline bool operator!=(const CoolingDevice& lhs, const CoolingDevice& rhs) {
-  return !(lhs == rhs);
-}
 
 }  // namespace android::hardware::thermal::V2_0

@@ -6,30 +6,19 @@
 #include <utils/RefBase.h>
 
 namespace android::hidl::base::V1_0 {
-struct IBase;
-}  // namespace android::hidl::base::V1_0
 
-namespace android::hardware {
-bool interfacesEqual(const sp<hidl::base::V1_0::IBase>& left,
-                     const sp<hidl::base::V1_0::IBase>& right);
-}  // namespace android::hardware
-
-namespace android::hidl::base::V1_0 {
-
-// What every HIDL interface can do. An implementation overrides debug() at most.
+// The base of all HIDL interfaces.
 struct IBase : virtual public ::android::RefBase {
-  static const char* descriptor;
-
   virtual bool isRemote() const { return false; }
 
   virtual ::android::hardware::Return<void> debug(
-      const ::android::hardware::hidl_handle& fd,
-      const ::android::hardware::hidl_vec<::android::hardware::hidl_string>& options);
+      const ::android::hardware::hidl_handle& /*fd*/,
+      const ::android::hardware::hidl_vec<::android::hardware::hidl_string>& /*options*/) {
+    return ::android::hardware::Void();
+  }
 
- private:
-  // Of the stand-in alone: the object in another process that a proxy stands for, or null.
-  friend bool hardware::interfacesEqual(const sp<IBase>& left, const sp<IBase>& right);
-  virtual const IBase* GetRemoteObject() const { return nullptr; }
+  // Not part of the platform: the object itself, or the one that this is a proxy of.
+  virtual const IBase* getSimulatedObject() const { return this; }
 };
 
 }  // namespace android::hidl::base::V1_0

@@ -5,13 +5,6 @@
 
 namespace aidl::com::norvan::hardware::kestra::display {
 
-class BnDisplay : public ::ndk::BnCInterface<IDisplay> {
- public:
-  BnDisplay();
-  virtual ~BnDisplay();
-
- protected:
-  ::ndk::SpAIBinder createBinder() override;
-};
+class BnDisplay : public ::ndk::BnCInterface<IDisplay> {};
 
 }  // namespace aidl::com::norvan::hardware::kestra::display

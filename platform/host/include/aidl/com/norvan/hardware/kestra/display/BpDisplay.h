@@ -7,8 +7,7 @@ namespace aidl::com::norvan::hardware::kestra::display {
 
 class BpDisplay : public ::ndk::BpCInterface<IDisplay> {
  public:
-  explicit BpDisplay(const ::ndk::SpAIBinder& binder);
-  virtual ~BpDisplay();
+  using BpCInterface::BpCInterface;
 
   ::ndk::ScopedAStatus setLhbmState(bool in_enabled) override;
 };

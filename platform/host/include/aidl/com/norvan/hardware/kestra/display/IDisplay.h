@@ -12,10 +12,6 @@ namespace aidl::com::norvan::hardware::kestra::display {
 class IDisplay : public ::ndk::ICInterface {
  public:
   static const char* descriptor;
-  IDisplay();
-  virtual ~IDisplay();
-
-  static const int32_t version = 4;
 
   // The implementation behind a local binder, a new proxy for a remote one; null for null and for
   // an object of another interface.

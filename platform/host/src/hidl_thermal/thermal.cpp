@@ -2,15 +2,13 @@
 #include <android/hardware/thermal/2.0/IThermal.h>
 
 #include "ipc/registry.h"
-#include "thermal_hidl/proxies.h"
+#include "hidl_thermal/proxies.h"
 
 namespace android::hardware::thermal::V2_0 {
 
 using fp_host::hidl::Query;
 
 const char* IThermal::descriptor = "android.hardware.thermal@2.0::IThermal";
-const char* IThermalChangedCallback::descriptor =
-    "android.hardware.thermal@2.0::IThermalChangedCallback";
 
 sp<IThermal> IThermal::getService(const std::string& service_name, bool get_stub) {
   auto& services = fp_host::ipc::Registry::Get();

@@ -8,8 +8,6 @@
 #include <cerrno>
 #include <functional>
 #include <iterator>
-#include <random>
-#include <set>
 #include <thread>
 
 #include <aidl/android/hardware/thermal/IThermal.h>
@@ -21,6 +19,7 @@
 #include "fp_utils/thermal.h"
 #include "fp_utils/thermal_hidl_wrapper.h"
 #include "support/device_test.h"
+#include "support/hal_faults.h"
 #include "support/recorder.h"
 
 namespace {
@@ -32,17 +31,14 @@ using android::fp_utils::Thermal;
 using android::hardware::thermal::V1_0::ThermalStatus;
 using android::hardware::thermal::V1_0::ThermalStatusCode;
 using fp_host::HidlThermalClient;
+using fp_host::RemoteService;
 using fp_host::ThermalService;
 using fp_host::WaitForPools;
-using Death = fp_host::RemoteService::Death;
 
 constexpr auto kSkin = V2_0::TemperatureType::SKIN;
-constexpr char kGone[] = "";  // the message of a service that is dead
+constexpr char kNotReady[] = "not ready";
+constexpr char kNoMessage[] = "";  // of a service that is dead, or says no reason
 constexpr char kRegisteredBefore[] = "The callback was already registered through wrapper";
-
-ndk::ScopedAStatus NotReady() {
-  return ndk::ScopedAStatus::fromExceptionCodeWithMessage(EX_ILLEGAL_STATE, "not ready");
-}
 
 // A wrapper on a service, and two HIDL clients of it.
 class Bridge {
@@ -108,146 +104,57 @@ TEST_F(ThermalFaultsTest, EveryOperationOfTheWrapperMeetsEveryFault) {
   const Bridge::Operation kOperations[] = {&Bridge::Temperatures, &Bridge::Thresholds,
                                            &Bridge::CoolingDevices, &Bridge::RegisterFirst,
                                            &Bridge::UnregisterSecond};
-  const struct {
-    const char* name;
-    std::function<void(ThermalService&)> strike;
-    const char* answer;
-    bool dead;  // when the call is over
-  } kFaults[] = {
-      {"none", [](auto&) {}, "ok", false},
-      {"is dead", [](auto& service) { service.Kill(); }, kGone, true},
-      {"dies before", [](auto& service) { service.DieAtCall(1, Death::kBefore); }, kGone, true},
-      {"dies during", [](auto& service) { service.DieAtCall(1, Death::kDuring); }, kGone, true},
-      {"dies after", [](auto& service) { service.DieAtCall(1, Death::kAfter); }, "ok", true},
-      {"refuses", [](auto& service) { service.Refuse(NotReady); }, "not ready", false},
-      {"answers without a status",
-       [](auto& service) { service.Refuse([] { return ndk::ScopedAStatus(); }); }, kGone, false},
-      {"is slow", [](auto& service) { service.SetDelay(std::chrono::milliseconds(2)); }, "ok",
-       false},
-      {"came back as another",
-       [](auto& service) {
-         service.Kill();
-         service.Start();
-       },
-       kGone, true},
+  const auto refuse = [](std::function<ndk::ScopedAStatus()> answer) {
+    return
+        [answer](RemoteService& service) { static_cast<ThermalService&>(service).Refuse(answer); };
   };
+  const auto kFaults = fp_test::HalFaults({
+      {.name = "is dead",
+       .strike = [](auto& service) { service.Kill(); },
+       .answered = false,
+       .dead = true},
+      {.name = "came back as another",
+       .strike =
+           [](auto& service) {
+             service.Kill();
+             service.Start();
+           },
+       .answered = false,
+       .dead = true},
+      {.name = kNotReady,
+       .strike = refuse([] {
+         return ndk::ScopedAStatus::fromExceptionCodeWithMessage(EX_ILLEGAL_STATE, kNotReady);
+       }),
+       .answered = false},
+      {.name = "answers without a status",
+       .strike = refuse([] { return ndk::ScopedAStatus(); }),
+       .answered = false},
+      {.name = "sends a reply that ends early",
+       .strike = refuse([] { return ndk::ScopedAStatus::fromStatus(STATUS_NOT_ENOUGH_DATA); }),
+       .answered = false},
+  });
   for (const auto& fault : kFaults) {
     for (size_t form = 0; form < 2 * std::size(kOperations); ++form) {
       SCOPED_TRACE(std::string(fault.name) + ", form " + std::to_string(form));
       ThermalService service;
+      service.SetTemperatures({{}});
+      service.SetThresholds({{}});
+      service.SetCoolingDevices({{}});
       Bridge bridge(service);
       bridge.filter = form % 2 == 1;
       EXPECT_EQ("ok", bridge.Register(1));
       fault.strike(service);
-      EXPECT_EQ(fault.answer, (bridge.*kOperations[form / 2])());
+      const char* failure = fault.name == kNotReady ? kNotReady : kNoMessage;
+      EXPECT_EQ(fault.answered ? "ok" : failure, (bridge.*kOperations[form / 2])());
       service.Accept();
-      service.SetDelay(std::chrono::milliseconds(0));
-      service.Start();
-      EXPECT_EQ(fault.dead ? kGone : "ok", bridge.Temperatures()) << "no second connection";
+      fp_test::Repair(service);
+      EXPECT_EQ(fault.dead ? kNoMessage : "ok", bridge.Temperatures()) << "no second connection";
       bridge.Connect();
       EXPECT_EQ("ok", bridge.Temperatures());
       EXPECT_EQ("ok", bridge.Register(1)) << "the new wrapper knows of no callback";
     }
   }
 }
-
-// A random life of a bridge next to what is expected of it.
-class RandomBridge {
- public:
-  explicit RandomBridge(uint64_t seed) : random_(seed) {}
-
-  void Run(int steps) {
-    for (int i = 0; i < steps && !::testing::Test::HasFailure(); ++i) {
-      Step();
-    }
-  }
-
- private:
-  void Step() {
-    const size_t client = random_() % 2;
-    switch (random_() % 12) {
-      case 0:
-        bridge_.service.Kill();
-        connected_ = false;
-        return;
-      case 1:
-        bridge_.service.Start();
-        bridge_.Connect();
-        if (!connected_) {
-          at_service_.clear();
-        }
-        listed_.clear();
-        connected_ = true;
-        return;
-      case 2:
-        refusing_ = !refusing_;
-        refusing_ ? bridge_.service.Refuse(NotReady) : bridge_.service.Accept();
-        return;
-      case 3:
-      case 4:
-        Notify();
-        return;
-      case 5:
-        EXPECT_EQ(Expected(), bridge_.Temperatures());
-        return;
-      case 6:
-      case 7:
-      case 8:
-        Register(client);
-        return;
-      default:
-        Unregister(client);
-    }
-  }
-
-  std::string Expected() const { return !connected_ ? kGone : refusing_ ? "not ready" : "ok"; }
-
-  void Register(size_t client) {
-    const std::string expected = listed_.contains(client) ? kRegisteredBefore : Expected();
-    EXPECT_EQ(expected, bridge_.Register(client));
-    if (expected == "ok") {
-      listed_.insert(client);
-      at_service_.insert(client);
-    }
-  }
-
-  void Unregister(size_t client) {
-    const std::string expected = !listed_.contains(client)
-                                     ? "The callback was not registered through wrapper before"
-                                     : Expected();
-    EXPECT_EQ(expected, bridge_.Unregister(client));
-    if (expected == "ok") {
-      listed_.erase(client);
-      at_service_.erase(at_service_.find(client));
-    }
-  }
-
-  void Notify() {
-    bridge_.service.Notify({});
-    EXPECT_TRUE(WaitForPools());
-    for (size_t client = 0; client < 2; ++client) {
-      EXPECT_EQ(connected_ ? at_service_.count(client) : 0,
-                bridge_.clients[client].TakeReceived().size());
-    }
-  }
-
-  std::mt19937_64 random_;
-  ThermalService service_;
-  Bridge bridge_{service_};
-  bool connected_ = true;
-  bool refusing_ = false;
-  std::set<size_t> listed_;           // with the present wrapper
-  std::multiset<size_t> at_service_;  // also those of earlier wrappers
-};
-
-void RunBridges(int count, uint64_t seed) {
-  fp_test::RunSeeded("bridges", count, seed, [](uint64_t own) { RandomBridge(own).Run(40); });
-}
-
-TEST_F(ThermalFaultsTest, RandomBridges) { RunBridges(fp_test::Share(300), 1); }
-
-using LongThermalFaultsTest = ThermalFaultsTest;
-TEST_F(LongThermalFaultsTest, RandomBridges) { RunBridges(10000, std::random_device()()); }
 
 TEST_F(ThermalFaultsTest, OneWrapperServesManyThreads) {
   ThermalService service;
