@@ -17,7 +17,7 @@ struct IThermal;
 
 namespace android::fp_utils {
 
-class Lifeline;
+class LivenessGuard;
 
 // Tells how hard the device throttles for heat. Reaches the AIDL thermal HAL where the device
 // declares it, the HIDL 2.0 one otherwise; there is one attempt to connect, on a worker thread that
@@ -52,7 +52,7 @@ class FP_UTILS_EXPORT Thermal {
 
   // Constant after construction.
   sp<ConnectThermalHalThread> connect_thermal_hal_thread_;
-  const std::shared_ptr<Lifeline> lifeline_;  // the worker's way to this object
+  const std::shared_ptr<LivenessGuard> liveness_;  // shared with the worker
 
   // Whether thermal_ is set, for the constructor, which must not wait for the lock.
   std::atomic<bool> connected_ = false;

@@ -18,7 +18,7 @@
 #include <utils/Trace.h>
 
 #include "common/log.h"
-#include "connectors/lifeline.h"
+#include "connectors/liveness_guard.h"
 #include "fp_utils/critical_errors.h"
 
 namespace android::fp_utils {
@@ -26,7 +26,7 @@ namespace {
 
 using aidl::com::norvan::hardware::kestra::display::IDisplay;
 
-constexpr const char* kTag = log_tag::kDisplayController;
+constexpr char kTag[] = "DisplayController";
 
 using Clock = std::chrono::steady_clock;
 
@@ -34,39 +34,44 @@ long long MillisecondsSince(Clock::time_point start) {
   return std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start).count();
 }
 
-// A notification of death that is under way arrives even after its recipient was deleted, with a
-// cookie that may no longer be a controller. So it looks up here how to reach the controller.
-struct LiveControllers {
-  std::mutex mutex;
-  std::map<const void*, std::shared_ptr<Lifeline>> lifelines FP_GUARDED_BY(mutex);
+// A notification of death can still be delivered after its recipient was deleted, with a cookie
+// that is no controller any more. So the cookie is only a key: this finds the controller's guard.
+// The instance is never destroyed, because notifications come until the process is gone.
+class LiveControllers {
+ public:
+  static LiveControllers& Get() {
+    static auto* const live = new LiveControllers;
+    return *live;
+  }
+
+  void Add(const void* controller) {
+    const std::lock_guard lock(mutex_);
+    guards_[controller] = std::make_shared<LivenessGuard>();
+  }
+
+  // Null if there is no such controller.
+  std::shared_ptr<LivenessGuard> Find(const void* controller) {
+    const std::lock_guard lock(mutex_);
+    const auto entry = guards_.find(controller);
+    return entry == guards_.end() ? nullptr : entry->second;
+  }
+
+  std::shared_ptr<LivenessGuard> Take(const void* controller) {
+    const std::lock_guard lock(mutex_);
+    return std::move(guards_.extract(controller).mapped());
+  }
+
+ private:
+  std::mutex mutex_;
+  std::map<const void*, std::shared_ptr<LivenessGuard>> guards_ FP_GUARDED_BY(mutex_);
 };
-
-// Never destroyed: notifications may come until the process is gone.
-LiveControllers& Live() {
-  static auto* const live = new LiveControllers;
-  return *live;
-}
-
-std::shared_ptr<Lifeline> FindLifeline(const void* controller) {
-  const std::lock_guard lock(Live().mutex);
-  const auto entry = Live().lifelines.find(controller);
-  return entry == Live().lifelines.end() ? nullptr : entry->second;
-}
-
-std::shared_ptr<Lifeline> TakeLifeline(const void* controller) {
-  const std::lock_guard lock(Live().mutex);
-  return std::move(Live().lifelines.extract(controller).mapped());
-}
 
 }  // namespace
 
-DisplayController::DisplayController() {
-  const std::lock_guard lock(Live().mutex);
-  Live().lifelines[this] = std::make_shared<Lifeline>();
-}
+DisplayController::DisplayController() { LiveControllers::Get().Add(this); }
 
 DisplayController::~DisplayController() {
-  TakeLifeline(this)->Cut();
+  LiveControllers::Get().Take(this)->Invalidate();
   AIBinder_DeathRecipient_delete(death_recipient_);
 }
 
@@ -100,13 +105,13 @@ int DisplayController::SetLhbm(bool on, unsigned int* elapsed) {
 }
 
 bool DisplayController::Switch(bool on) {
-  // Without a display service there is no connection, and that fails like a refusal.
+  // On a device without a display service there is no connection: the switch has failed.
   if (display_ != nullptr && display_->setLhbmState(on).isOk()) {
     return true;
   }
   FP_LOG_ERROR(kTag, "[%s] Failed to setLhbmState %d", "SetLhbm", static_cast<int>(on));
   if (on) {
-    // Only this spoils a capture; a display that stays bright is seen by its user.
+    // Only this spoils a capture. A display that stays bright is visible to the user.
     CriticalErrors::GetInstance().AddErrorEvent(
         std::make_shared<ErrorEvent>("failed to enable lhbm"));
   }
@@ -140,8 +145,8 @@ int DisplayController::ConnectDisplayHal()
 }
 
 void DisplayController::BinderOnDeath(void* cookie) {
-  if (const std::shared_ptr<Lifeline> lifeline = FindLifeline(cookie)) {
-    lifeline->IfAlive([cookie] { static_cast<DisplayController*>(cookie)->BinderDied(); });
+  if (const std::shared_ptr<LivenessGuard> guard = LiveControllers::Get().Find(cookie)) {
+    guard->RunIfAlive([cookie] { static_cast<DisplayController*>(cookie)->BinderDied(); });
   }
 }
 

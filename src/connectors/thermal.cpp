@@ -15,7 +15,7 @@
 #include <utils/Thread.h>
 
 #include "common/log.h"
-#include "connectors/lifeline.h"
+#include "connectors/liveness_guard.h"
 #include "fp_utils/thermal_hidl_wrapper.h"
 
 namespace android::fp_utils {
@@ -28,7 +28,7 @@ using hardware::thermal::V2_0::IThermal;
 using hardware::thermal::V2_0::Temperature;
 using hardware::thermal::V2_0::TemperatureType;
 
-constexpr const char* kTag = log_tag::kThermal;
+constexpr char kTag[] = "FpThermal";
 
 // The constructor runs inside GetInstance() on a HAL thread and must not hold it up.
 constexpr int64_t kConnectionWaitMs = 10;
@@ -56,8 +56,8 @@ sp<IThermal> ConnectAidlService() {
 // Connects once and ends.
 class Thermal::ConnectThermalHalThread : public Thread {
  public:
-  ConnectThermalHalThread(Thermal* thermal_monitor, std::shared_ptr<Lifeline> lifeline)
-      : thermal_monitor_(thermal_monitor), lifeline_(std::move(lifeline)) {}
+  ConnectThermalHalThread(Thermal* thermal_monitor, std::shared_ptr<LivenessGuard> liveness)
+      : thermal_monitor_(thermal_monitor), liveness_(std::move(liveness)) {}
 
  private:
   bool threadLoop() override {
@@ -72,7 +72,7 @@ class Thermal::ConnectThermalHalThread : public Thread {
       FP_LOG_ERROR(kTag, "[%s] Failed to connect to Thermal HAL service", "threadLoop");
       return false;
     }
-    lifeline_->IfAlive([&] {
+    liveness_->RunIfAlive([&] {
       const std::lock_guard lock(thermal_monitor_->mutex_);
       thermal_monitor_->thermal_ = std::move(thermal);
       thermal_monitor_->connected_ = true;
@@ -82,8 +82,8 @@ class Thermal::ConnectThermalHalThread : public Thread {
     return false;
   }
 
-  Thermal* const thermal_monitor_;  // Not owned; reached through lifeline_ alone.
-  const std::shared_ptr<Lifeline> lifeline_;
+  Thermal* const thermal_monitor_;  // Not owned; reached through liveness_ alone.
+  const std::shared_ptr<LivenessGuard> liveness_;
 };
 
 Thermal& Thermal::GetInstance() {
@@ -91,9 +91,9 @@ Thermal& Thermal::GetInstance() {
   return *instance;
 }
 
-Thermal::Thermal() : lifeline_(std::make_shared<Lifeline>()) {
+Thermal::Thermal() : liveness_(std::make_shared<LivenessGuard>()) {
   connect_thermal_hal_thread_ =
-      sp<ConnectThermalHalThread>(new ConnectThermalHalThread(this, lifeline_));
+      sp<ConnectThermalHalThread>(new ConnectThermalHalThread(this, liveness_));
   connect_thermal_hal_thread_->run("ConnectThermalHalThread", 0, 0);
   FP_LOG_DEBUG(kTag, "%s: Waiting for thermal hal connected.", "Thermal");
   const int64_t start = elapsedRealtime();
@@ -107,9 +107,8 @@ Thermal::Thermal() : lifeline_(std::make_shared<Lifeline>()) {
   FP_LOG_DEBUG(kTag, "%s: The thermal hal is connected.", "Thermal");
 }
 
-// After the cut the worker, which may run on, leaves this object alone. The members then go in
-// reverse order: the worker's pointer, the HAL, the mutex.
-Thermal::~Thermal() { lifeline_->Cut(); }
+// The worker may still be running and does not use this object any more.
+Thermal::~Thermal() { liveness_->Invalidate(); }
 
 int32_t Thermal::GetCpuSeverity() {
   const std::lock_guard lock(mutex_);
