@@ -3,11 +3,13 @@
 
 #include <mutex>
 
-#include <android/looper.h>
-#include <android/sensor.h>
-
 #include "fp_utils/export.h"
 #include "fp_utils/thread_annotations.h"
+
+struct ALooper;
+struct ASensor;
+struct ASensorEventQueue;
+struct ASensorManager;
 
 namespace android::fp_utils {
 

@@ -99,25 +99,36 @@ class FP_UTILS_EXPORT FpsTouchHandler {
  private:
   friend class TouchPollingWorkerThread;
 
+  // The life of the worker. In the two states of joining, a thread that holds mutex_ waits for the
+  // worker: what mutex_ guards does not change, and the worker must not wait for mutex_.
+  //   kStopped --Start()--> kRunning --Stop()--> kJoining --> kStopped
+  //   kRunning --Stop() in a callback--> kEnding --Stop() or Start()--> kJoiningEnding --> kStopped
+  //   kJoining --Stop() in a callback--> kJoiningEnding
+  // In kEnding and kJoiningEnding the reports that were read already are not delivered.
+  enum class WorkerState { kStopped, kRunning, kEnding, kJoining, kJoiningEnding };
+
   bool OpenTouchDevice() FP_REQUIRES(mutex_);
   bool CreateWorker() FP_REQUIRES(mutex_);
-  void WaitForWorkerEndingItself() FP_REQUIRES(mutex_);
-  std::unique_lock<std::mutex> LockUnlessStopping();
+  void JoinWorker() FP_REQUIRES(mutex_);
+  static bool RefuseStart();
+  void StopFromCallback();
   bool IsOnWorker() const;
+  bool IsDroppingRest() const;
+
+  // False, without the lock, while the worker is being joined; Lock() only on the worker itself.
+  [[nodiscard]] bool LockUnlessJoining() FP_TRY_ACQUIRE(true, mutex_);
+  [[nodiscard]] bool Lock() FP_TRY_ACQUIRE(true, mutex_);
+
+  // With mutex_ held, or while the worker is being joined.
+  bool SetSensingArea(const TouchConfig& config);
+  bool SetLptwEventReport(bool enable);
+
   void Deliver(const TouchEvent& event);
 
   android::sp<TouchPollingWorkerThread> touch_polling_worker_thread_ FP_GUARDED_BY(mutex_);
   mutable std::mutex mutex_;
   std::atomic<bool> configured_ = false;  // never false again; the worker reads it without the lock
-  bool started_ FP_GUARDED_BY(mutex_) = false;
-
-  // A callback has told its own worker to end, and nobody has waited for that yet.
-  bool ending_itself_ FP_GUARDED_BY(mutex_) = false;
-  std::atomic<bool> dropping_rest_ = false;  // ... so the reports behind this one are not delivered
-
-  // Stop() holds the lock and waits for the worker: what the lock guards stands still meanwhile.
-  std::atomic<bool> stopping_ = false;
-
+  std::atomic<WorkerState> worker_state_ = WorkerState::kStopped;
   std::atomic<std::thread::id> worker_id_ = std::thread::id();  // while it runs
 
  public:

@@ -76,10 +76,11 @@ class FP_UTILS_EXPORT SensorListener {
   void ProcessSensorEvent(ASensorEvent event);
 
  private:
+  void Disconnect();
   void FindSensors() FP_REQUIRES(mutex_);
   bool IsOnOwnWorker() const FP_REQUIRES(mutex_);
   void StopWorker() FP_REQUIRES(mutex_);
-  bool LockUnlessEnding() FP_TRY_ACQUIRE(true, mutex_);
+  [[nodiscard]] bool LockUnlessEnding() FP_TRY_ACQUIRE(true, mutex_);
   ssize_t FetchEvents(ASensorEvent* events, size_t count);
   void Deliver(SensorType type, const SensorCallback& callback, const ASensorEvent& event);
 

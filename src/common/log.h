@@ -11,21 +11,16 @@
 
 namespace android::fp_utils::log_tag {
 
-inline constexpr char kAlsMonitor[] = "AlsMonitor";
 inline constexpr char kAuthEvent[] = "AuthEvent";
 inline constexpr char kAuthEventG7[] = "AuthEventG7";
 inline constexpr char kAuthStats[] = "AuthStats";
 inline constexpr char kAuthStatsG7[] = "AuthStatsG7";
 inline constexpr char kCriticalErrors[] = "CriticalErrors";
-inline constexpr char kDisplayController[] = "DisplayController";
 inline constexpr char kDynamicExposure[] = "DynamicExposure";
 inline constexpr char kEnrollEvent[] = "EnrollEvent";
 inline constexpr char kEnrollEventContainer[] = "EnrollEventContainer";
 inline constexpr char kEnrollEventG7[] = "EnrollEventG7";
 inline constexpr char kFingerSizes[] = "FingerSizes";
-inline constexpr char kFpsTouchHandler[] = "FpsTouchHandler";
 inline constexpr char kGeometry[] = "Geometry";
-inline constexpr char kSensorListener[] = "SensorListener";
-inline constexpr char kThermal[] = "FpThermal";
 
 }  // namespace android::fp_utils::log_tag

@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <optional>
 
+#include <android/sensor.h>
 #include <utils/Errors.h>
 
 #include "common/log.h"
@@ -12,7 +13,7 @@
 namespace android::fp_utils {
 namespace {
 
-constexpr const char* kTag = log_tag::kAlsMonitor;
+constexpr char kTag[] = "AlsMonitor";
 
 // GetLight() is on the capture path: what has not arrived by then comes with the next call.
 constexpr int kPollTimeoutMs = 1;

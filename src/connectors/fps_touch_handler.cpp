@@ -6,7 +6,6 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <chrono>
 #include <cstdlib>
 #include <cstring>
 #include <string>
@@ -15,13 +14,14 @@
 #include <android-base/properties.h>
 
 #include "common/log.h"
+#include "connectors/lock_unless.h"
 #include "connectors/touch_polling_worker.h"
 #include "connectors/touch_report.h"
 
 namespace android::fp_utils {
 namespace {
 
-constexpr const char* kTag = log_tag::kFpsTouchHandler;
+constexpr char kTag[] = "FpsTouchHandler";
 
 uint32_t ScalingFactor() {
   return base::GetUintProperty<uint32_t>("persist.vendor.udfps.fth.touch_resolution_scaling_factor",
@@ -53,14 +53,15 @@ FpsTouchHandler::FpsTouchHandler() : resolution_scaling_factor_(ScalingFactor())
 
 FpsTouchHandler::~FpsTouchHandler() = default;
 
-bool FpsTouchHandler::Configure(const TouchConfig& config)
-    FP_NO_THREAD_SAFETY_ANALYSIS {  // as Start()
+bool FpsTouchHandler::Configure(const TouchConfig& config) {
   if (!IsFpsTouchHandlerSupported()) {
     FP_LOG_ERROR(kTag, "%s: FpsTouchHandler is not supported on this device", "Configure");
     return false;
   }
-  // Without the lock, when Stop() waits for this very worker, device and worker are there already.
-  const std::unique_lock lock = IsOnWorker() ? LockUnlessStopping() : std::unique_lock(mutex_);
+  if (!Lock()) {
+    return SetSensingArea(config);  // there is a worker, hence also an open device
+  }
+  const std::lock_guard lock(mutex_, std::adopt_lock);
   if (touch_fd_ < 0 && !OpenTouchDevice()) {
     FP_LOG_ERROR(kTag, "%s: failed to open touch device", "Configure");
     return false;
@@ -68,6 +69,10 @@ bool FpsTouchHandler::Configure(const TouchConfig& config)
   if (touch_polling_worker_thread_ == nullptr && !CreateWorker()) {
     return false;
   }
+  return SetSensingArea(config);
+}
+
+bool FpsTouchHandler::SetSensingArea(const TouchConfig& config) {
   touch_device::Configuration block = {
       .left = Scale(config.left, resolution_scaling_factor_),
       .top = Scale(config.top, resolution_scaling_factor_),
@@ -109,78 +114,97 @@ bool FpsTouchHandler::CreateWorker() {
   return true;
 }
 
-bool FpsTouchHandler::Start() FP_NO_THREAD_SAFETY_ANALYSIS {  // of a lock that may not be taken
-  const std::unique_lock lock = IsOnWorker() ? LockUnlessStopping() : std::unique_lock(mutex_);
+bool FpsTouchHandler::Start() {
+  if (!Lock()) {
+    FP_LOG_DEBUG(kTag, "%s", "Start");
+    return RefuseStart();
+  }
+  const std::lock_guard lock(mutex_, std::adopt_lock);
   FP_LOG_DEBUG(kTag, "%s", "Start");
   if (!configured_) {
     FP_LOG_ERROR(kTag, "%s: configuration has not been completed", "Start");
     return false;
   }
-  if (!lock.owns_lock() || (ending_itself_ && IsOnWorker())) {
-    FP_LOG_ERROR(kTag, "%s: the worker is ending and cannot start itself", "Start");
-    return false;
+  if (worker_state_ == WorkerState::kEnding && IsOnWorker()) {
+    return RefuseStart();
   }
-  if (!started_) {
-    WaitForWorkerEndingItself();
-    dropping_rest_ = false;
+  if (worker_state_ != WorkerState::kRunning) {
+    JoinWorker();
+    worker_state_ = WorkerState::kRunning;
     touch_polling_worker_thread_->Start();
-    started_ = true;
   }
   return true;
 }
 
-bool FpsTouchHandler::Stop() FP_NO_THREAD_SAFETY_ANALYSIS {  // of a lock that may not be taken
+bool FpsTouchHandler::RefuseStart() {
+  FP_LOG_ERROR(kTag, "%s: the worker is ending and cannot start itself", "Start");
+  return false;
+}
+
+bool FpsTouchHandler::Stop() {
   if (IsOnWorker()) {
-    const std::unique_lock lock = LockUnlessStopping();
-    FP_LOG_DEBUG(kTag, "%s", "Stop");
-    dropping_rest_ = true;
-    if (lock.owns_lock() && started_) {
-      touch_polling_worker_thread_->RequestEnd();
-      ending_itself_ = true;
-      started_ = false;
-    }
+    StopFromCallback();
     return true;
   }
   const std::lock_guard lock(mutex_);
-  stopping_ = true;
   FP_LOG_DEBUG(kTag, "%s", "Stop");
-  if (started_) {
-    touch_polling_worker_thread_->Stop();
-    started_ = false;
-  } else {
-    WaitForWorkerEndingItself();
-  }
-  stopping_ = false;
+  JoinWorker();
   return true;
 }
 
-void FpsTouchHandler::WaitForWorkerEndingItself() {
-  if (ending_itself_) {
-    stopping_ = true;
-    touch_polling_worker_thread_->requestExitAndWait();
-    stopping_ = false;
-    ending_itself_ = false;
+void FpsTouchHandler::StopFromCallback() {
+  if (!Lock()) {
+    FP_LOG_DEBUG(kTag, "%s", "Stop");
+    worker_state_ = WorkerState::kJoiningEnding;
+    return;
   }
+  const std::lock_guard lock(mutex_, std::adopt_lock);
+  FP_LOG_DEBUG(kTag, "%s", "Stop");
+  if (worker_state_ == WorkerState::kRunning) {
+    worker_state_ = WorkerState::kEnding;
+    touch_polling_worker_thread_->RequestEnd();
+  }
+}
+
+void FpsTouchHandler::JoinWorker() {
+  if (worker_state_ == WorkerState::kRunning) {
+    worker_state_ = WorkerState::kJoining;
+    touch_polling_worker_thread_->Stop();
+  } else if (worker_state_ == WorkerState::kEnding) {
+    worker_state_ = WorkerState::kJoiningEnding;
+    touch_polling_worker_thread_->requestExitAndWait();
+  }
+  worker_state_ = WorkerState::kStopped;
 }
 
 bool FpsTouchHandler::IsOnWorker() const { return worker_id_.load() == std::this_thread::get_id(); }
 
-// The lock, or none when Stop() holds it to wait for the worker. Whoever is on the worker, or holds
-// what a callback on the worker is waiting for, must not wait for that Stop() in turn.
-std::unique_lock<std::mutex> FpsTouchHandler::LockUnlessStopping() {
-  // Not a timed lock: its deadline would move with the wall clock.
-  constexpr std::chrono::microseconds kMoment{100};
-  std::unique_lock lock(mutex_, std::try_to_lock);
-  while (!lock.owns_lock() && !stopping_ && !lock.try_lock()) {
-    std::this_thread::sleep_for(kMoment);
+bool FpsTouchHandler::Lock() {
+  if (!IsOnWorker()) {
+    mutex_.lock();
+    return true;
   }
-  return lock;
+  return LockUnlessJoining();
 }
 
+bool FpsTouchHandler::LockUnlessJoining() {
+  return LockUnless(mutex_, [this] {
+    const WorkerState state = worker_state_;
+    return state == WorkerState::kJoining || state == WorkerState::kJoiningEnding;
+  });
+}
+
+// FingerState calls this with its own lock held, which a callback may be waiting for. While Stop()
+// waits for that callback, the request is made without the lock.
 bool FpsTouchHandler::EnableLptwEventReport(bool enable) {
-  // FingerState calls this with its own lock, for which a callback may be waiting. While Stop()
-  // waits for that callback, the request goes out without the lock.
-  const std::unique_lock lock = LockUnlessStopping();
+  if (!LockUnlessJoining()) {
+    return SetLptwEventReport(enable);
+  }
+  const std::lock_guard lock(mutex_, std::adopt_lock);
+  return SetLptwEventReport(enable);
+}
+
+bool FpsTouchHandler::SetLptwEventReport(bool enable) {
   FP_LOG_DEBUG(kTag, "%s:%d", "EnableLptwEventReport", enable ? 1 : 0);
   if (!configured_) {
     FP_LOG_ERROR(kTag, "%s: configuration has not been completed", "EnableLptwEventReport");
@@ -200,13 +224,13 @@ bool FpsTouchHandler::ReadTouchEvent() {
     FP_LOG_ERROR(kTag, "%s: configuration has not been completed", "ReadTouchEvent");
     return false;
   }
-  touch_device::Reports reports;  // not zeroed: most reads fill little of it
+  touch_device::Reports reports;  // not zeroed, because most reads fill only a small part
   ssize_t bytes = 0;
   {
-    const std::unique_lock lock = LockUnlessStopping();
-    if (!lock.owns_lock()) {
-      return true;  // nothing wrong, but the worker is wanted elsewhere
+    if (!LockUnlessJoining()) {
+      return true;  // the worker has to end; the device did not fail
     }
+    const std::lock_guard lock(mutex_, std::adopt_lock);
     if (touch_fd_ < 0) {
       FP_LOG_ERROR(kTag, "%s: invalid fd", "ReadTouchEvent");
       return false;
@@ -216,8 +240,8 @@ bool FpsTouchHandler::ReadTouchEvent() {
   if (bytes <= 0) {
     return bytes < 0 && errno == EINTR;  // only a signal says nothing about the device
   }
-  const uint32_t count = touch_device::CompleteWithZeros(reports, static_cast<size_t>(bytes));
-  for (uint32_t i = 0; i < count && !dropping_rest_; ++i) {
+  const uint32_t count = touch_device::ZeroFillShortRead(reports, static_cast<size_t>(bytes));
+  for (uint32_t i = 0; i < count && !IsDroppingRest(); ++i) {
     if (touch_device::IsValid(reports.records[i])) {
       Deliver(touch_device::Decode(reports.records[i], resolution_scaling_factor_));
     } else {
@@ -227,6 +251,11 @@ bool FpsTouchHandler::ReadTouchEvent() {
   return true;
 }
 
+bool FpsTouchHandler::IsDroppingRest() const {
+  const WorkerState state = worker_state_;
+  return state == WorkerState::kEnding || state == WorkerState::kJoiningEnding;
+}
+
 void FpsTouchHandler::Deliver(const TouchEvent& event) {
   {
     const std::lock_guard lock(touch_event_mutex_);
@@ -234,9 +263,9 @@ void FpsTouchHandler::Deliver(const TouchEvent& event) {
   }
   if (!touch_event_callback_) {
     FP_LOG_ERROR(kTag, "%s: no callback is installed", "ReadTouchEvent");
-    abort();  // a service that polls without one is broken, and has to show it at once
+    abort();  // a fault of the service that must not go unnoticed
   }
-  // The argument is not touch_event_ itself, which a finger up may clear meanwhile.
+  // Not touch_event_ itself, which another thread may clear meanwhile.
   touch_event_callback_(event);
 }
 

@@ -3,27 +3,22 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <chrono>
 #include <string_view>
-#include <thread>
 
 #include "common/log.h"
+#include "connectors/lock_unless.h"
 #include "connectors/sensor_polling_worker.h"
 #include "connectors/sensor_queue.h"
 
 namespace android::fp_utils {
 namespace {
 
-constexpr const char* kTag = log_tag::kSensorListener;
+constexpr char kTag[] = "SensorListener";
 
 // By SensorListener::SensorType.
 constexpr const char* kStringTypes[] = {"android.sensor.light", "com.norvan.sensor.long_press"};
 
 constexpr int kWaitForever = -1;
-
-// How soon the worker looks again for the lock or for its exit. Not a timed lock: its deadline
-// would move with the wall clock.
-constexpr std::chrono::microseconds kMoment{100};
 
 bool IsKnown(SensorListener::SensorType type) {
   return type >= 0 && static_cast<size_t>(type) < SensorListener::kSensorTypes;
@@ -33,7 +28,9 @@ bool IsKnown(SensorListener::SensorType type) {
 
 SensorListener::SensorListener() = default;
 
-SensorListener::~SensorListener() {
+SensorListener::~SensorListener() { Disconnect(); }
+
+void SensorListener::Disconnect() {
   const std::lock_guard lock(mutex_);
   if (IsOnOwnWorker()) {
     sensor_polling_worker_thread_->requestExit();
@@ -125,20 +122,13 @@ void SensorListener::StopWorker() {
   }
 }
 
-// The lock is held while the worker is being ended: the worker, which needs it for events and in
-// callbacks, must not wait for it then.
+// On the worker it gives up once the worker has to end.
 bool SensorListener::LockUnlessEnding() {
   if (!SensorPollingWorkerThread::IsCurrentOf(this)) {
     mutex_.lock();
     return true;
   }
-  while (!mutex_.try_lock()) {
-    if (SensorPollingWorkerThread::IsEndingOf(this)) {
-      return false;
-    }
-    std::this_thread::sleep_for(kMoment);
-  }
-  return true;
+  return LockUnless(mutex_, [this] { return SensorPollingWorkerThread::IsEndingOf(this); });
 }
 
 bool SensorListener::ConnectSensorManagerIfNeeded()

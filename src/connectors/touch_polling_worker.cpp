@@ -15,7 +15,7 @@
 namespace android::fp_utils {
 namespace {
 
-constexpr const char* kTag = log_tag::kFpsTouchHandler;
+constexpr char kTag[] = "FpsTouchHandler";
 constexpr char kThreadName[] = "TouchPollingWorkerThread";
 
 // How long a device that fails is left alone: at first hardly, in the end so that a dead one costs

@@ -20,7 +20,7 @@ float ToRadians(int32_t angle) {
 
 }  // namespace
 
-uint32_t CompleteWithZeros(Reports& reports, size_t bytes) {
+uint32_t ZeroFillShortRead(Reports& reports, size_t bytes) {
   auto* const buffer = reinterpret_cast<uint8_t*>(&reports);
   const auto zero_up_to = [&](size_t end) {
     if (bytes < end) {

@@ -67,9 +67,9 @@ struct Reports {
 static_assert(sizeof(Reports) == 11272);
 static_assert(offsetof(Reports, records) == 8);
 
-// Makes what a read of only `bytes` has left of the records that are counted zero, which is invalid
-// records, and returns how many there are to look at.
-uint32_t CompleteWithZeros(Reports& reports, size_t bytes);
+// Sets to zero what a read of `bytes` did not fill of the count and of the records that it counts,
+// so that missing records are invalid. Returns the number of records to look at.
+uint32_t ZeroFillShortRead(Reports& reports, size_t bytes);
 
 inline bool IsValid(const Record& record) { return (record.valid & 1) != 0; }
 
