@@ -137,7 +137,8 @@ std::vector<Record> RecordsOfAllTypes(const std::function<void(Record&, int32_t 
 std::vector<float> Floats(int count) {
   std::vector<float> floats;
   for (int i = 0; i < count; ++i) {
-    floats.push_back(__builtin_bit_cast(float, 0x7FC00001u - 0x10101010u * static_cast<uint32_t>(i)));
+    floats.push_back(
+        __builtin_bit_cast(float, 0x7FC00001u - 0x10101010u * static_cast<uint32_t>(i)));
   }
   return floats;
 }

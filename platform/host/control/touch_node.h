@@ -49,8 +49,8 @@ class TouchNode {
   // The same, but drops the buffer where Push() would block.
   bool TryPushBytes(const std::string& buffer);
 
-  // The device goes away under its users: reads find the end, polls a hang-up. Reconnect() brings it
-  // back behind the same descriptors.
+  // The device goes away under its users: reads find the end, polls a hang-up. Reconnect() brings
+  // it back behind the same descriptors.
   void HangUp();
   void Reconnect();
 

@@ -37,9 +37,8 @@ int32_t AIBinder_debugGetRefCount(AIBinder* binder) { return binder->CountStrong
 binder_status_t AIBinder_dump(AIBinder* binder, int fd, const char** args, uint32_t num_args) {
   RemoteBinder* remote = binder->AsRemote();
   binder_status_t status = STATUS_OK;
-  const bool answered = remote->Call([&] {
-    status = remote->GetTarget()->GetImplementation()->dump(fd, args, num_args);
-  });
+  const bool answered = remote->Call(
+      [&] { status = remote->GetTarget()->GetImplementation()->dump(fd, args, num_args); });
   return answered ? status : STATUS_DEAD_OBJECT;
 }
 

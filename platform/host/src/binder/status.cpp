@@ -12,9 +12,9 @@ struct AStatus {
 AStatus* AStatus_newOk() { return AStatus_fromStatus(STATUS_OK); }
 
 AStatus* AStatus_fromExceptionCodeWithMessage(binder_exception_t exception, const char* message) {
-  return new AStatus{
-      exception, exception == EX_TRANSACTION_FAILED ? STATUS_FAILED_TRANSACTION : STATUS_OK,
-      message};
+  return new AStatus{exception,
+                     exception == EX_TRANSACTION_FAILED ? STATUS_FAILED_TRANSACTION : STATUS_OK,
+                     message};
 }
 
 AStatus* AStatus_fromStatus(binder_status_t status) {

@@ -37,8 +37,8 @@ class Remote {
 
   // A call on the object: OK or DEAD_OBJECT.
   Status Call(const std::function<void()>& serve) const;
-  // A call that nobody waits for, on the thread of the HIDL pool. It is lost if the object's process
-  // dies first.
+  // A call that nobody waits for, on the thread of the HIDL pool. It is lost if the object's
+  // process dies first.
   Status CallOneway(std::function<void()> serve) const;
 
  private:

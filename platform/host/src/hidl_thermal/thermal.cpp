@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <android/hardware/thermal/2.0/IThermal.h>
 
-#include "ipc/registry.h"
 #include "hidl_thermal/proxies.h"
+#include "ipc/registry.h"
 
 namespace android::hardware::thermal::V2_0 {
 

@@ -4,8 +4,8 @@
 #include <mutex>
 #include <utility>
 
-#include "ipc/process.h"
 #include "hidl_thermal/proxies.h"
+#include "ipc/process.h"
 
 namespace fp_host {
 
