@@ -2,7 +2,7 @@
 # The project's commands. Each installs what it lacks, configures its CMake preset and builds.
 
 .DEFAULT_GOAL := help
-.PHONY: help build demo test check bench fuzz coverage mutate lint docs package abi format stats clean \
+.PHONY: help build demo test check bench fuzz coverage mutate lint docs docs-check package abi format stats clean \
   test-clang test-asan test-tsan device-like aarch64 bench-build abi-library abi-check package-check
 
 FUZZ_SECONDS ?= 60
@@ -26,7 +26,7 @@ SHELL := /bin/bash
 .SHELLFLAGS := -o pipefail -c
 
 help:  ## this list
-	@awk -F ':.*## ' '/^[a-z]+:.*## /{printf "  make %-10s %s\n", $$1, $$2}' $(MAKEFILE_LIST)
+	@awk -F ':.*## ' '/^[a-z-]+:.*## /{printf "  make %-10s %s\n", $$1, $$2}' $(MAKEFILE_LIST)
 
 build:  ## build library, demo and tests
 	@scripts/setup build test
@@ -104,6 +104,10 @@ docs:  ## the API reference, below build/docs/html
 	@scripts/setup docs
 	@mkdir -p build
 	doxygen docs/Doxyfile
+
+docs-check: build  ## run the commands of the pages, and check their links
+	@scripts/setup lint
+	scripts/docs_check
 
 package: build  ## a Debian package of library, headers and package files
 	cd build/release && cpack -G DEB
