@@ -11,6 +11,7 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <new>
 #include <span>
@@ -24,6 +25,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
+constexpr char kKept[] = "data/vendor";  // what the phone keeps while it is off
 constexpr char kAttemptsFile[] = "data/vendor/fingerprint/AuthStats.0";
 
 // What the processes of the service's starts hand on to each other.
@@ -70,7 +72,7 @@ bool EndsService(const Event& event) {
 // The service from one start to its end, in a process of its own.
 void Serve(const Pass& pass, const Scenario& scenario, std::span<const Event> events) {
   Phone phone(pass.device_root, pass.shared.phone);
-  Set(pass.properties);
+  SetProperties(pass.properties);
   if (!events.empty()) {
     phone.SetTime(events.front().at);
   }
@@ -114,8 +116,12 @@ void ServeInProcess(const Pass& pass, const Scenario& scenario, std::span<const 
   }
   const int status = WaitForEnd(process);
   const bool cut = !events.empty() && std::holds_alternative<PowerCut>(events.back().data);
-  if (WIFSIGNALED(status) ? !cut || WTERMSIG(status) != SIGKILL : WEXITSTATUS(status) != 0) {
-    throw std::runtime_error(fmt::format("the service's process ended with status {}", status));
+  if (WIFSIGNALED(status) && !(cut && WTERMSIG(status) == SIGKILL)) {
+    throw std::runtime_error(
+        fmt::format("the service was ended by {}", strsignal(WTERMSIG(status))));
+  }
+  if (WIFEXITED(status) && WEXITSTATUS(status) != 0) {
+    throw std::runtime_error("the service has failed");  // it has said why
   }
 }
 
@@ -150,8 +156,10 @@ void Play(const Pass& pass, const Scenario& scenario) {
 
 void PlayTwice(const Scenario& scenario, const Settings& settings) {
   const fp_host::ScratchFolder copy("fp_service");
-  fs::create_directories(settings.device_root);
-  fs::copy(settings.device_root, copy.GetPath(), fs::copy_options::recursive);
+  if (const fs::path files = fs::path(settings.device_root) / kKept; fs::exists(files)) {
+    fs::create_directories(copy.GetPath() + "/" + kKept);
+    fs::copy(files, copy.GetPath() + "/" + kKept, fs::copy_options::recursive);
+  }
   Properties off = settings.properties;
   off.emplace_back("persist.vendor.udfps.dynamic_exposure_supported", "false");
   Shared& without = MakeShared(settings.seed);

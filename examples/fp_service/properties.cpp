@@ -78,7 +78,7 @@ std::pair<std::string, std::string> ParseProperty(const std::string& text) {
   return {name, value};
 }
 
-void Set(const Properties& properties) {
+void SetProperties(const Properties& properties) {
   for (const auto& [name, value] : properties) {
     android::base::SetProperty(name, value);
   }

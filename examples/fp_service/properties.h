@@ -13,6 +13,6 @@ using Properties = std::vector<std::pair<std::string, std::string>>;
 // with the value in force, if it reads no such property or would not take the value.
 std::pair<std::string, std::string> ParseProperty(const std::string& text);
 
-void Set(const Properties& properties);
+void SetProperties(const Properties& properties);
 
 }  // namespace fp_service
