@@ -44,6 +44,9 @@ class Report {
   void Count(const android::fp_utils::AuthEventG7& event, bool enrolled, int steps,
              float exposure_ms);
 
+  // What the present phase has so far.
+  const Tally& GetPhase() const { return phases_[current_].all; }
+
   // The phases of `scenario` with exposure control (this report) and without it, in which of them
   // control made a difference, and a table of coverage.
   std::string Compare(const Report& without, const Scenario& scenario) const;

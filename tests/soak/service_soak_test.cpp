@@ -17,6 +17,7 @@
 #include "control/faults.h"
 #include "control/sensor_service.h"
 #include "phone.h"
+#include "player.h"
 #include "service.h"
 #include "support/device_test.h"
 #include "support/holdings.h"
@@ -67,8 +68,9 @@ class Soak : public fp_test::DeviceTest {
     done = true;
     triager.join();
     close(null);
+    const int matches = report_.GetPhase().attempts - report_.GetPhase().rejects;
     printf("%ld KB after a fifth, %ld KB at the end; %d of %d attempts matched\n", warm.kilobytes,
-           end.kilobytes, matches_, attempts);
+           end.kilobytes, matches, attempts);
     EXPECT_EQ(warm.descriptors, end.descriptors);
     EXPECT_EQ(warm.threads, end.threads);
     // A short run is still warming up. The queues of a sensor service that has died are abandoned,
@@ -76,36 +78,23 @@ class Soak : public fp_test::DeviceTest {
     if (attempts >= kManyAttempts) {
       EXPECT_LE(end.kilobytes, warm.kilobytes + warm.kilobytes / 20 + 4 * restarts_);
     }
-    EXPECT_GT(matches_, attempts / 4) << "it goes on working";
+    EXPECT_GT(matches, attempts / 4) << "it goes on working";
     ExpectHistoryFoundAgain(attempts);
   }
 
  private:
   int RandomInt(int limit) { return static_cast<int>(random_() % static_cast<unsigned>(limit)); }
 
-  void Touch(Purpose purpose, Skin skin, Aim aim, const std::function<void()>& work) {
-    service_.ExpectFinger(purpose);
-    phone_.PutFinger(1, skin, aim);
-    work();
-    phone_.LiftFinger();
-    phone_.RestartDeadHals();
-    service_.FinishTouch();
-  }
-
-  void Enroll() {
-    for (int i = 0; i < 10; ++i) {
-      Touch(Purpose::kEnroll, Skin::kNormal, Aim::kGood, [&] { service_.CaptureForEnrollment(); });
-    }
-    service_.Enroll(1);
+  void Enroll() { player_.Play({0, fp_service::Enroll{1, 10, Aim::kGood}}); }
+  void Touch(Skin skin, Aim aim) {
+    player_.Play({0, Attempts{.finger = 1, .count = 1, .every_s = 0, .skin = skin, .aim = aim}});
   }
 
   void Attempt() {
     if (RandomInt(20) == 0) {
       CauseTrouble();
     }
-    const Aim aim = RandomInt(4) == 0 ? Aim::kPoor : Aim::kGood;
-    Touch(Purpose::kAuthenticate, static_cast<Skin>(RandomInt(3)), aim,
-          [&] { matches_ += service_.Authenticate().event->auth_successful ? 1 : 0; });
+    Touch(static_cast<Skin>(RandomInt(3)), RandomInt(4) == 0 ? Aim::kPoor : Aim::kGood);
     if (!service_.IsEnrolled(1)) {
       Enroll();
     }
@@ -144,7 +133,7 @@ class Soak : public fp_test::DeviceTest {
 
   void ExpectHistoryFoundAgain(int attempts) {
     fp_host::ClearFaults();
-    Touch(Purpose::kAuthenticate, Skin::kNormal, Aim::kGood, [&] { service_.Authenticate(); });
+    Touch(Skin::kNormal, Aim::kGood);
     android::fp_utils::AuthStatsG7 found("0", 100, true);
     found.Init();
     EXPECT_LE(std::min(attempts / 2, 90), static_cast<int>(found.GetTotalAttempts()));
@@ -154,7 +143,8 @@ class Soak : public fp_test::DeviceTest {
   PhoneState state_{1};
   Phone phone_{device_.GetRoot(), state_};
   Service service_{phone_};
-  int matches_ = 0;
+  Report report_;
+  Player player_{service_, phone_, report_, Output::kNothing};
   long restarts_ = 0;
 };
 
