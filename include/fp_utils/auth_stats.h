@@ -13,6 +13,8 @@
 
 namespace android::fp_utils {
 
+class BackupContent;
+
 // A bounded history of authentication attempts, oldest first, with running statistics over exactly
 // the records that it holds. Kept across restarts in the file AuthStats.<name> of kBackupDir.
 //
@@ -60,7 +62,8 @@ class FP_UTILS_EXPORT AuthStats {
   // A new record of the kind that this history keeps.
   virtual std::shared_ptr<AuthEvent> CreateAttempt();
 
-  // What Init() and AddAttempt() run. Loading an initialized history would save while it reads.
+  // What Init() and AddAttempt() run, one at a time. Loading an initialized history would save
+  // while it reads.
   void LoadAttemptsFromBackupFile();
   void SaveAttemptsToBackupFile() const;
 
@@ -98,6 +101,9 @@ class FP_UTILS_EXPORT AuthStats {
   uint32_t auth_rejects = 0;   // of those, the failed ones
   float avg_iq = 0;
   bool initialized = false;
+
+  // What the last save wrote, for the next one. Used by SaveAttemptsToBackupFile() alone.
+  const std::unique_ptr<BackupContent> backup_content;
 };
 
 // The history of AuthEventG7 records: admits no other kind and keeps their average raw mean delta.

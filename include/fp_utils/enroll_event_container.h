@@ -12,6 +12,8 @@
 
 namespace android::fp_utils {
 
+class BackupContent;
+
 // The last 50 enrollment events, oldest first, rewritten to the file EnrollEventContainer of
 // kBackupDir with every new one. All containers share that one file.
 //
@@ -41,7 +43,8 @@ class FP_UTILS_EXPORT EnrollEventContainer {
   // A new record of the type given to Init(), or null if that is unknown.
   std::shared_ptr<EnrollEvent> CreateEvent();
 
-  // What Init() and AddEvent() run. Loading an initialized container would save while it reads.
+  // What Init() and AddEvent() run, one at a time. Loading an initialized container would save
+  // while it reads.
   void LoadEventsFromBackupFile();
   void SaveEventsToBackupFile() const;
 
@@ -63,6 +66,9 @@ class FP_UTILS_EXPORT EnrollEventContainer {
   std::deque<std::shared_ptr<EnrollEvent>> events FP_GUARDED_BY(mutex);
   std::mutex mutex;
   bool initialized = false;
+
+  // What the last save wrote, for the next one. Used by SaveEventsToBackupFile() alone.
+  const std::unique_ptr<BackupContent> backup_content;
 };
 
 }  // namespace android::fp_utils

@@ -12,6 +12,8 @@
 
 namespace android::fp_utils {
 
+class BackupContent;
+
 // One sample of a contact's size, held by shared ownership in the history.
 //
 // Threading:  not locked.
@@ -103,6 +105,9 @@ class FP_UTILS_EXPORT FingerSizes {
   uint32_t finger_count = 0;
   uint32_t op1_count = 0;
   uint32_t op2_count = 0;
+
+  // What the last save wrote, for the next one. Used by SaveFingersToBackupFile() alone.
+  const std::unique_ptr<BackupContent> backup_content;
 };
 
 }  // namespace android::fp_utils

@@ -37,6 +37,24 @@ bool ContainsCorners(const IShape& shape, const Rect& rect) {
          shape.Contains({high.x, low.y}) && shape.Contains({high.x, high.y});
 }
 
+// Asks shapes of other classes at every sample, s1 before s2, row by row.
+Counts ScanSamples(Grid grid, const IShape* s1, const IShape* s2) {
+  Counts counts;
+  Point p;
+  for (; !grid.rows.IsEmpty();) {
+    grid.rows.Take(&p.y, 1);
+    for (SampleAxis columns = grid.columns; !columns.IsEmpty();) {
+      columns.Take(&p.x, 1);
+      const bool is_in_s1 = s1 == nullptr || s1->Contains(p);
+      const bool is_in_s2 = s2 == nullptr || s2->Contains(p);
+      counts.in_s1 += is_in_s1 ? 1 : 0;
+      counts.in_s2 += is_in_s2 ? 1 : 0;
+      counts.in_both += is_in_s1 && is_in_s2 ? 1 : 0;
+    }
+  }
+  return counts;
+}
+
 // Counts in the way that looks at the fewest samples; a null contains all of them.
 Counts Count(const Grid& grid, const IShape* s1, const IShape* s2) {
   if (s1 == nullptr && s2 == nullptr) {
@@ -45,13 +63,7 @@ Counts Count(const Grid& grid, const IShape* s1, const IShape* s2) {
   }
   const std::optional<ShapeRows> rows1 = s1 == nullptr ? FullRows() : KnownRows(*s1);
   const std::optional<ShapeRows> rows2 = s2 == nullptr ? FullRows() : KnownRows(*s2);
-  if (rows1 && rows2) {
-    return CountRows(grid, *rows1, *rows2);
-  }
-  if (rows1) {
-    return ScanSamples(grid, *rows1, *s2);
-  }
-  return rows2 ? ScanSamples(grid, *s1, *rows2) : ScanSamples(grid, *s1, *s2);
+  return rows1 && rows2 ? CountRows(grid, *rows1, *rows2) : ScanSamples(grid, s1, s2);
 }
 
 float SampledCoverage(const Rect& grid, const IShape& shape, const IShape& other) {

@@ -25,10 +25,4 @@ struct Counts {
 // For shapes of which the rows are known: counts by rows.
 Counts CountRows(Grid grid, const ShapeRows& s1, const ShapeRows& s2);
 
-// For shapes of other classes: asks them at every sample, s1 before s2, row by row. Of the other
-// shape the rows may be known.
-Counts ScanSamples(Grid grid, const IShape& s1, const IShape& s2);
-Counts ScanSamples(Grid grid, const IShape& s1, const ShapeRows& s2);
-Counts ScanSamples(Grid grid, const ShapeRows& s1, const IShape& s2);
-
 }  // namespace android::fp_utils

@@ -27,9 +27,6 @@ class Columns {
     return batch.weight;
   }
 
-  // Likewise, for who has to see each sample in its order: may descend, and hold any number of NaN.
-  void Take(SampleAxis* axis) { SetCount(axis->Take(x_ + 1, kMaxColumns)); }
-
   uint32_t Count() const { return count_; }
   const float* X() const { return x_ + 1; }
   float First() const { return x_[1]; }
@@ -57,8 +54,6 @@ struct RowBlock {
     SetCount(batch.count);
     return batch.weight;
   }
-
-  void Take(SampleAxis* axis, uint32_t limit) { SetCount(axis->Take(y, limit)); }
 
  private:
   void SetCount(uint32_t rows) {

@@ -5,10 +5,8 @@
 #include <iterator>
 
 #include "common/bounded_text.h"
-#include "common/exact_class.h"
 #include "common/local_time.h"
 #include "common/log.h"
-#include "history/auth_event_text.h"
 #include "history/record_text.h"
 
 namespace android::fp_utils {
@@ -30,57 +28,6 @@ std::string AcquisitionErrorText(int8_t acquired_info) {
   return kAcquisitionErrors[acquired_info];
 }
 
-// The fields whose stored form is not their form in the record.
-struct StoredForm {
-  unsigned long long timestamp = 0;
-  uint32_t acquired_info = 0;
-  uint32_t auth_successful = 0;
-
-  void StoreInto(AuthEvent& event) const {
-    event.timestamp = static_cast<time_t>(timestamp);
-    event.acquired_info = static_cast<int8_t>(acquired_info);
-    event.auth_successful = auth_successful != 0;
-  }
-};
-
-// A text as ToBackupString() writes it. False leaves record and text alone.
-bool LoadWritten(AuthEvent& event, std::string& text) {
-  RecordReader reader(text);
-  StoredForm stored;
-  AuthEvent read = event;
-  if (!reader.HexLong(&stored.timestamp) || !reader.HexField(&stored.acquired_info) ||
-      !reader.HexField(&stored.auth_successful) || !reader.HexField(&read.fid) ||
-      !reader.HexField(&read.latency) || !reader.HexField(&read.iq)) {
-    return false;
-  }
-  stored.StoreInto(read);
-  event = read;
-  text.erase(0, reader.Consumed());
-  return true;
-}
-
-// Any text that scanf takes. Its fields go straight into the record, so that a damaged text leaves
-// there what was readable, as it always has.
-bool LoadScanned(AuthEvent& event, std::string& text) {
-  StoredForm stored;
-  const int converted =
-      sscanf(text.c_str(), "0x%llx,0x%x,0x%x,0x%x,0x%x,0x%x", &stored.timestamp,
-             &stored.acquired_info, &stored.auth_successful, AsUnsigned(&event.fid),
-             AsUnsigned(&event.latency), AsUnsigned(&event.iq));
-  if (converted < 6) {
-    LogParseFailure(
-        log_tag::kAuthEvent,
-        "virtual bool android::fp_utils::AuthEvent::LoadFromBackupString(std::string &)", text);
-    return false;
-  }
-  stored.StoreInto(event);
-  // The pattern is stricter than the scan: a text that only the scan takes stays whole, and a
-  // derived record then fails on it.
-  RemoveFirstMatch(text, {FieldForm::kHex, FieldForm::kHex, FieldForm::kHex, FieldForm::kHex,
-                          FieldForm::kHex, FieldForm::kHex});
-  return true;
-}
-
 }  // namespace
 
 AuthEvent::AuthEvent() : timestamp(time(nullptr)) {}
@@ -99,29 +46,32 @@ std::string AuthEvent::ToDebugString() const {
 }
 
 std::string AuthEvent::ToBackupString() const {
-  RecordBuffer buffer;
-  return {buffer, WriteAuthEvent(buffer, *this)};
+  BoundedText<kTextSize> text;
+  text.Append("0x%llx,0x%x,0x%x,0x%x,0x%x,0x%x", static_cast<unsigned long long>(timestamp),
+              acquired_info, auth_successful, fid, latency, iq);
+  return text.ToString();
 }
 
-char* WriteAuthEvent(char* out, const AuthEvent& event) {
-  out = WriteHex(out, static_cast<uint64_t>(event.timestamp));
-  out = WriteHexField(out, int32_t{event.acquired_info});  // -1 is 0xffffffff
-  out = WriteHexField(out, event.auth_successful ? 1 : 0);
-  out = WriteHexField(out, event.fid);
-  out = WriteHexField(out, event.latency);
-  out = WriteHexField(out, event.iq);
-  return out;
-}
-
-char* WriteOwnRecord(char* out, const AuthEvent& event) {
-  if (const auto* g7 = ExactCast<AuthEventG7>(event)) {
-    return WriteAuthEventG7(out, *g7);
-  }
-  return ExactCast<AuthEvent>(event) != nullptr ? WriteAuthEvent(out, event) : nullptr;
-}
-
+// What is not converted by way of a temporary goes straight into the record, so that a damaged text
+// leaves there what was readable, as it always has.
 bool AuthEvent::LoadFromBackupString(std::string& text) {
-  return LoadWritten(*this, text) || LoadScanned(*this, text);
+  unsigned long long stored_time = 0;
+  unsigned stored_info = 0;
+  unsigned stored_success = 0;
+  if (sscanf(text.c_str(), "0x%llx,0x%x,0x%x,0x%x,0x%x,0x%x", &stored_time, &stored_info,
+             &stored_success, AsUnsigned(&fid), AsUnsigned(&latency), AsUnsigned(&iq)) < 6) {
+    LogParseFailure(
+        log_tag::kAuthEvent,
+        "virtual bool android::fp_utils::AuthEvent::LoadFromBackupString(std::string &)", text);
+    return false;
+  }
+  timestamp = static_cast<time_t>(stored_time);
+  acquired_info = static_cast<int8_t>(stored_info);
+  auth_successful = stored_success != 0;
+  // The pattern is stricter than the scan: a text that only the scan takes stays whole, and a
+  // derived record then fails on it.
+  RemoveFirstMatch(text, "xxxxxx");
+  return true;
 }
 
 std::string AuthEvent::GetClassName() { return "AuthEvent"; }

@@ -4,7 +4,6 @@
 #include "common/bounded_text.h"
 #include "common/log.h"
 #include "fp_utils/auth_event.h"
-#include "history/auth_event_text.h"
 #include "history/record_text.h"
 
 namespace android::fp_utils {
@@ -76,41 +75,6 @@ const char* Reason(const AuthEventG7& event) {
   }
 }
 
-// The tail in the form in which ToBackupString() writes it. False leaves the record alone.
-bool LoadWrittenTail(AuthEventG7& event, const std::string& text) {
-  RecordReader reader(text);
-  AuthEventG7 read = event;
-  if (!reader.FixedPointField(&read.t_cov) || !reader.FixedPointField(&read.t_dist) ||
-      !reader.DecimalField(&read.lptw) || !reader.HexField(&read.rc) ||
-      !reader.HexField(&read.rawmean_delta) || !reader.HexField(&read.packed_metric_1) ||
-      !reader.HexField(&read.packed_metric_2) || !reader.HexField(&read.packed_metric_3) ||
-      !reader.HexField(&read.extra_metric) || !reader.HexField(&read.foreign_matter_count) ||
-      !reader.HexField(&read.match_score) || !reader.HexFields(&read.stitch_img_num_) ||
-      !reader.HexFields(&read.stitch_img_area_)) {
-    return false;
-  }
-  event = read;
-  return true;
-}
-
-// Any tail that scanf takes, straight into the record.
-bool LoadScannedTail(AuthEventG7& event, const std::string& text) {
-  constexpr int kFields = 21;
-  auto& num = event.stitch_img_num_;
-  auto& area = event.stitch_img_area_;
-  return sscanf(text.c_str(),
-                ",%f,%f,%u,0x%x,0x%x,0x%x,0x%x,0x%x,0x%x,0x%x,0x%x,0x%x,0x%x,0x%x,0x%x,0x%x,0x%x,"
-                "0x%x,0x%x,0x%x,0x%x",
-                &event.t_cov, &event.t_dist, &event.lptw, &event.rc,
-                AsUnsigned(&event.rawmean_delta), AsUnsigned(&event.packed_metric_1),
-                AsUnsigned(&event.packed_metric_2), AsUnsigned(&event.packed_metric_3),
-                AsUnsigned(&event.extra_metric), AsUnsigned(&event.foreign_matter_count),
-                AsUnsigned(&event.match_score), AsUnsigned(&num[0]), AsUnsigned(&num[1]),
-                AsUnsigned(&num[2]), AsUnsigned(&num[3]), AsUnsigned(&num[4]), AsUnsigned(&area[0]),
-                AsUnsigned(&area[1]), AsUnsigned(&area[2]), AsUnsigned(&area[3]),
-                AsUnsigned(&area[4])) == kFields;
-}
-
 }  // namespace
 
 AuthEventG7::AuthEventG7() = default;
@@ -138,28 +102,15 @@ std::string AuthEventG7::ToDebugString() const {
 }
 
 std::string AuthEventG7::ToBackupString() const {
-  RecordBuffer buffer;
-  return {buffer, WriteAuthEventG7(buffer, *this)};
-}
-
-char* WriteAuthEventG7(char* out, const AuthEventG7& event) {
-  out = WriteAuthEvent(out, event);
-  *out++ = ',';
-  out = WriteFixedPoint(out, event.t_cov, 2);
-  *out++ = ',';
-  out = WriteFixedPoint(out, event.t_dist, 2);
-  *out++ = ',';
-  out = WriteDecimal(out, event.lptw);
-  out = WriteHexField(out, event.rc);
-  out = WriteHexField(out, event.rawmean_delta);
-  out = WriteHexField(out, event.packed_metric_1);
-  out = WriteHexField(out, event.packed_metric_2);
-  out = WriteHexField(out, event.packed_metric_3);
-  out = WriteHexField(out, event.extra_metric);
-  out = WriteHexField(out, event.foreign_matter_count);
-  out = WriteHexField(out, event.match_score);
-  out = WriteHexFields(out, event.stitch_img_num_);
-  return WriteHexFields(out, event.stitch_img_area_);
+  const auto& num = stitch_img_num_;
+  const auto& area = stitch_img_area_;
+  BoundedText<kTextSize> text;
+  text.Append(",%.2f,%.2f,%u,0x%x,0x%x,0x%x,0x%x,0x%x,0x%x,0x%x,0x%x", t_cov, t_dist, lptw, rc,
+              rawmean_delta, packed_metric_1, packed_metric_2, packed_metric_3, extra_metric,
+              foreign_matter_count, match_score);
+  text.Append(",0x%x,0x%x,0x%x,0x%x,0x%x", num[0], num[1], num[2], num[3], num[4]);
+  text.Append(",0x%x,0x%x,0x%x,0x%x,0x%x", area[0], area[1], area[2], area[3], area[4]);
+  return AuthEvent::ToBackupString() + text.ToString();
 }
 
 bool AuthEventG7::LoadFromBackupString(std::string& text) {
@@ -168,11 +119,22 @@ bool AuthEventG7::LoadFromBackupString(std::string& text) {
                  text.c_str());
     return false;
   }
-  if (LoadWrittenTail(*this, text) || LoadScannedTail(*this, text)) {
-    return true;
+  constexpr int kFields = 21;
+  auto& num = stitch_img_num_;
+  auto& area = stitch_img_area_;
+  if (sscanf(text.c_str(),
+             ",%f,%f,%u,0x%x,0x%x,0x%x,0x%x,0x%x,0x%x,0x%x,0x%x,0x%x,0x%x,0x%x,0x%x,0x%x,0x%x,0x%x,"
+             "0x%x,0x%x,0x%x",
+             &t_cov, &t_dist, &lptw, &rc, AsUnsigned(&rawmean_delta), AsUnsigned(&packed_metric_1),
+             AsUnsigned(&packed_metric_2), AsUnsigned(&packed_metric_3), AsUnsigned(&extra_metric),
+             AsUnsigned(&foreign_matter_count), AsUnsigned(&match_score), AsUnsigned(&num[0]),
+             AsUnsigned(&num[1]), AsUnsigned(&num[2]), AsUnsigned(&num[3]), AsUnsigned(&num[4]),
+             AsUnsigned(&area[0]), AsUnsigned(&area[1]), AsUnsigned(&area[2]), AsUnsigned(&area[3]),
+             AsUnsigned(&area[4])) != kFields) {
+    LogParseFailure(log_tag::kAuthEventG7, kLoadSignature, text);
+    return false;
   }
-  LogParseFailure(log_tag::kAuthEventG7, kLoadSignature, text);
-  return false;
+  return true;
 }
 
 std::string AuthEventG7::GetClassName() { return "AuthEventG7"; }

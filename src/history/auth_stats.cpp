@@ -7,7 +7,6 @@
 
 #include "common/bounded_text.h"
 #include "common/log.h"
-#include "history/auth_event_text.h"
 #include "history/backup_file.h"
 #include "history/dump.h"
 
@@ -32,7 +31,10 @@ std::atomic<uint32_t> consecutive_rejects = 0;
 }  // namespace
 
 AuthStats::AuthStats(std::string name, uint32_t max_attempts, bool backup_enabled)
-    : name(std::move(name)), max_attempts(max_attempts), backup_enabled(backup_enabled) {}
+    : name(std::move(name)),
+      max_attempts(max_attempts),
+      backup_enabled(backup_enabled),
+      backup_content(std::make_unique<BackupContent>()) {}
 
 AuthStats::~AuthStats() = default;
 
@@ -123,7 +125,8 @@ void AuthStats::LoadAttemptsFromBackupFile() {
 }
 
 void AuthStats::SaveAttemptsToBackupFile() const {
-  BackupFile(kWording, name.c_str(), backup_path).Save(attempts);
+  BackupFile(kWording, name.c_str(), backup_path)
+      .Save(backup_content->Update<AuthEvent, AuthEventG7>(attempts));
 }
 
 float AuthStats::GetFrr() const {

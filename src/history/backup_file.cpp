@@ -6,16 +6,17 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdint>
 #include <cstdio>
-#include <cstring>
+#include <memory>
 #include <utility>
 
 #include <android-base/file.h>
 #include <android-base/unique_fd.h>
 
+#include "common/bounded_text.h"
 #include "common/log.h"
 #include "fp_utils/crc32.h"
-#include "history/record_text.h"
 
 namespace android::fp_utils {
 namespace {
@@ -26,18 +27,20 @@ constexpr mode_t kDirectoryMode = 0600;
 
 constexpr mode_t kFileMode = 0666;  // less the umask
 
-// A usual frame; guesses that spare growing the block and moving the text behind its header.
-constexpr size_t kTypicalFrameBytes = 256;
-constexpr size_t kUsualHeaderBytes = sizeof("0x12345678,0x12,") - 1;
-constexpr size_t kMaxHeaderBytes = 64;
+// The longest record text that the reader takes.
+constexpr size_t kMaxRecordBytes = 1024;
 
-// Writes the header of `record_text` and returns its length.
-size_t WriteHeader(char* out, std::string_view record_text) {
-  char* end = WriteHex(out, crc32(record_text.data(), record_text.size()));
-  *end++ = ',';
-  end = WriteHex(end, record_text.size());
-  *end++ = ',';
-  return static_cast<size_t>(end - out);
+std::string FrameOf(const std::string& record_text) {
+  BoundedText<64> header;
+  header.Append("0x%x,0x%zx,", crc32(record_text.data(), record_text.size()), record_text.size());
+  return header.ToString() + record_text;
+}
+
+// Cuts a file that is longer.
+bool LimitLength(int file, size_t length) {
+  struct stat status = {};
+  return fstat(file, &status) == 0 && (static_cast<uint64_t>(status.st_size) <= length ||
+                                       ftruncate(file, static_cast<off_t>(length)) == 0);
 }
 
 struct FileCloser {
@@ -47,45 +50,20 @@ using UniqueFile = std::unique_ptr<FILE, FileCloser>;
 
 }  // namespace
 
-BackupFrames::BackupFrames(size_t records)
-    : capacity_(records * kTypicalFrameBytes + kMaxHeaderBytes + sizeof(RecordBuffer)),
-      block_(new char[capacity_]) {}  // not zeroed
-
-void BackupFrames::Reserve(size_t more) {
-  if (capacity_ - size_ >= more) {
-    return;
+// A history loses records at its front.
+void BackupContent::DropFramesBefore(const void* record) {
+  size_t bytes = 0;
+  while (!frames_.empty() && frames_.front().record != record) {
+    bytes += frames_.front().bytes;
+    frames_.pop_front();
   }
-  capacity_ = 2 * (size_ + more);
-  std::unique_ptr<char[]> larger(new char[capacity_]);
-  memcpy(larger.get(), block_.get(), size_);
-  block_ = std::move(larger);
+  content_.erase(0, bytes);
 }
 
-char* BackupFrames::OpenFrame() {
-  Reserve(kMaxHeaderBytes + sizeof(RecordBuffer));
-  return block_.get() + size_ + kUsualHeaderBytes;
-}
-
-void BackupFrames::CloseFrame(const char* text_end) {
-  char* const frame = block_.get() + size_;
-  const char* const text = frame + kUsualHeaderBytes;
-  const auto text_bytes = static_cast<size_t>(text_end - text);
-  char header[kMaxHeaderBytes];
-  const size_t header_bytes = WriteHeader(header, {text, text_bytes});
-  if (header_bytes == kUsualHeaderBytes) {
-    memcpy(frame, header, kUsualHeaderBytes);  // of a length that the compiler knows
-  } else {
-    memmove(frame + header_bytes, text, text_bytes);
-    memcpy(frame, header, header_bytes);
-  }
-  size_ += header_bytes + text_bytes;
-}
-
-void BackupFrames::AddFrame(std::string_view record_text) {
-  Reserve(kMaxHeaderBytes + record_text.size());
-  size_ += WriteHeader(block_.get() + size_, record_text);
-  memcpy(block_.get() + size_, record_text.data(), record_text.size());
-  size_ += record_text.size();
+void BackupContent::SetText(Frame& frame, size_t at, const std::string& record_text) {
+  const std::string text = FrameOf(record_text);
+  content_.replace(at, frame.bytes, text);
+  frame.bytes = text.size();
 }
 
 std::string BackupFile::Prepare(const Wording& wording, const char* directory,
@@ -120,11 +98,9 @@ void BackupFile::LogOversize(unsigned long long length) const {
                instance_ != nullptr ? instance_ : wording_.tag, wording_.load_signature, length);
 }
 
-void BackupFile::Replace(std::string_view content) const {
-  // What fopen() does for mode "w", without its buffer: there is one write to make.
-  const base::unique_fd file(
-      open(path_.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, kFileMode));
-  if (file < 0) {
+void BackupFile::Save(std::string_view content) const {
+  const base::unique_fd file(open(path_.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, kFileMode));
+  if (file < 0 || !LimitLength(file, content.size())) {
     LogOpenFailure(wording_.save_operation);
     return;
   }

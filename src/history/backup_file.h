@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <cstdint>
+#include <cstddef>
+#include <deque>
 #include <functional>
-#include <memory>
 #include <string>
 #include <string_view>
+
+#include "common/exact_class.h"
 
 // The backup file of a history: frames laid end to end, each "0x<crc>,0x<length>,<record text>"
 // with the CRC-32 and the length in bytes of the text, lower-case hexadecimal. No separator, header
@@ -13,27 +15,57 @@
 
 namespace android::fp_utils {
 
-// The frames of a whole file, composed in one block of memory.
-class BackupFrames {
+// The content of a history's file as of its last save. Most records of the next save are the same
+// ones with the same fields, and their frames are not composed again.
+class BackupContent {
  public:
-  explicit BackupFrames(size_t records);
-
-  // Where the next record text may be composed, with the room of a RecordBuffer; CloseFrame() puts
-  // the header before it.
-  char* OpenFrame();
-  void CloseFrame(const char* text_end);
-
-  // The same for a text that was composed elsewhere.
-  void AddFrame(std::string_view record_text);
-
-  std::string_view GetContent() const { return {block_.get(), size_}; }
+  // The frames of `records` in their order, valid until the next call. `Known` are the classes
+  // whose ToBackupString() depends on nothing but the fields; a record of any other class is asked
+  // for its text every time.
+  template <typename... Known, typename Records>
+  std::string_view Update(const Records& records) {
+    DropFramesBefore(records.empty() ? nullptr : records.front().get());
+    size_t index = 0;
+    size_t at = 0;
+    for (const auto& record : records) {
+      if (index == frames_.size()) {
+        frames_.emplace_back();
+      }
+      Frame& frame = frames_[index++];
+      frame.record = record.get();
+      const std::string_view state = StateOf<Known...>(*record);
+      if (state.empty() || state != frame.state) {
+        frame.state = state;
+        SetText(frame, at, record->ToBackupString());
+      }
+      at += frame.bytes;
+    }
+    frames_.resize(index);
+    content_.resize(at);
+    return content_;
+  }
 
  private:
-  void Reserve(size_t more);
+  struct Frame {
+    const void* record = nullptr;  // only tells which frames the history has dropped
+    std::string state;             // of the record when its frame was composed
+    size_t bytes = 0;              // length of the frame
+  };
 
-  size_t capacity_;
-  std::unique_ptr<char[]> block_;
-  size_t size_ = 0;
+  // The bytes of a record whose class is one of Known itself, nothing of any other. Bytes, since
+  // fields that compare equal may have different texts: 0 and -0.
+  template <typename... Known, typename Record>
+  static std::string_view StateOf(const Record& record) {
+    size_t size = 0;
+    ((size = ExactCast<Known>(record) != nullptr ? sizeof(Known) : size), ...);
+    return {reinterpret_cast<const char*>(&record), size};
+  }
+
+  void DropFramesBefore(const void* record);
+  void SetText(Frame& frame, size_t at, const std::string& record_text);
+
+  std::deque<Frame> frames_;
+  std::string content_;
 };
 
 // One history's reader and writer of its file, with the names under which the history logs.
@@ -57,29 +89,14 @@ class BackupFile {
   static std::string Prepare(const Wording& wording, const char* directory,
                              const std::string& file_name);
 
-  // Replaces the file by the records in their order. Each record class has a
-  // WriteOwnRecord(), which spares a string where nobody has overridden ToBackupString().
-  template <typename Records>
-  void Save(const Records& records) const {
-    // The content is complete before the old one is truncated, and goes out in one write: a service
-    // killed meanwhile has the file empty for as short a time as possible.
-    BackupFrames frames(records.size());
-    for (const auto& record : records) {
-      const char* const end = WriteOwnRecord(frames.OpenFrame(), *record);
-      if (end != nullptr) {
-        frames.CloseFrame(end);
-      } else {
-        frames.AddFrame(record->ToBackupString());
-      }
-    }
-    Replace(frames.GetContent());
-  }
+  // Makes `content` the file's. On the way there the old content is not thrown away first: what a
+  // kill in between leaves is the front of the new content with the rest of the old one behind it.
+  void Save(std::string_view content) const;
 
   // Hands the record texts to `take` up to the end of the file or the first damage.
   void Load(const std::function<void(std::string& record_text)>& take) const;
 
  private:
-  void Replace(std::string_view content) const;
   void LogOpenFailure(const char* operation) const;
   void LogCrcMismatch() const;
   void LogOversize(unsigned long long length) const;

@@ -8,7 +8,6 @@
 #include "common/log.h"
 #include "history/backup_file.h"
 #include "history/dump.h"
-#include "history/enroll_event_text.h"
 
 namespace android::fp_utils {
 namespace {
@@ -29,7 +28,7 @@ constexpr const char* kNoInstance = nullptr;
 
 }  // namespace
 
-EnrollEventContainer::EnrollEventContainer() = default;
+EnrollEventContainer::EnrollEventContainer() : backup_content(std::make_unique<BackupContent>()) {}
 
 EnrollEventContainer::~EnrollEventContainer() = default;
 
@@ -69,7 +68,8 @@ void EnrollEventContainer::AddEvent(std::shared_ptr<EnrollEvent> event) {
 
 // Called by AddEvent() with the lock held.
 void EnrollEventContainer::SaveEventsToBackupFile() const FP_NO_THREAD_SAFETY_ANALYSIS {
-  BackupFile(kWording, kNoInstance, backup_path).Save(events);
+  BackupFile(kWording, kNoInstance, backup_path)
+      .Save(backup_content->Update<EnrollEvent, EnrollEventG7>(events));
 }
 
 void EnrollEventContainer::LoadEventsFromBackupFile() {

@@ -1,11 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <algorithm>
 #include <cstdio>
 
 #include "common/bounded_text.h"
 #include "common/log.h"
 #include "fp_utils/enroll_event.h"
-#include "history/enroll_event_text.h"
 #include "history/record_text.h"
 
 namespace android::fp_utils {
@@ -14,30 +12,6 @@ namespace {
 constexpr size_t kPieceSize = 128;
 constexpr char kLoadSignature[] =
     "virtual bool android::fp_utils::EnrollEventG7::LoadFromBackupString(std::string &)";
-
-// The tail in the form in which ToBackupString() writes it. False leaves the record alone.
-bool LoadWrittenTail(EnrollEventG7& event, const std::string& text) {
-  RecordReader reader(text);
-  EnrollEventG7 read = event;
-  if (!reader.HexField(&read.rc) || !reader.FixedPointField(&read.rawmean_delta) ||
-      !reader.HexFields(&read.stitch_img_num_) || !reader.HexFields(&read.stitch_img_area_)) {
-    return false;
-  }
-  event = read;
-  return true;
-}
-
-// Any tail that scanf takes, straight into the record.
-bool LoadScannedTail(EnrollEventG7& event, const std::string& text) {
-  constexpr int kFields = 12;
-  auto& num = event.stitch_img_num_;
-  auto& area = event.stitch_img_area_;
-  return sscanf(text.c_str(), ",0x%x,%f,0x%x,0x%x,0x%x,0x%x,0x%x,0x%x,0x%x,0x%x,0x%x,0x%x",
-                AsUnsigned(&event.rc), &event.rawmean_delta, AsUnsigned(&num[0]),
-                AsUnsigned(&num[1]), AsUnsigned(&num[2]), AsUnsigned(&num[3]), AsUnsigned(&num[4]),
-                AsUnsigned(&area[0]), AsUnsigned(&area[1]), AsUnsigned(&area[2]),
-                AsUnsigned(&area[3]), AsUnsigned(&area[4])) == kFields;
-}
 
 }  // namespace
 
@@ -67,20 +41,14 @@ std::string EnrollEventG7::ToDebugString() const {
 }
 
 std::string EnrollEventG7::ToBackupString() const {
-  RecordBuffer buffer;
-  return {buffer, WriteEnrollEventG7(buffer, *this)};
-}
-
-char* WriteEnrollEventG7(char* out, const EnrollEventG7& event) {
-  out = WriteEnrollEvent(out, event);
-  char* const tail = out;
-  out = WriteHexField(out, event.rc);
-  *out++ = ',';
-  out = WriteFixedPoint(out, event.rawmean_delta, 2);
-  out = WriteHexFields(out, event.stitch_img_num_);
-  out = WriteHexFields(out, event.stitch_img_area_);
+  const auto& num = stitch_img_num_;
+  const auto& area = stitch_img_area_;
   // The tail has always been limited to this buffer; readers of old and new files see the same.
-  return std::min(out, tail + kPieceSize - 1);
+  BoundedText<kPieceSize> text;
+  text.Append(",0x%x,%.2f", rc, rawmean_delta);
+  text.Append(",0x%x,0x%x,0x%x,0x%x,0x%x", num[0], num[1], num[2], num[3], num[4]);
+  text.Append(",0x%x,0x%x,0x%x,0x%x,0x%x", area[0], area[1], area[2], area[3], area[4]);
+  return EnrollEvent::ToBackupString() + text.ToString();
 }
 
 bool EnrollEventG7::LoadFromBackupString(std::string& text) {
@@ -89,11 +57,18 @@ bool EnrollEventG7::LoadFromBackupString(std::string& text) {
                  text.c_str());
     return false;
   }
-  if (LoadWrittenTail(*this, text) || LoadScannedTail(*this, text)) {
-    return true;
+  constexpr int kFields = 12;
+  auto& num = stitch_img_num_;
+  auto& area = stitch_img_area_;
+  if (sscanf(text.c_str(), ",0x%x,%f,0x%x,0x%x,0x%x,0x%x,0x%x,0x%x,0x%x,0x%x,0x%x,0x%x",
+             AsUnsigned(&rc), &rawmean_delta, AsUnsigned(&num[0]), AsUnsigned(&num[1]),
+             AsUnsigned(&num[2]), AsUnsigned(&num[3]), AsUnsigned(&num[4]), AsUnsigned(&area[0]),
+             AsUnsigned(&area[1]), AsUnsigned(&area[2]), AsUnsigned(&area[3]),
+             AsUnsigned(&area[4])) != kFields) {
+    LogParseFailure(log_tag::kEnrollEventG7, kLoadSignature, text);
+    return false;
   }
-  LogParseFailure(log_tag::kEnrollEventG7, kLoadSignature, text);
-  return false;
+  return true;
 }
 
 std::string EnrollEventG7::GetEnrollFailureReason() const {

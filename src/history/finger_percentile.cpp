@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <algorithm>
-#include <array>
 #include <cstdint>
 #include <cstring>
 #include <vector>
@@ -37,38 +36,6 @@ size_t IndexOf(float position, size_t count) {
                                                : std::min(static_cast<size_t>(position), count - 1);
 }
 
-// Narrows `keys` down to few of them among which are those at `index` and `index` + 1 of the sorted
-// order, and `index` to the place of the first in the sorted order of these: counts the keys of
-// equal intervals and keeps the intervals in question. No step depends on a comparison's outcome,
-// which no predictor could guess.
-void KeepNeighbourhood(std::vector<uint32_t>& keys, size_t& index) {
-  constexpr int kBucketBits = 7;
-  const auto [min, max] = std::minmax_element(keys.begin(), keys.end());
-  const uint32_t lowest = *min;
-  const int shift = std::max(0, 32 - kBucketBits - __builtin_clz((*max - lowest) | 1));
-  std::array<uint32_t, 1 << kBucketBits> counts = {};
-  for (const uint32_t key : keys) {
-    ++counts[(key - lowest) >> shift];
-  }
-  size_t below = 0;
-  uint32_t first = 0;
-  for (; below + counts[first] <= index; ++first) {
-    below += counts[first];
-  }
-  uint32_t last = first;
-  for (size_t through = below + counts[first]; through <= index + 1 && through < keys.size();) {
-    through += counts[++last];
-  }
-  auto kept = keys.begin();
-  for (const uint32_t key : keys) {
-    const uint32_t bucket = (key - lowest) >> shift;
-    *kept = key;
-    kept += bucket - first <= last - first ? 1 : 0;
-  }
-  keys.erase(kept, keys.end());
-  index -= below;
-}
-
 }  // namespace
 
 float FingerSizes::GetPercentileValue(FingerSize::Axis axis, float percentile) {
@@ -86,11 +53,9 @@ float FingerSizes::GetPercentileValue(FingerSize::Axis axis, float percentile) {
   }
   const float position = percentile / 100.0F * static_cast<float>(count - 1);
   const size_t index = IndexOf(position, count);
-  size_t place = index;
-  KeepNeighbourhood(keys, place);
   // Two neighbours of the sorted order are wanted, not the order: select the first, and behind it
   // the second is the smallest.
-  const auto lower = keys.begin() + static_cast<ptrdiff_t>(place);
+  const auto lower = keys.begin() + static_cast<ptrdiff_t>(index);
   std::nth_element(keys.begin(), lower, keys.end());
   const float low = FromKey(*lower);
   if (index + 1 == count) {

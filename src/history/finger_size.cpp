@@ -2,22 +2,14 @@
 #include <cstdio>
 
 #include "common/bounded_text.h"
-#include "common/exact_class.h"
 #include "common/log.h"
 #include "fp_utils/finger_sizes.h"
-#include "history/finger_size_text.h"
 #include "history/record_text.h"
 
 namespace android::fp_utils {
 namespace {
 
-char* WriteFingerSize(char* out, const FingerSize& size) {
-  out = WriteDecimal(out, size.op);
-  *out++ = ',';
-  out = WriteFixedPoint(out, size.major, 1);
-  *out++ = ',';
-  return WriteFixedPoint(out, size.minor, 1);
-}
+constexpr size_t kTextSize = 128;
 
 }  // namespace
 
@@ -28,18 +20,15 @@ FingerSize::FingerSize(int32_t op, float major, float minor) : op{op}, major{maj
 FingerSize::~FingerSize() = default;
 
 std::string FingerSize::ToString() const {
-  BoundedText<128> text;
+  BoundedText<kTextSize> text;
   text.Append("op:%d, size:(%.1f, %.1f)", op, major, minor);
   return text.ToString();
 }
 
 std::string FingerSize::ToBackupString() const {
-  RecordBuffer buffer;
-  return {buffer, WriteFingerSize(buffer, *this)};
-}
-
-char* WriteOwnRecord(char* out, const FingerSize& size) {
-  return ExactCast<FingerSize>(size) != nullptr ? WriteFingerSize(out, size) : nullptr;
+  BoundedText<kTextSize> text;
+  text.Append("%d,%.1f,%.1f", op, major, minor);
+  return text.ToString();
 }
 
 bool FingerSize::LoadFromBackupString(std::string& text) {

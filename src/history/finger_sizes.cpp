@@ -5,7 +5,6 @@
 
 #include "common/log.h"
 #include "history/backup_file.h"
-#include "history/finger_size_text.h"
 
 namespace android::fp_utils {
 namespace {
@@ -21,7 +20,10 @@ constexpr BackupFile::Wording kWording = {
 }  // namespace
 
 FingerSizes::FingerSizes(std::string name, unsigned int max_fingers, bool backup_enabled)
-    : name(std::move(name)), max_fingers(max_fingers), backup_enabled(backup_enabled) {
+    : name(std::move(name)),
+      max_fingers(max_fingers),
+      backup_enabled(backup_enabled),
+      backup_content(std::make_unique<BackupContent>()) {
   if (backup_enabled) {
     backup_path = BackupFile::Prepare(kWording, kBackupDir, "FingerSizes." + this->name);
     LoadFingersFromBackupFile();
@@ -83,7 +85,7 @@ void FingerSizes::LoadFingersFromBackupFile() {
 }
 
 void FingerSizes::SaveFingersToBackupFile() const {
-  BackupFile(kWording, name.c_str(), backup_path).Save(fingers);
+  BackupFile(kWording, name.c_str(), backup_path).Save(backup_content->Update<FingerSize>(fingers));
 }
 
 }  // namespace android::fp_utils

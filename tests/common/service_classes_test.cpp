@@ -5,7 +5,7 @@
 
 #include "common/exact_class.h"
 #include "fp_utils/auth_stats.h"
-#include "fp_utils/enroll_event.h"
+#include "fp_utils/enroll_event_container.h"
 #include "fp_utils/finger_sizes.h"
 #include "fp_utils/shapes.h"
 #include "support/device_test.h"
@@ -22,16 +22,20 @@ namespace {
 
 class SERVICE_CLASSES : public fp_test::DeviceTest {};
 
-struct ServiceEvent : AuthEventG7 {
-  std::string ToBackupString() const override { return "own"; }
+// At any length.
+template <typename Record>
+struct Own : Record {
+  std::string ToBackupString() const override { return "own" + std::string(3000, 'x'); }
 };
+
+std::string OwnFrame() { return fp_test::Frame(Own<FingerSize>().ToBackupString()); }
 
 TEST_F(SERVICE_CLASSES, OfRecordsCountAndSaveTheirOwnText) {
   AuthStatsG7 stats("0", 2, true);
   stats.Init();
   fp_test::TakeLog();
   for (const int32_t rawmean_delta : {10, 20, 40}) {
-    auto event = std::make_shared<ServiceEvent>();
+    auto event = std::make_shared<Own<AuthEventG7>>();
     event->acquired_info = AuthEvent::kAcquiredGood;
     event->auth_successful = true;
     event->rawmean_delta = rawmean_delta;
@@ -39,7 +43,20 @@ TEST_F(SERVICE_CLASSES, OfRecordsCountAndSaveTheirOwnText) {
   }
   EXPECT_EQ(30.0F, stats.GetAvgRawmeanDelta());
   EXPECT_LOG();
-  EXPECT_EQ(fp_test::Frame("own") + fp_test::Frame("own"), ReadFile(stats.GetBackupPath()));
+  EXPECT_EQ(OwnFrame() + OwnFrame(), ReadFile(stats.GetBackupPath()));
+
+  EnrollEventContainer container;
+  container.Init("EnrollEventG7");
+  auto base = std::make_shared<EnrollEvent>();
+  base->timestamp = 0x10;
+  container.AddEvent(base);
+  container.AddEvent(std::make_shared<Own<EnrollEventG7>>());
+  EXPECT_EQ(fp_test::Frame("0x10,0,0x0,0x0,0x0,0x0,0.00,0x0") + OwnFrame(),
+            ReadFile(container.GetBackupPath()));
+
+  FingerSizes sizes("x", 2, true);
+  sizes.AddFinger(std::make_shared<Own<FingerSize>>(), true);
+  EXPECT_EQ(OwnFrame(), ReadFile(sizes.GetBackupPath()));
 }
 
 class LeftHalf : public IShape {

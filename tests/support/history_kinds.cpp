@@ -2,6 +2,7 @@
 #include "support/history_kinds.h"
 
 #include <cstdio>
+#include <deque>
 
 #include "fp_utils/auth_stats.h"
 #include "fp_utils/crc32.h"
@@ -11,83 +12,104 @@
 namespace fp_test {
 namespace {
 
-using android::fp_utils::AuthEventG7;
-using android::fp_utils::AuthStatsG7;
-using android::fp_utils::EnrollEventContainer;
-using android::fp_utils::EnrollEventG7;
-using android::fp_utils::FingerSize;
-using android::fp_utils::FingerSizes;
+using namespace android::fp_utils;
 
 constexpr int kFullSize = 50;
 
-template <typename Records>
-std::vector<std::string> TextsOf(const Records& records) {
-  std::vector<std::string> texts;
-  for (const auto& record : records) {
-    texts.push_back(record->ToBackupString());
-  }
-  return texts;
+void Fill(AuthEventG7& event, int number) {
+  event.timestamp = 1772600767 + number;
+  event.acquired_info = 1;
+  event.auth_successful = true;
+  event.fid = number;
+  event.latency = 200 + number % 100;
+  event.iq = number % 60;
+  event.t_cov = static_cast<float>(number % 400) / 4;
+  event.t_dist = static_cast<float>(number % 7) / 2;
+  event.rawmean_delta = 1000 - number;
+  event.packed_metric_1 = 225220215 + number;
+  event.stitch_img_num_ = {number, 2, 3, 4, 5};
 }
+float& FloatOf(AuthEvent& event) { return static_cast<AuthEventG7&>(event).t_cov; }
 
-class AuthHistory : public HistoryUnderTest {
+void Fill(EnrollEventG7& event, int number) {
+  event.timestamp = 1772600767 + number;
+  event.op = number % 3 == 0 ? EnrollEventG7::kOpDelete : EnrollEventG7::kOpAdd;
+  event.enroll_successful = number % 2 == 0;
+  event.fid = number;
+  event.iq_avg = static_cast<float>(number % 200) / 4;
+  event.rc = number % 5;
+  event.rawmean_delta = static_cast<float>(-number) / 2;
+  event.stitch_img_area_ = {number, 2, 3, 4, 5};
+}
+float& FloatOf(EnrollEvent& event) { return event.iq_avg; }
+
+void Fill(FingerSize& size, int number) {
+  const auto major = static_cast<float>(number % 1000) / 2;
+  size = FingerSize(number, major, major / 2);
+}
+float& FloatOf(FingerSize& size) { return size.minor; }
+
+// `Base` is what the history holds, `Record` what is put in.
+template <typename Base, typename Record>
+class TypedHistory : public HistoryUnderTest {
+ public:
+  void AddAndSave(int number) override {
+    auto record = std::make_shared<Record>();
+    Fill(*record, number);
+    Add(std::move(record));
+  }
+  void AddAndSaveOneOf(HistoryUnderTest& other, size_t index) override {
+    Add(static_cast<TypedHistory&>(other).Held()[index]);
+  }
+  void AddNull() override { Add(nullptr); }
+  void SetFloat(size_t index, float value) override { FloatOf(*Held()[index]) = value; }
+  std::vector<std::string> RecordTexts() const override {
+    std::vector<std::string> texts;
+    for (const auto& record : Held()) {
+      texts.push_back(record->ToBackupString());
+    }
+    return texts;
+  }
+
+ private:
+  virtual void Add(std::shared_ptr<Base> record) = 0;
+  virtual const std::deque<std::shared_ptr<Base>>& Held() const = 0;
+};
+
+class AuthHistory : public TypedHistory<AuthEvent, AuthEventG7> {
  public:
   AuthHistory() { stats_.Init(); }
 
-  void AddAndSave(int number) override {
-    auto event = std::make_shared<AuthEventG7>();
-    event->timestamp = 1772600767 + number;
-    event->acquired_info = 1;
-    event->auth_successful = true;
-    event->fid = number;
-    event->latency = 200 + number % 100;
-    event->iq = number % 60;
-    event->t_cov = static_cast<float>(number % 400) / 4;
-    event->t_dist = static_cast<float>(number % 7) / 2;
-    event->rawmean_delta = 1000 - number;
-    event->packed_metric_1 = 225220215 + number;
-    event->stitch_img_num_ = {number, 2, 3, 4, 5};
-    stats_.AddAttempt(event);
+ private:
+  void Add(std::shared_ptr<AuthEvent> record) override { stats_.AddAttempt(std::move(record)); }
+  const std::deque<std::shared_ptr<AuthEvent>>& Held() const override {
+    return stats_.GetAttempts();
   }
 
-  std::vector<std::string> RecordTexts() const override { return TextsOf(stats_.GetAttempts()); }
-
- private:
   AuthStatsG7 stats_{"0", kFullSize, true};
 };
 
-class EnrollHistory : public HistoryUnderTest {
+class EnrollHistory : public TypedHistory<EnrollEvent, EnrollEventG7> {
  public:
   EnrollHistory() { container_.Init("EnrollEventG7"); }
 
-  void AddAndSave(int number) override {
-    auto event = std::make_shared<EnrollEventG7>();
-    event->timestamp = 1772600767 + number;
-    event->op = number % 3 == 0 ? EnrollEventG7::kOpDelete : EnrollEventG7::kOpAdd;
-    event->enroll_successful = number % 2 == 0;
-    event->fid = number;
-    event->iq_avg = static_cast<float>(number % 200) / 4;
-    event->rc = number % 5;
-    event->rawmean_delta = static_cast<float>(-number) / 2;
-    event->stitch_img_area_ = {number, 2, 3, 4, 5};
-    container_.AddEvent(event);
+ private:
+  void Add(std::shared_ptr<EnrollEvent> record) override { container_.AddEvent(std::move(record)); }
+  const std::deque<std::shared_ptr<EnrollEvent>>& Held() const override {
+    return container_.GetEvents();
   }
 
-  std::vector<std::string> RecordTexts() const override { return TextsOf(container_.GetEvents()); }
-
- private:
   EnrollEventContainer container_;
 };
 
-class FingerHistory : public HistoryUnderTest {
- public:
-  void AddAndSave(int number) override {
-    const auto size = static_cast<float>(number % 1000) / 2;
-    sizes_.AddFinger(std::make_shared<FingerSize>(number, size, size / 2), true);
+class FingerHistory : public TypedHistory<FingerSize, FingerSize> {
+  void Add(std::shared_ptr<FingerSize> record) override {
+    sizes_.AddFinger(std::move(record), true);
+  }
+  const std::deque<std::shared_ptr<FingerSize>>& Held() const override {
+    return sizes_.GetFingers();
   }
 
-  std::vector<std::string> RecordTexts() const override { return TextsOf(sizes_.GetFingers()); }
-
- private:
   FingerSizes sizes_{"0", kFullSize, true};
 };
 
@@ -96,19 +118,35 @@ class FingerHistory : public HistoryUnderTest {
 std::vector<HistoryKind> AllHistoryKinds() {
   return {
       {"AuthStats", "/data/vendor/fingerprint/AuthStats.0", kFullSize,
-       [] { return std::make_unique<AuthHistory>(); }},
+       [] { return std::make_unique<AuthHistory>(); }, "Init", "LoadAttemptsFromBackupFile",
+       "SaveAttemptsToBackupFile",
+       "[0][void android::fp_utils::AuthStats::LoadAttemptsFromBackupFile()]",
+       "[0] AuthEvent is null, ignored"},
       {"EnrollEventContainer", "/data/vendor/fingerprint/EnrollEventContainer", kFullSize,
-       [] { return std::make_unique<EnrollHistory>(); }},
+       [] { return std::make_unique<EnrollHistory>(); }, "Init", "LoadEventsFromBackupFile",
+       "SaveEventsToBackupFile",
+       "[void android::fp_utils::EnrollEventContainer::LoadEventsFromBackupFile()]",
+       "[AddEvent] EnrollEvent is null, ignored"},
       {"FingerSizes", "/data/vendor/fingerprint/FingerSizes.0", kFullSize,
-       [] { return std::make_unique<FingerHistory>(); }},
+       [] { return std::make_unique<FingerHistory>(); }, "FingerSizes", "LoadFingersFromBackupFile",
+       "SaveFingersToBackupFile",
+       "[0][void android::fp_utils::FingerSizes::LoadFingersFromBackupFile()]",
+       "[0] FingerSize is null, ignored"},
   };
 }
 
-std::string Frame(const std::string& text, uint64_t length) {
+std::string Frame(const std::string& text, unsigned long long length) {
   char header[64];
-  snprintf(header, sizeof header, "0x%x,0x%lx,", android::fp_utils::crc32(text.data(), text.size()),
-           length);
+  snprintf(header, sizeof header, "0x%x,0x%llx,", crc32(text.data(), text.size()), length);
   return header + text;
+}
+
+std::string FramesOf(const std::vector<std::string>& texts) {
+  std::string frames;
+  for (const std::string& text : texts) {
+    frames += Frame(text);
+  }
+  return frames;
 }
 
 }  // namespace fp_test
