@@ -13,8 +13,6 @@ namespace android::fp_utils {
 template <size_t N>
 class BoundedText {
  public:
-  BoundedText() { buffer_[0] = '\0'; }
-
   __attribute__((format(printf, 2, 3))) void Append(const char* format, ...) {
     va_list arguments;
     va_start(arguments, format);

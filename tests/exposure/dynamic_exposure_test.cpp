@@ -132,6 +132,14 @@ TEST_F(DynamicExposureTest, RefusedStepKeepsStepAndSample) {
   EXPECT_LOG(Error("DynamicExposure",
                    "[AdjustExposure] target expo(173.833) > upper bound(149.999), skip"));
   EXPECT_TRUE(changes_.empty());
+
+  Set("expo_change_unit_denominator", "100");
+  Set("upper_bound_us", "110000");
+  Set("lower_bound_us", "90000");
+  for (const StepAdjustment step : {StepAdjustment::kUp, StepAdjustment::kDown}) {
+    Calibrated(100.0F, 100.0F).AdjustExposure(step);
+    EXPECT_EQ(static_cast<int32_t>(step), controller_->GetStep()) << "to the bound itself";
+  }
 }
 
 // Calibration outside the bounds: a step back towards them is never refused, nor is a
@@ -195,15 +203,15 @@ TEST_F(DynamicExposureTest, CrossedThresholdsGoUp) {
 
 TEST_F(DynamicExposureTest, NeedsCalibrationAndCallback) {
   controller_.emplace();
-  controller_->AdjustExposure(StepAdjustment::kUp);
-  controller_->UpdateCaliExpo(20.0F, 0.0F);
-  controller_->AdjustExposure(StepAdjustment::kUp);
+  for (const Exposure calibrated : {Exposure{20, 0}, {0, 50}}) {
+    controller_->UpdateCaliExpo(calibrated.expo, calibrated.base);
+    TakeLog();
+    controller_->AdjustExposure(StepAdjustment::kUp);
+    EXPECT_LOG(Error("DynamicExposure", "[AdjustExposure] cali_expo is not initialized"));
+  }
   controller_->UpdateCaliExpo(20.0F, 50.0F);
   controller_->AdjustExposure(StepAdjustment::kUp);
-  EXPECT_LOG(Error("DynamicExposure", "[AdjustExposure] cali_expo is not initialized"),
-             Info("DynamicExposure", "UpdateCaliExpo: cali_expo:20.000, cali_expo_base:0.000"),
-             Error("DynamicExposure", "[AdjustExposure] cali_expo is not initialized"),
-             Info("DynamicExposure", "UpdateCaliExpo: cali_expo:20.000, cali_expo_base:50.000"),
+  EXPECT_LOG(Info("DynamicExposure", "UpdateCaliExpo: cali_expo:20.000, cali_expo_base:50.000"),
              Error("DynamicExposure", "[AdjustExposure] expo changed cb is not registered"));
   EXPECT_EQ(0, controller_->GetStep());
 }

@@ -201,6 +201,9 @@ TEST(Coverage, EndlessAxes) {
   EXPECT_EQ((Counts{all, 3, 3}), CountIn(Rect({0, 0}, {3e38F, 0}), Rect({-1, -1}, {3.4e38F, 1}),
                                          Ellipse({0, 0}, 1, 3e29F, 0)))
       << "steps of 7e28";
+  const Rect wide({0x1p32F, 0}, {0x1p33F, 0});
+  EXPECT_EQ((Counts{all, 0, 0}), CountIn(wide, wide, Circle({0, 0}, 1)))
+      << "2^32 of them are one more than there can be";
   TuneScanPoints("4294967295", "4294967295");
   EXPECT_EQ((Counts{1, 1, 1}),
             CountIn(Rect({0, 0}, {9, 9}), Circle({5, 5}, 99), Circle({4, 4}, 99)))

@@ -8,6 +8,7 @@
 #include <string>
 
 #include "support/device_test.h"
+#include "support/history_kinds.h"
 
 namespace android::fp_utils {
 namespace {
@@ -217,6 +218,23 @@ TEST_F(AuthStatsTest, InitAfterResetFindsEveryRecord) {
   stats->Init();
   EXPECT_EQ(100u, stats->GetTotalAttempts());
   EXPECT_EQ(saved, ReadFile(kFile)) << "loading does not save";
+}
+
+// Records of before the reset may be added anew.
+TEST_F(AuthStatsTest, SavesAfterAResetWhatIsHeldThen) {
+  auto stats = Fresh();
+  const std::shared_ptr<AuthEventG7> events[] = {Attempt(true, 1), Attempt(true, 2)};
+  stats->AddAttempt(events[0]);
+  stats->AddAttempt(events[1]);
+  stats->Reset();
+  Remove(kFile);
+  stats->Init();
+  std::string expected;
+  for (const auto& event : events) {
+    stats->AddAttempt(event);
+    expected += Frame(event->ToBackupString());
+    EXPECT_EQ(expected, ReadFile(kFile));
+  }
 }
 
 TEST_F(AuthStatsTest, PathIsKnownFromInitAndOnlyWhereThereIsAFile) {

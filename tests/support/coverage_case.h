@@ -2,23 +2,14 @@
 #pragma once
 
 #include <cstdint>
-#include <memory>
 #include <string>
-#include <variant>
 #include <vector>
 
 #include "fp_utils/shapes.h"
 #include "reference/plain_geometry.h"
+#include "support/any_shape.h"
 
 namespace fp_test {
-
-using AnyShape =
-    std::variant<android::fp_utils::Circle, android::fp_utils::Ellipse, android::fp_utils::Rect>;
-
-const android::fp_utils::IShape& AsShape(const AnyShape& shape);
-
-// The same shape as a class that the library does not know.
-std::unique_ptr<android::fp_utils::IShape> AsPlainShape(const AnyShape& shape);
 
 // Two shapes and the grid that samples them.
 struct CoverageCase {
@@ -42,10 +33,5 @@ struct CoverageCase {
 
 // Sets the properties to what the case asks for.
 void TuneScanPoints(const CoverageCase& c);
-
-// By the library.
-fp_reference::PlainCounts CountIn(const android::fp_utils::Rect& grid,
-                                  const android::fp_utils::IShape& s1,
-                                  const android::fp_utils::IShape& s2);
 
 }  // namespace fp_test
