@@ -110,6 +110,7 @@ docs-check: build  ## run the commands of the pages, and check their links
 	scripts/docs_check
 
 package: build  ## a Debian package of library, headers and package files
+	@scripts/setup package
 	cd build/release && cpack -G DEB
 
 package-check: package
