@@ -2,13 +2,14 @@
 # The project's commands. Each installs what it lacks, configures its CMake preset and builds.
 
 .DEFAULT_GOAL := help
-.PHONY: help build demo test check bench fuzz coverage mutate lint docs docs-check package abi format stats clean \
-  test-clang test-asan test-tsan device-like aarch64 bench-build abi-library abi-check package-check
+.PHONY: help build demo test check bench fuzz coverage mutate lint docs docs-check package abi format \
+  stats clean test-clang test-asan test-tsan device-like aarch64 bench-build bench-once abi-library \
+  abi-check package-check
 
 FUZZ_SECONDS ?= 60
 MUTANTS ?= 300
 JOBS ?= $(shell nproc)
-CTEST = ctest --output-on-failure --no-tests=error -j$(JOBS)
+CTEST = ctest -j$(JOBS) --preset
 DEMO = build/release/examples/fp_service/fp_service --device-root build/demo/device
 
 # Configures preset $(1) and builds $(2), or everything. $(3) goes to cmake. A terminal sees ninja's
@@ -31,6 +32,7 @@ help:  ## this list
 build:  ## build library, demo and tests
 	@scripts/setup build test
 	$(call build,release)
+	@ln -sf build/release/compile_commands.json .
 
 demo:  ## run a fingerprint service through a day on a simulated device
 	@scripts/setup build test
@@ -38,22 +40,22 @@ demo:  ## run a fingerprint service through a day on a simulated device
 	$(DEMO) --scenario examples/fp_service/scenarios/day.jsonl
 
 test: build  ## build and run all tests
-	$(CTEST) --test-dir build/release -LE long
+	$(CTEST) release
 
 check: build  ## run the long checks too: kills during saves, long random runs, some mutants
-	$(CTEST) --test-dir build/release -L long -V
+	$(CTEST) long -V
 	@$(MAKE) --no-print-directory mutate MUTANTS=30
 
 # The lanes of .ci/run. Sanitizers take a share of the long random runs.
 test-clang:
 	@scripts/setup build test clang
 	$(call build,clang)
-	FP_TEST_SHARE=0.1 $(CTEST) --test-dir build/clang -LE long
+	$(CTEST) clang
 
 test-asan test-tsan: test-%:
 	@scripts/setup build test clang
 	$(call build,$*)
-	FP_TEST_SHARE=0.02 $(CTEST) --test-dir build/$* -LE long
+	$(CTEST) $*
 
 device-like:
 	@scripts/setup build clang
@@ -70,6 +72,11 @@ bench-build:
 	@scripts/setup build test bench
 	$(call build,release,,-DFP_UTILS_BUILD_BENCH=ON)
 
+# Each benchmark once, to see that it runs.
+bench-once: bench-build
+	build/release/bench/fp_bench --benchmark_color=false --benchmark_min_time=0 \
+	  --benchmark_repetitions=1 >build/bench-once.log || { tail -n 20 build/bench-once.log; exit 1; }
+
 bench:  ## measure against the plain alternatives and print the ratios
 	@scripts/setup build bench
 	$(call build,bench,fp_bench)
@@ -83,7 +90,7 @@ fuzz:  ## run every fuzz target for FUZZ_SECONDS (60)
 coverage:  ## lines and branches of include/ and src/ that the tests reach
 	@scripts/setup build test coverage
 	$(call build,coverage)
-	FP_TEST_SHARE=0.1 $(CTEST) --test-dir build/coverage -LE long | tail -n 3
+	$(CTEST) coverage | tail -n 3
 	scripts/coverage build/coverage
 
 mutate:  ## run the tests on MUTANTS (300) small changes of the library; SEED picks which
