@@ -6,6 +6,7 @@ The code is parsed by libclang; function bodies and initialisers of src/ and inc
 import os
 import re
 import shlex
+from collections import defaultdict
 from dataclasses import dataclass
 
 from clang import cindex
@@ -57,34 +58,23 @@ class Mutant:
 
     def __str__(self):
         old, new = (" ".join(text.split())[:60] for text in (self.old, self.new))
-        return f"{self.file}:{self.line} {self.kind} in {self.function}: `{old}` -> `{new}`"
+        place = f"{self.file}:{self.line} {self.function}".rstrip()
+        return f"{place}: {self.kind} `{old}` -> `{new}`"
 
 
 class FileWalker:
     """Collects the mutants of one file of a translation unit."""
 
-    def __init__(self, root, path, unit):
-        self.path, self.name = path, os.path.relpath(path, root)
+    def __init__(self, root, path, cursors):
+        self.name = os.path.relpath(path, root)
         with open(path, "rb") as file:
             self.data = file.read()
-        self.macros = [self.extent(c) for c in unit.cursor.get_children()
-                       if c.kind == K.MACRO_INSTANTIATION and self.is_mine(c)]
+        self.macros = [self.extent(c) for c in cursors if c.kind == K.MACRO_INSTANTIATION]
         self.function = ""
         self.mutants = {}
-        self.descend(unit.cursor)
-
-    def is_mine(self, cursor):
-        return cursor.location.file is not None and cursor.location.file.name == self.path
-
-    def descend(self, cursor):
-        for child in cursor.get_children():
-            if not self.is_mine(child):
-                continue
-            if child.kind in (K.NAMESPACE, K.LINKAGE_SPEC):
-                self.descend(child)
-            else:
-                self.function = ""
-                self.visit(child)
+        for cursor in cursors:
+            if not cursor.kind.is_preprocessing():
+                self.visit(cursor)
 
     @staticmethod
     def extent(cursor):
@@ -106,15 +96,17 @@ class FileWalker:
             self.mutants.setdefault((start, end, new), mutant)
 
     def visit(self, cursor):
-        if cursor.kind in FUNCTIONS:
-            self.function = cursor.spelling
         if cursor.kind.is_expression() and self.macro_at(cursor):
             return
+        around = self.function
+        if cursor.kind in FUNCTIONS:
+            self.function = cursor.spelling
         children = list(cursor.get_children())
         self.change(cursor, children)
         for child in children:
             if child.kind not in SKIPPED:
                 self.visit(child)
+        self.function = around
 
     def change(self, cursor, children):
         kind = cursor.kind
@@ -253,15 +245,19 @@ def arguments_of(command):
 def find_mutants(root, commands):
     """All mutants of the library whose compile commands (source: command) are given."""
     index, seen, found = cindex.Index.create(), set(), []
+    ours = (f"{root}/src/", f"{root}/include/")
     for source, command in commands.items():
         unit = index.parse(source, args=arguments_of(command),
                            options=cindex.TranslationUnit.PARSE_DETAILED_PROCESSING_RECORD)
         errors = [str(d) for d in unit.diagnostics if d.severity >= cindex.Diagnostic.Error]
         if errors:
             raise SystemExit(f"{source}: {errors[0]}")
-        ours = tuple(f"{root}/{folder}/" for folder in ("src", "include"))
-        for path in [source] + [i.include.name for i in unit.get_includes()]:
+        by_path = defaultdict(list)
+        for cursor in unit.cursor.get_children():
+            if cursor.location.file is not None:
+                by_path[cursor.location.file.name].append(cursor)
+        for path, cursors in by_path.items():
             if path.startswith(ours) and path not in seen:
                 seen.add(path)
-                found += FileWalker(root, path, unit).mutants.values()
+                found += FileWalker(root, path, cursors).mutants.values()
     return sorted(found, key=lambda m: (m.file, m.start, m.end, m.new))
