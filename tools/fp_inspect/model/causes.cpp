@@ -1,0 +1,142 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "model/causes.h"
+
+#include <fmt/format.h>
+
+#include <cctype>
+#include <map>
+
+namespace fp_inspect {
+namespace {
+
+// Causes that the values of an image show, the first that applies. A new cause is a new row.
+struct ValueCause {
+  const char* id;
+  bool (*applies)(const AuthEventG7&, const Thresholds&);
+  std::string (*title)(const Thresholds&);
+  const char* meaning;
+};
+
+constexpr ValueCause kValueCauses[] = {
+    {"too_bright",
+     [](const AuthEventG7& a, const Thresholds& t) {
+       return a.iq < t.iq && a.rawmean_delta > t.high_raw_mean;
+     },
+     [](const Thresholds& t) {
+       return fmt::format("too bright (iq < {}, raw > {})", t.iq, t.high_raw_mean);
+     },
+     "exposure should step down"},
+    {"too_dark",
+     [](const AuthEventG7& a, const Thresholds& t) {
+       return a.iq < t.iq && a.rawmean_delta < t.low_raw_mean;
+     },
+     [](const Thresholds& t) {
+       return fmt::format("too dark (iq < {}, raw < {})", t.iq, t.low_raw_mean);
+     },
+     "exposure should step up"},
+    {"low_coverage",
+     [](const AuthEventG7& a, const Thresholds& t) { return a.iq >= t.iq && a.t_cov < t.coverage; },
+     [](const Thresholds& t) {
+       return fmt::format("finger covers < {:.0f} %, image good", t.coverage);
+     },
+     "no exposure setting changes these: finger, case, screen protector"},
+};
+
+// What is known of single acquisition errors and reasons beyond their name.
+const std::map<std::string, const char*>& Meanings() {
+  static const std::map<std::string, const char*> meanings = {
+      {"TOO_DARK", "the panel stayed dark or the finger is wet"},
+      {"TOO_BRIGHT", "light past the finger"},
+      {"PARTIAL", "the finger was not on the sensor"},
+      {"SENSOR_DIRTY", "clean the glass, look at the screen protector"},
+      {"TOO_FAST", "the finger lifted during the capture"},
+      {"LIFT_TOO_SOON", "the finger lifted during the capture"},
+      {"VENDOR", "the service's own code, see its log"},
+      {"Low quality", "image poor or finger not enrolled: look at iq, coverage, enrollment"},
+      {"Image Partial", "the finger covered little of the sensor"},
+      {"Foreign matter", "dirt on glass or finger"},
+      {"Residual", "a print left on the glass"},
+      {"Spoof", "taken for no live finger"},
+      {"Off target", "the finger lay beside the sensor"},
+      {"Partial off target", "the finger lay partly beside the sensor"},
+      {"Too Dark", "the matcher's word; iq is not below the threshold"},
+      {"Too bright", "the matcher's word; iq is not below the threshold"},
+  };
+  return meanings;
+}
+
+Cause Named(const char* family, const char* title, const std::string& name) {
+  Cause cause = {.id = family, .title = title + name, .meaning = {}};
+  for (const char c : name) {
+    cause.id += c == ' ' ? '_' : static_cast<char>(tolower(static_cast<unsigned char>(c)));
+  }
+  const auto meaning = Meanings().find(name);
+  cause.meaning = meaning != Meanings().end() ? meaning->second : "";
+  return cause;
+}
+
+std::string Behind(const std::string& text, const char* prefix) {
+  return text.starts_with(prefix) ? text.substr(std::char_traits<char>::length(prefix)) : "";
+}
+
+}  // namespace
+
+Thresholds Thresholds::Of(const std::optional<Exposure>& exposure) {
+  Thresholds thresholds;
+  const auto take = [&](const char* name, int32_t* value) {
+    if (const auto found = exposure->settings.find(name); found != exposure->settings.end()) {
+      *value = static_cast<int32_t>(std::min<uint32_t>(found->second, INT32_MAX));
+      thresholds.from_dump = true;
+    }
+  };
+  if (exposure) {
+    take("kIqThreshold", &thresholds.iq);
+    take("kHighRawMeanThreshold", &thresholds.high_raw_mean);
+    take("kLowRawMeanThreshold", &thresholds.low_raw_mean);
+  }
+  return thresholds;
+}
+
+bool IsRejected(const AuthEventG7& attempt) {
+  return attempt.acquired_info == AuthEventG7::kAcquiredGood && !attempt.auth_successful;
+}
+
+bool IsFailed(const AuthEventG7& attempt) {
+  return attempt.acquired_info != AuthEventG7::kAcquiredGood || !attempt.auth_successful;
+}
+
+std::string AcquisitionError(const Record& record) {
+  const AuthEventG7* const attempt = record.Attempt();
+  if (attempt == nullptr || attempt->acquired_info == AuthEventG7::kAcquiredGood) {
+    return "";
+  }
+  const std::string words = Words(record);
+  return Behind(words.substr(0, words.find(',')), "acquisition_error:");
+}
+
+std::string MatcherReason(const Record& record) {
+  const AuthEventG7* const attempt = record.Attempt();
+  if (attempt == nullptr || !record.g7 || !IsRejected(*attempt) || attempt->rc == 0) {
+    return "";
+  }
+  return Behind(attempt->GetAuthFailureReason(), "reason:");
+}
+
+Cause CauseOf(const Record& record, const Thresholds& thresholds) {
+  const AuthEventG7& attempt = *record.Attempt();
+  if (!IsRejected(attempt)) {
+    return Named("no_image.", "no image: ", AcquisitionError(record));
+  }
+  for (const ValueCause& cause : kValueCauses) {
+    if (record.g7 && cause.applies(attempt, thresholds)) {
+      return {cause.id, cause.title(thresholds), cause.meaning};
+    }
+  }
+  const std::string reason = MatcherReason(record);
+  if (!reason.empty() && reason != "Unknown") {
+    return Named("matcher.", "matcher: ", reason);
+  }
+  return {"open", "open", "values good, no reason: finger not enrolled, or a poor enrollment"};
+}
+
+}  // namespace fp_inspect

@@ -1,0 +1,138 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "model/checks.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <set>
+
+namespace fp_inspect {
+namespace {
+
+constexpr char kPanelStayedDark[] = "failed to enable lhbm";
+
+// A check adds what it finds. A new check is a function and its place in kChecks.
+using Check = void (*)(const Device& device, Summary* summary);
+
+void DarkWhileDisplayFailed(const Device& device, Summary* summary) {
+  std::set<int64_t> failures;
+  for (const Record& error : device.Of(RecordKind::kError).records) {
+    if (std::get<std::string>(error.value).find(kPanelStayedDark) != std::string::npos) {
+      failures.insert(error.time);
+    }
+  }
+  size_t dark = 0;
+  size_t explained = 0;
+  for (const Record& record : device.Of(RecordKind::kAttempt).records) {
+    if (AcquisitionError(record) == "TOO_DARK") {
+      ++dark;
+      explained += failures.contains(record.time) ? 1 : 0;
+    }
+  }
+  if (explained == 0) {
+    return;
+  }
+  const std::string note = fmt::format("{} of {} at a \"{}\"", explained, dark, kPanelStayedDark);
+  for (CauseCount& count : summary->all.causes) {
+    if (count.cause.id == "no_image.too_dark") {
+      count.note = note;
+    }
+  }
+  summary->findings.push_back({"dark_at_display_error",
+                               "TOO_DARK: " + note + ": the display HAL died or refused, not light",
+                               explained, dark});
+}
+
+// Of a matcher's word, how many of its rejects have values that say otherwise.
+void LowQualityContradicted(const Device& device, Summary* summary) {
+  const Thresholds& limits = summary->thresholds;
+  size_t said = 0;
+  size_t good = 0;
+  size_t uncovered = 0;
+  for (const Record& record : device.Of(RecordKind::kAttempt).records) {
+    if (MatcherReason(record) == "Low quality") {
+      ++said;
+      const bool is_good = record.Attempt()->iq >= limits.iq;
+      good += is_good ? 1 : 0;
+      uncovered += is_good && record.Attempt()->t_cov < limits.coverage ? 1 : 0;
+    }
+  }
+  if (good == 0) {
+    return;
+  }
+  summary->findings.push_back(
+      {"low_quality_contradicted",
+       fmt::format(
+           "{} of {} \"Low quality\" have iq >= {}, {} of these coverage < {:.0f} %: the word "
+           "contradicts the values",
+           good, said, limits.iq, uncovered, limits.coverage),
+       good, said});
+}
+
+// The sample is emptied by a step. One that is full and calls for a step shows that it was refused.
+void ExposureAtBound(const Device& device, Summary* summary) {
+  if (!device.exposure) {
+    return;
+  }
+  const Exposure& exposure = *device.exposure;
+  const auto setting = [&](const char* name, double otherwise) {
+    const auto found = exposure.settings.find(name);
+    return found != exposure.settings.end() ? found->second : otherwise;
+  };
+  const Thresholds& limits = summary->thresholds;
+  const bool due = exposure.sample_size > 0 &&
+                   exposure.sample_size >= setting("kNumberOfAttempts", 10) &&
+                   exposure.frr > setting("kFrrThreshold", 20) && exposure.avg_iq < limits.iq;
+  const bool is_bright = exposure.avg_raw_mean > limits.high_raw_mean;
+  const bool is_dark = exposure.avg_raw_mean < limits.low_raw_mean;
+  if (due && (is_bright || is_dark)) {
+    summary->findings.push_back(
+        {"exposure_at_bound",
+         fmt::format(
+             "the sample calls for a step {} and was not emptied: the exposure is at its {} "
+             "bound, or not calibrated",
+             is_dark ? "up" : "down", is_dark ? "upper" : "lower"),
+         exposure.sample_size, exposure.sample_size});
+  }
+}
+
+void LostPast(const Device& device, Summary* summary) {
+  const Timeline& attempts = device.Of(RecordKind::kAttempt);
+  const auto lost = static_cast<size_t>(std::count_if(
+      attempts.gaps.begin(), attempts.gaps.end(), [](const Gap& gap) { return gap.lost_past; }));
+  if (lost > 0) {
+    summary->findings.push_back(
+        {"history_lost_past",
+         fmt::format("{} of {} gaps lie before a history that was not full: the file was damaged, "
+                     "or the process killed during a save",
+                     lost, attempts.gaps.size()),
+         lost, attempts.gaps.size()});
+  }
+  if (attempts.dropped > 0) {
+    summary->findings.push_back(
+        {"records_dropped",
+         fmt::format("{} attempts of an earlier dump are missing in a later one: a restart before "
+                     "the next save, or a damaged file",
+                     attempts.dropped),
+         attempts.dropped, attempts.records.size()});
+  }
+}
+
+void BringUp(const Device& device, Summary* summary) {
+  if (!device.bring_up.empty() && !device.bring_up.starts_with("Initialization successful")) {
+    summary->findings.push_back({"bring_up", "bring-up: " + device.bring_up, 1, 1});
+  }
+}
+
+constexpr Check kChecks[] = {BringUp, DarkWhileDisplayFailed, LowQualityContradicted,
+                             ExposureAtBound, LostPast};
+
+}  // namespace
+
+void CrossCheck(const Device& device, Summary* summary) {
+  for (const Check check : kChecks) {
+    check(device, summary);
+  }
+}
+
+}  // namespace fp_inspect

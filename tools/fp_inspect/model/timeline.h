@@ -1,0 +1,70 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "model/zone.h"
+#include "reading/record.h"
+
+namespace fp_inspect {
+
+// Between two histories of a device that have no record in common: attempts in between are lost.
+struct Gap {
+  int64_t from = 0;        // seconds since the epoch, the last record before
+  int64_t to = 0;          // the first behind it
+  bool lost_past = false;  // a history that was not full should have held what is missing
+};
+
+// The records of one kind of all inputs of a device, in their order.
+struct Timeline {
+  std::vector<Record> records;
+  std::vector<Gap> gaps;
+  size_t dropped = 0;  // records of one history that the next should still have and has not
+  size_t largest = 0;  // records in the longest history that was read
+  bool full = false;   // the first history probably was, so that earlier records are gone
+};
+
+struct Device {
+  const Timeline& Of(RecordKind kind) const { return timelines[static_cast<size_t>(kind)]; }
+  Timeline& Of(RecordKind kind) { return timelines[static_cast<size_t>(kind)]; }
+
+  std::array<Timeline, kRecordKinds> timelines;
+  std::vector<std::string> sources;
+  std::vector<Damage> damage;  // the first ones, each text with its input
+  size_t damage_count = 0;
+  std::optional<Exposure> exposure;  // of the newest dump that has it
+  std::string bring_up;
+  std::string zone;  // in which local times were read; "" is the machine's
+};
+
+// Puts a device's inputs together as they arrive. Histories that overlap are aligned: what the end
+// of one and the beginning of the next have in common is one and the same, in its order, so that
+// equal neighbours stay apart and are not counted twice. A history that lost records in a restart
+// still aligns behind them.
+class DeviceBuilder {
+ public:
+  // `zone` overrides the zone that the inputs name. Salvaged records are left out unless asked for.
+  DeviceBuilder(std::string zone, bool salvage) : zone_(std::move(zone)), salvage_(salvage) {}
+
+  void Add(Contents contents);
+  Device Finish();
+
+ private:
+  std::string zone_;
+  bool salvage_;
+  Device device_;
+  int64_t newest_ = INT64_MIN;  // the last record of the dump that exposure and bring-up are from
+  std::vector<Snapshot> snapshots_;
+};
+
+// Attempts without a pause of more than this are one burst: they share finger, light and place.
+inline constexpr int64_t kBurstPause = 600;  // seconds
+
+// The positions in `records` at which bursts begin.
+std::vector<size_t> BurstStarts(const std::vector<Record>& records);
+
+}  // namespace fp_inspect

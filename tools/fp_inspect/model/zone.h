@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace fp_inspect {
+
+// A time zone: "" is the machine's, others by their names in the zone database ("Europe/Berlin") or
+// in the form of the variable TZ ("CET-1CEST").
+//
+// Threading:  conversions switch the zone of the process; one thread uses zones, and no other
+//             thread reads inputs meanwhile.
+class Zone {
+ public:
+  explicit Zone(std::string name = "");
+
+  static bool Exists(const std::string& name);
+
+  const std::string& GetName() const { return name_; }
+
+  // `wall` is a wall clock's time as if it were UTC. An hour that a clock change repeats is the
+  // first.
+  int64_t ToEpoch(int64_t wall) const;
+  int64_t ToWall(int64_t epoch) const;
+  std::string Text(int64_t epoch, const char* form = "%Y-%m-%d %H:%M:%S") const;
+
+ private:
+  void Enter() const;
+
+  std::string name_;
+};
+
+}  // namespace fp_inspect
