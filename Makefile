@@ -2,9 +2,9 @@
 # The project's commands. Each installs what it lacks, configures its CMake preset and builds.
 
 .DEFAULT_GOAL := help
-.PHONY: help build demo test check bench fuzz coverage mutate lint docs docs-check package abi format \
-  stats clean test-clang test-asan test-tsan device-like aarch64 bench-build bench-once abi-library \
-  abi-check package-check
+.PHONY: help build demo inspect-demo test check bench fuzz coverage mutate lint docs docs-check package abi \
+  format stats clean test-clang test-asan test-tsan device-like aarch64 bench-build bench-once \
+  abi-library abi-check package-check
 
 FUZZ_SECONDS ?= 60
 MUTANTS ?= 300
@@ -27,7 +27,7 @@ SHELL := /bin/bash
 .SHELLFLAGS := -o pipefail -c
 
 help:  ## this list
-	@awk -F ':.*## ' '/^[a-z-]+:.*## /{printf "  make %-10s %s\n", $$1, $$2}' $(MAKEFILE_LIST)
+	@awk -F ':.*## ' '/^[a-z-]+:.*## /{printf "  make %-12s %s\n", $$1, $$2}' $(MAKEFILE_LIST)
 
 build:  ## build library, demo and tests
 	@scripts/setup build test
@@ -38,6 +38,9 @@ demo:  ## run a fingerprint service through a day on a simulated device
 	@scripts/setup build test
 	$(call build,release,fp_service)
 	$(DEMO) --scenario examples/fp_service/scenarios/day.jsonl
+
+inspect-demo: build  ## a week on a good and a bad device, and what fp_inspect says of their dumps
+	@tools/fp_inspect/demo/run build/release
 
 test: build  ## build and run all tests
 	$(CTEST) release
@@ -116,7 +119,7 @@ docs-check: build  ## run the commands of the pages, and check their links
 	@scripts/setup lint
 	scripts/docs_check
 
-package: build  ## a Debian package of library, headers and package files
+package: build  ## Debian packages of the library with its headers, and of the tools
 	@scripts/setup package
 	cd build/release && cpack -G DEB
 

@@ -1,0 +1,176 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The program as its user runs it: exit codes, formats, and inputs that nobody would send on
+// purpose.
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <nlohmann/json.hpp>
+
+#include "support/device_test.h"
+
+namespace fp_inspect {
+namespace {
+
+namespace fs = std::filesystem;
+using nlohmann::json;
+
+constexpr char kDump[] =
+    "Critical Errors:\n"
+    "  #000 2026-03-04 05:06:09 bad \xff \x1b[31m text\n"
+    "Auth Stats:\n"
+    "  total_attempts:3, auth_attempts:2, auth_rejects:1, frr:50.00%, avg_iq:30.00, "
+    "avg_rawmean_delta:2000.00\n"
+    "Auth Events:\n"
+    "  #000 2026-03-04 05:06:07 auth_successful:1, fid:1, latency:248, iq:24, rc:0, lptw:1, "
+    "t_cov:nan%, t_dist:2.1mm, rawmean_delta:1133, match_score:570, stitch_img_num_:1_1_0_0_0, "
+    "stitch_img_area_:1_2_3_4_5\n"
+    "  #001 2026-03-04 05:06:08 auth_successful:0, fid:0, latency:268, iq:36, rc:1014, lptw:1, "
+    "t_cov:42%, t_dist:0.6mm, rawmean_delta:1191, match_score:45, reason:Low quality\n"
+    "  #002 2026-03-04 05:06:09 acquisition_error:TOO_DARK, rc:0, lptw:0\n";
+
+struct Result {
+  int exit_code;
+  std::string output;
+};
+
+class InspectProgram : public ::testing::Test {
+ protected:
+  // With the folder of the test as working directory; what is written to both outputs.
+  Result Run(const std::string& arguments) const {
+    const std::string command = "cd " + folder_.string() + " && TZ=UTC " FP_INSPECT " " + arguments;
+    FILE* pipe =
+        popen((command + (command.find("2>") == command.npos ? " 2>&1" : "")).c_str(), "r");
+    std::string output;
+    char buffer[4096];
+    for (size_t size; (size = fread(buffer, 1, sizeof buffer, pipe)) > 0;) {
+      output.append(buffer, size);
+    }
+    return {WEXITSTATUS(pclose(pipe)), output};
+  }
+
+  void Write(const std::string& name, const std::string& content) const {
+    fs::create_directories((folder_ / name).parent_path());
+    std::ofstream(folder_ / name, std::ios::binary) << content;
+  }
+
+  std::vector<json> Objects(const std::string& arguments) const {
+    std::vector<json> objects;
+    std::istringstream lines(Run(arguments + " 2>/dev/null").output);
+    for (std::string line; std::getline(lines, line);) {
+      objects.push_back(json::parse(line));
+    }
+    return objects;
+  }
+
+  const fp_host::ScratchFolder scratch_{"fp_inspect"};
+  const fs::path folder_ = scratch_.GetPath();
+};
+
+TEST_F(InspectProgram, ExitCodesAndMessages) {
+  Write("good", kDump);
+  Write("cut", std::string(kDump, sizeof kDump - 20));
+  Write("empty", "");
+  Write("tree/data/x", kDump);
+  Write("binary", std::string("\0\xff#\n0x\0", 7) + std::string(100000, '\x80'));
+  fs::create_directory_symlink(folder_ / "tree", folder_ / "tree/loop");
+  fs::create_symlink("self", folder_ / "self");
+  ASSERT_EQ(0, mkfifo((folder_ / "pipe").c_str(), 0600));
+  Write("giga", "");
+  fs::resize_file(folder_ / "giga", 1L << 30);  // one line of NUL bytes
+  const struct {
+    const char* arguments;
+    int exit_code;
+    const char* output;  // a part of it
+  } kCases[] = {
+      {"--help", 0, "Exit codes: 0 done"},
+      {"", 2, "summary, list, verify or fleet"},
+      {"summary", 2, "inputs is required"},
+      {"list good --where nose=1", 2, "\"nose\" is no field with numbers"},
+      {"list good --where reason", 2, "as t_cov<60"},
+      {"summary good --since yesterday", 2, "\"yesterday\" is no time"},
+      {"summary good --tz Mars/Crater", 2, "is no time zone"},
+      {"summary good --format csv", 2, "--format"},
+      {"fleet good -j 0", 2, "--jobs"},
+      {"summary good", 0, "no image 1; rejected 1 of 2\n"},
+      {"summary - <good", 0, "rejected 1 of 2\n"},
+      {"summary good good tree", 0, "3 attempts, 2026-03-04 05:06 to 2026-03-04 05:06\n"},
+      {"summary good --since 2026-03-04\\ 05:06:08 --until @1772600769", 0, "1 attempts"},
+      {"summary nothing", 1, "nothing: No such file"},
+      {"summary self", 1, "self: Too many levels"},
+      {"summary pipe", 1, "pipe: is a named pipe that nobody writes"},
+      {"summary /dev/zero", 1, "/dev/zero: is neither a file nor a pipe"},
+      {"summary empty", 3, "no record in any input"},
+      {"summary binary", 3, "no record"},
+      {"summary giga", 3, "no record"},
+      {"summary tree", 0, "tree: left out 1 links"},
+      {"summary cut", 4, "damage at byte 565: cut: record #002 does not read (cut)"},
+      {"verify good cut", 4, "cut: text of 614 bytes, 3 sections, 3 records\n  ! byte 565 (92 %)"},
+      {"summary good 2>&1 >/dev/full", 1, "fp_inspect: "},
+      {"summary good >/dev/full", 1, ""},
+      {"fleet good tree cut nothing", 1, "4 inputs, 3 with attempts"},
+  };
+  for (const auto& test : kCases) {
+    const Result result = Run(test.arguments);
+    EXPECT_EQ(test.exit_code, result.exit_code) << test.arguments << "\n" << result.output;
+    EXPECT_NE(std::string::npos, result.output.find(test.output)) << test.arguments << "\n"
+                                                                  << result.output;
+    EXPECT_EQ(std::string::npos, result.output.find('\x1b')) << "the terminal would obey it";
+  }
+}
+
+TEST_F(InspectProgram, ObjectsAndTables) {
+  Write("good", kDump);
+  const std::vector<json> records = Objects("list good --format jsonl");
+  ASSERT_EQ(4u, records.size());
+  EXPECT_EQ(1, records[0]["schema"]);
+  EXPECT_EQ("attempt", records[0]["type"]);
+  EXPECT_EQ(1772600767, records[0]["timestamp"]);
+  EXPECT_EQ("2026-03-04 05:06:07", records[0]["timestamp_text"]);
+  EXPECT_TRUE(records[0]["t_cov"].is_null()) << "NaN";
+  EXPECT_TRUE(records[0]["packed_metric_1"].is_null()) << "not in a dump";
+  EXPECT_EQ(2.1, records[0]["t_dist"]) << "as it was printed";
+  EXPECT_EQ("low_coverage", records[1]["cause"]);
+  EXPECT_EQ("Low quality", records[1]["reason"]);
+  EXPECT_EQ("TOO_DARK", records[2]["acquisition_error"]);
+  EXPECT_EQ("bad \ufffd \x1b[31m text", records[3]["message"]) << "not UTF-8";
+
+  EXPECT_EQ(1u, Objects("list good --format jsonl --where 't_cov<60' --failed").size());
+  EXPECT_EQ(1u, Objects("list good --format jsonl --reason too_dark").size());
+  EXPECT_EQ(1u,
+            Objects("list good --format jsonl --finger 1 --where iq\\>3 --where iq\\<30").size());
+
+  const json summary = Objects("summary good --format jsonl --by day").at(0);
+  EXPECT_EQ(1, summary["rejected"]["k"]);
+  EXPECT_EQ("low_coverage", summary["causes"][0]["id"]);
+  EXPECT_EQ("2026-03-04", summary["periods"][0]["label"]);
+  const std::vector<json> verified = Objects("verify good nothing --format jsonl");
+  EXPECT_EQ(3, verified.at(0)["records"]["attempt"]);
+  EXPECT_EQ("failure", verified.at(1)["type"]) << "an error is an object too";
+  EXPECT_EQ("nothing", verified.at(1)["input"]);
+
+  std::istringstream table(Run("list good --format csv").output);
+  std::string line;
+  std::getline(table, line);
+  const auto commas = std::count(line.begin(), line.end(), ',');
+  for (int rows = 0; std::getline(table, line); ++rows) {
+    EXPECT_EQ(commas, std::count(line.begin(), line.end(), ',')) << line;
+  }
+}
+
+TEST_F(InspectProgram, FleetIsTheSameWithAnyNumberOfThreads) {
+  for (int i = 0; i < 60; ++i) {
+    Write("reports/" + std::to_string(i), i % 7 == 0 ? "no dump" : kDump);
+  }
+  const std::string once = Run("fleet reports -j 1 --format jsonl").output;
+  EXPECT_EQ(60, std::count(once.begin(), once.end(), '\n'));
+  EXPECT_EQ(once, Run("fleet reports -j 8 --format jsonl").output);
+  EXPECT_NE(std::string::npos, Run("fleet reports").output.find("60 inputs, 51 with attempts"));
+}
+
+}  // namespace
+}  // namespace fp_inspect

@@ -1,0 +1,295 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "commands.h"
+
+#include <fmt/format.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <atomic>
+#include <charconv>
+#include <cstdio>
+#include <filesystem>
+#include <thread>
+
+#include "model/timeline.h"
+#include "output/output.h"
+#include "reading/dump_line.h"
+#include "reading/read.h"
+
+namespace fp_inspect {
+namespace {
+
+namespace fs = std::filesystem;
+
+// What becomes of a command's inputs, and the exit code that follows.
+class Outcome {
+ public:
+  explicit Outcome(Output& output) : output_(output) {}
+
+  void Failed(const std::string& input, const std::string& text) {
+    output_.PutError(input, text);
+    failed_ = true;
+  }
+
+  void Read(const Contents& contents) {
+    has_records_ |= !contents.snapshots.empty();
+    damaged_ |= contents.damage_count > 0;
+  }
+
+  int Code() {
+    if (fflush(stdout) != 0 || ferror(stdout) != 0) {
+      Complain("the output cannot be written");
+      return kFailed;
+    }
+    if (failed_) {
+      return kFailed;
+    }
+    if (!has_records_) {
+      Complain("no record in any input");
+      return damaged_ ? kDamaged : kNoRecord;
+    }
+    return damaged_ ? kDamaged : kDone;
+  }
+
+ private:
+  Output& output_;
+  bool failed_ = false;
+  bool has_records_ = false;
+  bool damaged_ = false;
+};
+
+// What one input gave: its contents, or why there are none.
+struct ReadResult {
+  std::string path;
+  Contents contents;
+  std::string error;
+};
+
+// Of a folder, the files that have something; of another input always what it gave.
+std::vector<ReadResult> ReadAll(const std::string& input, InputKind kind) {
+  std::vector<ReadResult> results;
+  const auto read = [&](const std::string& path, bool is_asked_for) {
+    ReadResult result = {.path = path, .contents = {}, .error = {}};
+    try {
+      result.contents = ReadInput(path, kind);
+    } catch (const InputError& error) {
+      result.error = error.what();
+    }
+    if (is_asked_for || !result.error.empty() || !result.contents.snapshots.empty() ||
+        result.contents.damage_count > 0) {
+      results.push_back(std::move(result));
+    }
+  };
+  if (!IsFolder(input)) {
+    read(input, true);
+    return results;
+  }
+  try {
+    size_t left_out = 0;
+    for (const std::string& file : FilesBelow(input, &left_out)) {
+      read(file, false);
+    }
+    if (left_out > 0) {
+      Complain("{}: left out {} links to folders, pipes and devices", input, left_out);
+    }
+  } catch (const InputError& error) {
+    results.push_back({.path = input, .contents = {}, .error = error.what()});
+  }
+  return results;
+}
+
+void AddTo(DeviceBuilder* builder, std::vector<ReadResult> results, Outcome* outcome) {
+  for (ReadResult& result : results) {
+    if (!result.error.empty()) {
+      outcome->Failed(result.path, result.error);
+    } else {
+      outcome->Read(result.contents);
+      builder->Add(std::move(result.contents));
+    }
+  }
+}
+
+int64_t MomentOf(const std::string& text, const Zone& zone) {
+  if (text.starts_with('@')) {
+    int64_t epoch = 0;
+    std::from_chars(text.data() + 1, text.data() + text.size(), epoch);
+    return epoch;
+  }
+  constexpr std::string_view kMidnight = "0000-00-00 00:00:00";
+  return zone.ToEpoch(ReadWallTime(text + std::string(kMidnight.substr(text.size()))).value_or(0));
+}
+
+void KeepPeriod(Device* device, const Options& options) {
+  if (options.since.empty() && options.until.empty()) {
+    return;
+  }
+  const Zone zone(device->zone);
+  const int64_t since = options.since.empty() ? INT64_MIN : MomentOf(options.since, zone);
+  const int64_t until = options.until.empty() ? INT64_MAX : MomentOf(options.until, zone);
+  for (Timeline& timeline : device->timelines) {
+    std::erase_if(timeline.records, [&](const Record& record) {
+      return record.GetKind() != RecordKind::kFingerSize &&
+             (record.time < since || record.time >= until);
+    });
+  }
+}
+
+Device ReadDevice(const Options& options, Outcome* outcome) {
+  DeviceBuilder builder(options.zone, options.salvage);
+  for (const std::string& input : options.inputs) {
+    AddTo(&builder, ReadAll(input, options.kind), outcome);
+  }
+  Device device = builder.Finish();
+  KeepPeriod(&device, options);
+  return device;
+}
+
+// A device is an input, or each entry of a folder that is not itself the file tree of a device.
+std::vector<std::string> DevicesOf(const std::vector<std::string>& inputs, Outcome* outcome) {
+  std::vector<std::string> devices;
+  for (const std::string& input : inputs) {
+    std::error_code error;
+    if (!IsFolder(input) || fs::exists(fs::path(input) / "data", error)) {
+      devices.push_back(input);
+      continue;
+    }
+    const size_t before = devices.size();
+    for (fs::directory_iterator it(input, error), end; !error && it != end; it.increment(error)) {
+      std::error_code ignored;
+      const bool is_folder = it->is_directory(ignored) && !it->is_symlink(ignored);
+      if (is_folder || it->is_regular_file(ignored)) {
+        devices.push_back(it->path().lexically_normal().string());
+      }
+    }
+    if (error) {
+      outcome->Failed(input, fmt::format("{}: {}", input, error.message()));
+    }
+    std::sort(devices.begin() + static_cast<ptrdiff_t>(before), devices.end());
+  }
+  return devices;
+}
+
+// Reads `paths` with several threads, each result at its path's place.
+std::vector<std::vector<ReadResult>> ReadInParallel(const std::vector<std::string>& paths,
+                                                    InputKind kind, unsigned jobs) {
+  std::vector<std::vector<ReadResult>> results(paths.size());
+  std::atomic<size_t> next = 0;
+  const auto work = [&] {
+    for (size_t i; (i = next++) < paths.size();) {
+      results[i] = ReadAll(paths[i], kind);
+    }
+  };
+  std::vector<std::thread> workers;
+  for (unsigned i = 1; i < std::min<size_t>(jobs, paths.size()); ++i) {
+    workers.emplace_back(work);
+  }
+  work();
+  for (std::thread& worker : workers) {
+    worker.join();
+  }
+  return results;
+}
+
+void ShowProgress(size_t done, size_t all) {
+  static const bool is_terminal = isatty(STDERR_FILENO) != 0;
+  if (is_terminal) {
+    fmt::print(stderr, "\r{} of {} devices{}", done, all, done == all ? "\r\033[K" : "");
+    fflush(stderr);
+  }
+}
+
+}  // namespace
+
+bool IsMoment(const std::string& text) {
+  if (text.starts_with('@')) {
+    return text.size() > 1 && text.find_first_not_of("0123456789", 1) == text.npos;
+  }
+  constexpr std::string_view kMidnight = "0000-00-00 00:00:00";
+  return (text.size() == 10 || text.size() == 16 || text.size() == 19) &&
+         ReadWallTime(text + std::string(kMidnight.substr(text.size()))).has_value();
+}
+
+int RunSummary(const Options& options) {
+  const auto output = MakeOutput(options.format);
+  Outcome outcome(*output);
+  const Device device = ReadDevice(options, &outcome);
+  const Zone zone(device.zone);
+  output->PutSummary(device, Summarise(device, options.by, zone), zone);
+  output->PutDamage(device);
+  return outcome.Code();
+}
+
+int RunList(const Options& options) {
+  const auto output = MakeOutput(options.format);
+  Outcome outcome(*output);
+  const Device device = ReadDevice(options, &outcome);
+  const Thresholds thresholds = Thresholds::Of(device.exposure);
+  std::vector<const Record*> shown;
+  for (const Timeline& timeline : device.timelines) {
+    for (const Record& record : timeline.records) {
+      if (options.filter.Admits(record, thresholds)) {
+        shown.push_back(&record);
+      }
+    }
+  }
+  std::stable_sort(shown.begin(), shown.end(),
+                   [](const Record* a, const Record* b) { return a->time < b->time; });
+  output->BeginList();
+  const Zone zone(device.zone);
+  for (const Record* record : shown) {
+    output->PutRecord(*record, device, thresholds, zone);
+  }
+  output->PutDamage(device);
+  return outcome.Code();
+}
+
+int RunVerify(const Options& options) {
+  const auto output = MakeOutput(options.format);
+  Outcome outcome(*output);
+  for (const std::string& input : options.inputs) {
+    for (const ReadResult& result : ReadAll(input, options.kind)) {
+      if (!result.error.empty()) {
+        outcome.Failed(result.path, result.error);
+      } else {
+        outcome.Read(result.contents);
+        output->PutVerified(result.contents);
+      }
+    }
+  }
+  return outcome.Code();
+}
+
+int RunFleet(const Options& options) {
+  const auto output = MakeOutput(options.format);
+  Outcome outcome(*output);
+  const std::vector<std::string> devices = DevicesOf(options.inputs, &outcome);
+  const unsigned jobs =
+      options.jobs > 0 ? options.jobs : std::max(1U, std::thread::hardware_concurrency());
+  // Only a batch is in memory. Its devices are put together by one thread, since zones are the
+  // process's.
+  const size_t batch = size_t{16} * jobs;
+  Fleet fleet;
+  for (size_t begin = 0; begin < devices.size(); begin += batch) {
+    const std::vector<std::string> paths(
+        devices.begin() + static_cast<ptrdiff_t>(begin),
+        devices.begin() + static_cast<ptrdiff_t>(std::min(begin + batch, devices.size())));
+    auto results = ReadInParallel(paths, options.kind, jobs);
+    for (size_t i = 0; i < paths.size(); ++i) {
+      DeviceBuilder builder(options.zone, options.salvage);
+      AddTo(&builder, std::move(results[i]), &outcome);
+      Device device = builder.Finish();
+      KeepPeriod(&device, options);
+      const Zone zone(device.zone);
+      const Summary summary = Summarise(device, By::kNothing, zone);
+      output->PutDevice(paths[i], device, summary, zone);
+      output->PutDamage(device);
+      fleet.Add(paths[i], summary);
+    }
+    ShowProgress(std::min(begin + batch, devices.size()), devices.size());
+  }
+  fleet.Finish();
+  output->PutFleet(fleet, options.top);
+  return outcome.Code();
+}
+
+}  // namespace fp_inspect

@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "model/fields.h"
+#include "model/summary.h"
+#include "reading/record.h"
+
+namespace fp_inspect {
+
+// What the command line says.
+struct Options {
+  std::vector<std::string> inputs;
+  InputKind kind = InputKind::kNone;
+  std::string zone;
+  std::string format = "text";
+  std::string since;
+  std::string until;
+  bool salvage = false;
+  By by = By::kNothing;
+  Filter filter;
+  unsigned jobs = 0;  // 0: one a processor
+  size_t top = 20;
+};
+
+enum ExitCode { kDone = 0, kFailed = 1, kUsage = 2, kNoRecord = 3, kDamaged = 4 };
+
+int RunSummary(const Options& options);
+int RunList(const Options& options);
+int RunVerify(const Options& options);
+int RunFleet(const Options& options);
+
+// Whether a text is a moment for `since` and `until`: "2026-03-04", with " 05:06[:07]", or "@" and
+// seconds since the epoch.
+bool IsMoment(const std::string& text);
+
+}  // namespace fp_inspect

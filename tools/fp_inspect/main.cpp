@@ -1,0 +1,182 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// From dumps, bug reports and backup files to the causes of failed unlocks. docs/fp_inspect.md
+// documents commands, formats and exit codes.
+#include <fmt/format.h>
+
+#include <CLI/CLI.hpp>
+#include <cstdio>
+#include <map>
+#include <string>
+#include <vector>
+
+#include <android/log.h>
+
+#include "commands.h"
+#include "model/zone.h"
+#include "output/output.h"
+#include "self_description.h"
+
+namespace fp_inspect {
+namespace {
+
+constexpr char kFooter[] =
+    "IN is a dump, a bug report, a backup file of a history, a folder of these, or - for the\n"
+    "standard input.\n\n"
+    "Exit codes: 0 done, 1 failed, 2 wrong options, 3 no record in any input, 4 damage seen (the\n"
+    "output is complete as far as readable).";
+
+CLI::Validator Refuse(const std::string& name, bool (*is_good)(const std::string&)) {
+  return CLI::Validator(
+      [=](const std::string& text) {
+        return is_good(text) ? "" : fmt::format("\"{}\" is no {}", text, name);
+      },
+      "", name);
+}
+
+// The options that commands share.
+void AddInputs(CLI::App* command, Options* options) {
+  static const std::map<std::string, InputKind> kinds = {
+      {"auto", InputKind::kNone}, {"dump", InputKind::kDump}, {"backup", InputKind::kBackup}};
+  command->add_option("inputs", options->inputs, "dump, bug report, backup file, folder or -")
+      ->required()
+      ->type_name("IN");
+  command
+      ->add_option("--kind", options->kind, "what the inputs are: auto, dump (any text) or backup")
+      ->transform(CLI::Transformer(kinds))
+      ->check(CLI::IsMember({InputKind::kNone, InputKind::kDump, InputKind::kBackup}))
+      ->type_name("KIND")
+      ->default_str("auto");
+}
+
+void AddFormat(CLI::App* command, Options* options, const std::vector<std::string>& formats) {
+  command->add_option("--format", options->format, fmt::format("{}", fmt::join(formats, ", ")))
+      ->check(CLI::IsMember(formats))
+      ->type_name("FORMAT")
+      ->default_str("text");
+}
+
+void AddPeriod(CLI::App* command, Options* options) {
+  command->add_flag("--salvage", options->salvage,
+                    "take the records too that read behind a damage");
+  command
+      ->add_option("--since", options->since,
+                   "leave out what is before; 2026-03-04, 2026-03-04 05:06[:07] or @epoch")
+      ->check(Refuse("time", IsMoment))
+      ->type_name("TIME");
+  command->add_option("--until", options->until, "leave out this moment and what is behind")
+      ->check(Refuse("time", IsMoment))
+      ->type_name("TIME");
+  command
+      ->add_option("--tz", options->zone,
+                   "zone of the device's local times, as Europe/Berlin; else what a bug report "
+                   "says, else the machine's")
+      ->check(Refuse("time zone", Zone::Exists))
+      ->type_name("ZONE");
+}
+
+void AddSummary(CLI::App* app, Options* options) {
+  static const std::map<std::string, By> periods = {
+      {"day", By::kDay}, {"hour", By::kHour}, {"burst", By::kBurst}};
+  CLI::App* const command = app->add_subcommand(
+      "summary", "One device: how many attempts fail, and why. Several inputs are one timeline.");
+  AddInputs(command, options);
+  AddPeriod(command, options);
+  AddFormat(command, options, {"text", "jsonl"});
+  command->add_option("--by", options->by, "also a line for each day, hour or burst")
+      ->transform(CLI::CheckedTransformer(periods))
+      ->type_name("PERIOD");
+}
+
+void AddList(CLI::App* app, Options* options, std::vector<std::string>* conditions) {
+  CLI::App* const command = app->add_subcommand("list", "The records, one a line.");
+  AddInputs(command, options);
+  AddPeriod(command, options);
+  AddFormat(command, options, {"text", "jsonl", "csv"});
+  command->add_flag("--failed", options->filter.failed, "failed attempts and enrollments only");
+  command
+      ->add_option("--reason", options->filter.reason,
+                   "with this reason or acquisition error only, as \"Low quality\" or TOO_DARK")
+      ->type_name("REASON");
+  command->add_option("--finger", options->filter.finger, "of this finger only")->type_name("FID");
+  command
+      ->add_option("--where", *conditions,
+                   "where a field compares so with a number, as 't_cov<60'; repeatable, all must "
+                   "hold")
+      ->type_name("CONDITION")
+      ->allow_extra_args(false);
+}
+
+void AddVerify(CLI::App* app, Options* options) {
+  CLI::App* const command = app->add_subcommand(
+      "verify",
+      "What the service would load of a file, where the damage is, what reads behind it.");
+  AddInputs(command, options);
+  AddFormat(command, options, {"text", "jsonl"});
+}
+
+void AddFleet(CLI::App* app, Options* options) {
+  CLI::App* const command = app->add_subcommand(
+      "fleet", "Many devices, each an input or an entry of a folder: the worst, causes, outliers.");
+  AddInputs(command, options);
+  AddPeriod(command, options);
+  AddFormat(command, options, {"text", "jsonl"});
+  command->add_option("-j,--jobs", options->jobs, "inputs read at once; default: one a processor")
+      ->check(CLI::Range(1U, 256U))
+      ->type_name("N");
+  command->add_option("--top", options->top, "so many of the worst are shown")
+      ->capture_default_str()
+      ->type_name("N");
+}
+
+void ParseConditions(const std::vector<std::string>& conditions, Filter* filter) {
+  for (const std::string& text : conditions) {
+    std::string why;
+    const auto condition = Filter::Condition::Parse(text, &why);
+    if (!condition) {
+      throw CLI::ValidationError("--where", why);
+    }
+    filter->where.push_back(*condition);
+  }
+}
+
+int Main(int argc, char** argv) {
+  Options options;
+  std::vector<std::string> conditions;
+  std::string form;
+  CLI::App app("reads fingerprint dumps and histories, and says why unlocks fail");
+  app.footer(kFooter);
+  AddSummary(&app, &options);
+  AddList(&app, &options, &conditions);
+  AddVerify(&app, &options);
+  AddFleet(&app, &options);
+  app.add_option("--describe", form)->check(CLI::IsMember({"man", "bash", "zsh"}))->group("");
+  app.require_subcommand(0, 1);
+  try {
+    app.parse(argc, argv);
+    ParseConditions(conditions, &options.filter);
+    if (!form.empty()) {
+      fmt::print("{}", Describe(app, form));
+      return kDone;
+    }
+    if (app.get_subcommands().empty()) {
+      throw CLI::RequiredError("summary, list, verify or fleet");
+    }
+  } catch (const CLI::ParseError& error) {
+    return app.exit(error) == 0 ? kDone : kUsage;
+  }
+  __android_log_set_minimum_priority(ANDROID_LOG_SILENT);  // damage is told in the tool's own words
+  const std::map<std::string, int (*)(const Options&)> commands = {
+      {"summary", RunSummary}, {"list", RunList}, {"verify", RunVerify}, {"fleet", RunFleet}};
+  try {
+    return commands.at(app.get_subcommands().front()->get_name())(options);
+  } catch (const std::exception& error) {
+    Complain("{}", error.what());
+    return kFailed;
+  }
+}
+
+}  // namespace
+}  // namespace fp_inspect
+
+int main(int argc, char** argv) { return fp_inspect::Main(argc, argv); }

@@ -1,0 +1,191 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// JSON Lines: one object a line, as docs/fp_inspect.md describes them.
+#include <fmt/format.h>
+
+#include <cstdio>
+#include <nlohmann/json.hpp>
+
+#include "output/output.h"
+
+namespace fp_inspect {
+namespace {
+
+using json = nlohmann::ordered_json;
+
+// Raised when a member changes its meaning or goes; new members and types do not count.
+constexpr int kSchema = 1;
+
+json Object(const char* type) { return {{"schema", kSchema}, {"type", type}}; }
+
+// Bytes that are not UTF-8 become the replacement character; NaN is null.
+void Put(const json& object) {
+  fmt::print("{}\n", object.dump(-1, ' ', false, json::error_handler_t::replace));
+}
+
+json ShareJson(const Share& share) {
+  json object = {
+      {"k", share.k}, {"n", share.n}, {"share", nullptr}, {"low", nullptr}, {"high", nullptr}};
+  if (share.n > 0) {
+    const Interval range = share.Range();
+    object["share"] = share.Value();
+    object["low"] = range.low;
+    object["high"] = range.high;
+  }
+  return object;
+}
+
+void AddTime(json* object, const char* name, int64_t epoch, const Zone& zone) {
+  (*object)[name] = epoch;
+  (*object)[std::string(name) + "_text"] = zone.Text(epoch);
+}
+
+json TallyJson(const Tally& tally, const Zone& zone) {
+  json object = {{"attempts", tally.attempts}, {"bursts", tally.bursts}};
+  if (tally.attempts > 0) {
+    AddTime(&object, "first", tally.first, zone);
+    AddTime(&object, "last", tally.last, zone);
+  }
+  object["no_image"] = ShareJson(tally.no_image);
+  object["rejected"] = ShareJson(tally.rejected);
+  object["causes"] = json::array();
+  for (const CauseCount& count : tally.causes) {
+    json cause = {{"id", count.cause.id}, {"title", count.cause.title}};
+    cause.update(ShareJson(count.of_failures));
+    cause["meaning"] = count.cause.meaning;
+    if (!count.note.empty()) {
+      cause["note"] = count.note;
+    }
+    object["causes"].push_back(std::move(cause));
+  }
+  return object;
+}
+
+json DamageJson(const std::vector<Damage>& list, size_t count) {
+  json object = {{"count", count}, {"first", json::array()}};
+  for (const Damage& damage : list) {
+    object["first"].push_back(
+        {{"offset", damage.offset}, {"check", damage.check}, {"text", damage.text}});
+  }
+  return object;
+}
+
+json SummaryJson(const char* type, const Device& device, const Summary& summary, const Zone& zone) {
+  json object = Object(type);
+  object["inputs"] = device.sources;
+  object["zone"] = zone.GetName().empty() ? json(nullptr) : json(zone.GetName());
+  object.update(TallyJson(summary.all, zone));
+  const Timeline& attempts = device.Of(RecordKind::kAttempt);
+  object["history_full"] = attempts.full;
+  object["gaps"] = json::array();
+  for (const Gap& gap : attempts.gaps) {
+    json entry = {{"lost_past", gap.lost_past}};
+    AddTime(&entry, "from", gap.from, zone);
+    AddTime(&entry, "to", gap.to, zone);
+    object["gaps"].push_back(std::move(entry));
+  }
+  object["thresholds"] = {{"iq", summary.thresholds.iq},
+                          {"high_raw_mean", summary.thresholds.high_raw_mean},
+                          {"low_raw_mean", summary.thresholds.low_raw_mean},
+                          {"coverage", summary.thresholds.coverage},
+                          {"from_dump", summary.thresholds.from_dump}};
+  object["findings"] = json::array();
+  for (const Finding& finding : summary.findings) {
+    object["findings"].push_back(
+        {{"id", finding.id}, {"k", finding.k}, {"n", finding.n}, {"text", finding.text}});
+  }
+  object["enrollments"] = {
+      {"added", summary.enrolled}, {"failed", summary.enroll_failed}, {"deleted", summary.deleted}};
+  object["critical_errors"] = summary.critical_errors;
+  object["finger_sizes"] = summary.finger_sizes;
+  object["salvaged"] = summary.salvaged;
+  object["damage"] = DamageJson(device.damage, device.damage_count);
+  return object;
+}
+
+class JsonlOutput : public Output {
+ public:
+  void PutSummary(const Device& device, const Summary& summary, const Zone& zone) override {
+    json object = SummaryJson("summary", device, summary, zone);
+    if (!summary.periods.empty()) {
+      object["periods"] = json::array();
+    }
+    for (const Tally& period : summary.periods) {
+      json entry = {{"label", period.label}};
+      entry.update(TallyJson(period, zone));
+      object["periods"].push_back(std::move(entry));
+    }
+    Put(object);
+  }
+
+  void PutRecord(const Record& record, const Device& device, const Thresholds& thresholds,
+                 const Zone& zone) override {
+    json object = Object(NameOf(record.GetKind()));
+    if (record.GetKind() != RecordKind::kFingerSize) {
+      AddTime(&object, "timestamp", record.time, zone);
+    }
+    for (const auto& [name, value] : RowOf(record, thresholds)) {
+      std::visit(
+          [&, &name = name](const auto& field) {
+            if constexpr (std::is_same_v<std::decay_t<decltype(field)>, std::monostate>) {
+              object[name] = nullptr;
+            } else {
+              object[name] = field;
+            }
+          },
+          value);
+    }
+    object["salvaged"] = record.salvaged;
+    object["source"] = device.sources[record.source];
+    object["offset"] = record.offset;
+    Put(object);
+  }
+
+  void PutVerified(const Contents& contents) override {
+    json object = Object("verified");
+    object["input"] = contents.name;
+    object["kind"] = contents.kind == InputKind::kBackup ? json("backup")
+                     : contents.kind == InputKind::kDump ? json("dump")
+                                                         : json(nullptr);
+    object["bytes"] = contents.bytes;
+    size_t salvaged = 0;
+    for (RecordKind kind : {RecordKind::kAttempt, RecordKind::kEnrollment, RecordKind::kFingerSize,
+                            RecordKind::kError}) {
+      size_t count = 0;
+      for (const Snapshot& snapshot : contents.snapshots) {
+        for (const Record& record : snapshot.records) {
+          count += snapshot.kind == kind && !record.salvaged ? 1 : 0;
+          salvaged += snapshot.kind == kind && record.salvaged ? 1 : 0;
+        }
+      }
+      object["records"][NameOf(kind)] = count;
+    }
+    object["loaded"] = contents.kind == InputKind::kBackup ? json(contents.loaded) : json(nullptr);
+    object["salvaged"] = salvaged;
+    object["damage"] = DamageJson(contents.damage, contents.damage_count);
+    Put(object);
+  }
+
+  void PutDevice(const std::string& name, const Device& device, const Summary& summary,
+                 const Zone& zone) override {
+    json object = SummaryJson("device", device, summary, zone);
+    object["device"] = name;
+    Put(object);
+  }
+
+  void PutFleet(const Fleet& /*fleet*/, size_t /*top*/) override {}
+
+  void PutError(const std::string& input, const std::string& text) override {
+    Output::PutError(input, text);
+    json object = Object("failure");
+    object["input"] = input;
+    object["text"] = text;
+    Put(object);
+  }
+};
+
+}  // namespace
+
+std::unique_ptr<Output> MakeJsonlOutput() { return std::make_unique<JsonlOutput>(); }
+
+}  // namespace fp_inspect

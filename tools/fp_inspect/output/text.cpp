@@ -1,0 +1,233 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <fmt/format.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+
+#include "output/output.h"
+
+namespace fp_inspect {
+namespace {
+
+bool IsColoured() {
+  const char* const no_color = getenv("NO_COLOR");
+  const char* const term = getenv("TERM");
+  return isatty(STDOUT_FILENO) != 0 && (no_color == nullptr || *no_color == '\0') &&
+         term != nullptr && std::string(term) != "dumb";
+}
+
+std::string Percent(double share) { return fmt::format("{:.0f} %", 100 * share); }
+
+std::string RangeText(const Share& share) {
+  const Interval range = share.Range();
+  return fmt::format("{:.0f}..{:.0f}", 100 * range.low, 100 * range.high);
+}
+
+// Of few cases only the cases.
+std::string ShareText(const Share& share) {
+  if (!share.IsLarge()) {
+    return fmt::format("{} of {}", share.k, share.n);
+  }
+  return fmt::format("{} of {} = {}", share.k, share.n, Percent(share.Value()));
+}
+
+// A row of a table without the blanks of its empty last columns.
+void PutRow(const std::string& row) {
+  fmt::print("{}\n", row.substr(0, row.find_last_not_of(' ') + 1));
+}
+
+constexpr const char* kMinute = "%Y-%m-%d %H:%M";
+
+class TextOutput : public Output {
+ public:
+  void PutSummary(const Device& device, const Summary& summary, const Zone& zone) override {
+    const Tally& all = summary.all;
+    const Timeline& attempts = device.Of(RecordKind::kAttempt);
+    if (all.attempts > 0) {
+      fmt::print(
+          "{} attempts, {} to {}{}{}\n", Bold(all.attempts), zone.Text(all.first, kMinute),
+          zone.Text(all.last, kMinute),
+          attempts.full ? " (history probably full: earlier ones are gone)" : "",
+          summary.salvaged > 0 ? fmt::format(", {} records salvaged", summary.salvaged) : "");
+      PutShares(all);
+      PutCauses(all);
+    } else {
+      fmt::print("no attempts\n");
+    }
+    PutGaps(attempts, zone);
+    PutOthers(summary);
+    PutPeriods(summary);
+    for (const Finding& finding : summary.findings) {
+      fmt::print("{} {}\n", Mark("!"), Printable(finding.text));
+    }
+  }
+
+  void PutRecord(const Record& record, const Device& /*device*/, const Thresholds& /*thresholds*/,
+                 const Zone& zone) override {
+    const std::string time = record.GetKind() == RecordKind::kFingerSize ? "-------------------"
+                                                                         : zone.Text(record.time);
+    fmt::print("{} {}{}\n", time, Printable(Words(record)), record.salvaged ? " (salvaged)" : "");
+  }
+
+  void PutVerified(const Contents& contents) override {
+    size_t salvaged = 0;
+    size_t records = 0;
+    for (const Snapshot& snapshot : contents.snapshots) {
+      records += snapshot.records.size();
+      salvaged += std::count_if(snapshot.records.begin(), snapshot.records.end(),
+                                [](const Record& record) { return record.salvaged; });
+    }
+    fmt::print("{}: ", Bold(Printable(contents.name)));
+    if (contents.kind == InputKind::kBackup) {
+      fmt::print("backup file of {} bytes, the service would load {} records\n", contents.bytes,
+                 contents.loaded);
+    } else if (contents.kind == InputKind::kDump) {
+      fmt::print("text of {} bytes, {} sections, {} records\n", contents.bytes, contents.sections,
+                 records);
+    } else {
+      fmt::print("{} bytes, no record\n", contents.bytes);
+    }
+    for (const Damage& damage : contents.damage) {
+      fmt::print("  {} byte {} ({}): {} ({})\n", Mark("!"), damage.offset,
+                 Percent(static_cast<double>(damage.offset) /
+                         static_cast<double>(std::max<uint64_t>(contents.bytes, 1))),
+                 damage.text, damage.check);
+    }
+    if (contents.damage_count > contents.damage.size()) {
+      fmt::print("  {} more\n", contents.damage_count - contents.damage.size());
+    }
+    if (salvaged > 0) {
+      fmt::print("  {} records read behind it; --salvage of the other commands takes them\n",
+                 salvaged);
+    }
+  }
+
+  void PutDevice(const std::string& /*name*/, const Device& /*device*/, const Summary& /*summary*/,
+                 const Zone& /*zone*/) override {}
+
+  void PutFleet(const Fleet& fleet, size_t top) override {
+    fmt::print("{} inputs, {} with attempts\n", fleet.inputs, fleet.rows.size());
+    if (fleet.rows.empty()) {
+      return;
+    }
+    PutWorst(fleet, top);
+    PutDistribution(fleet);
+    fmt::print("{:<46}{:>9}{:>9}{:>9}\n", "cause", "failures", "devices", "top in");
+    for (const auto& [id, cause] : fleet.causes) {
+      fmt::print("  {:<44}{:>9}{:>9}{:>9}\n", cause.cause.title, cause.failures, cause.devices,
+                 cause.devices_top);
+    }
+  }
+
+ private:
+  template <typename Value>
+  std::string Bold(const Value& value) const {
+    return coloured_ ? fmt::format("\033[1m{}\033[0m", value) : fmt::format("{}", value);
+  }
+  std::string Mark(const char* text) const {
+    return coloured_ ? fmt::format("\033[33m{}\033[0m", text) : text;
+  }
+
+  static void PutShares(const Tally& all) {
+    fmt::print("no image {}; rejected {}", all.no_image.k, ShareText(all.rejected));
+    if (all.rejected.IsLarge()) {
+      const Interval range = all.rejected.Range();
+      fmt::print("  (95 %: {:.0f} to {:.0f}, taken as independent; they come in {} burst{})",
+                 100 * range.low, 100 * range.high, all.bursts, all.bursts == 1 ? "" : "s");
+    }
+    fmt::print("\n");
+  }
+
+  static void PutCauses(const Tally& all) {
+    if (all.causes.empty()) {
+      return;
+    }
+    const Share& failures = all.causes.front().of_failures;
+    PutRow(fmt::format("{:<44}{:>5}{:>8}{:>9}", fmt::format("why ({} failures)", failures.n), "n",
+                       failures.IsLarge() ? "share" : "", failures.IsLarge() ? "95 %" : ""));
+    for (const CauseCount& count : all.causes) {
+      const Share& share = count.of_failures;
+
+      PutRow(fmt::format("  {:<42}{:>5}{:>8}{:>9}  {}{}{}", Printable(count.cause.title), share.k,
+                         share.IsLarge() ? Percent(share.Value()) : "",
+                         share.IsLarge() ? RangeText(share) : "", count.cause.meaning,
+                         !count.note.empty() && !count.cause.meaning.empty() ? "; " : "",
+                         count.note));
+    }
+  }
+
+  static void PutGaps(const Timeline& attempts, const Zone& zone) {
+    for (const Gap& gap : attempts.gaps) {
+      fmt::print("  gap: nothing is known from {} to {}{}\n", zone.Text(gap.from, kMinute),
+                 zone.Text(gap.to, kMinute), gap.lost_past ? " (a history lost its past)" : "");
+    }
+  }
+
+  static void PutOthers(const Summary& summary) {
+    if (summary.enrolled + summary.enroll_failed + summary.deleted > 0) {
+      fmt::print("fingers: {} enrolled, {} failed, {} deleted\n", summary.enrolled,
+                 summary.enroll_failed, summary.deleted);
+    }
+    if (summary.critical_errors > 0) {
+      fmt::print("critical errors: {}\n", summary.critical_errors);
+    }
+    if (summary.finger_sizes > 0) {
+      fmt::print("finger sizes: {}\n", summary.finger_sizes);
+    }
+  }
+
+  static void PutPeriods(const Summary& summary) {
+    if (!summary.periods.empty()) {
+      fmt::print("{:<16}{:>9}{:>9}  {:<20}{:>9}  {}\n", "period", "attempts", "no image",
+                 "rejected", "95 %", "most frequent cause");
+    }
+    for (const Tally& period : summary.periods) {
+      PutRow(fmt::format(
+          "{:<16}{:>9}{:>9}  {:<20}{:>9}  {}", period.label, period.attempts, period.no_image.k,
+          ShareText(period.rejected), period.rejected.IsLarge() ? RangeText(period.rejected) : "",
+          period.causes.empty() ? "" : Printable(period.causes.front().cause.title)));
+    }
+  }
+
+  void PutWorst(const Fleet& fleet, size_t top) const {
+    fmt::print("{:<40}{:>9}{:>9}  {:<20}{:>9}  {}\n", "worst by the lower bound", "attempts",
+               "no image", "rejected", "95 %", "most frequent cause");
+    for (size_t i = 0; i < std::min(top, fleet.rows.size()); ++i) {
+      const FleetRow& row = fleet.rows[i];
+      // The end of a path tells more than its beginning.
+      const std::string name =
+          row.name.size() > 38 ? "..." + row.name.substr(row.name.size() - 35) : row.name;
+      PutRow(fmt::format("{} {:<38}{:>9}{:>9}  {:<20}{:>9}  {}{}", row.is_outlier ? Mark("!") : " ",
+                         Printable(name), row.attempts, row.no_image.k, ShareText(row.rejected),
+                         row.rejected.IsLarge() ? RangeText(row.rejected) : "",
+                         Printable(row.top_cause.cause.title),
+                         row.has_findings ? " (see summary)" : ""));
+    }
+  }
+
+  static void PutDistribution(const Fleet& fleet) {
+    if (fleet.shares.empty()) {
+      return;
+    }
+    std::vector<double> shares = fleet.shares;
+    fmt::print("reject share of {} devices with 20 images or more:", shares.size());
+    for (const auto& [name, q] :
+         {std::pair("least", 0.0), std::pair("quarter", 0.25), std::pair("median", 0.5),
+          std::pair("three quarters", 0.75), std::pair("95 %", 0.95), std::pair("most", 1.0)}) {
+      fmt::print(" {} {}{}", name, Percent(Quantile(shares, q)), q < 1 ? "," : "\n");
+    }
+    const auto outliers = std::count_if(fleet.rows.begin(), fleet.rows.end(),
+                                        [](const FleetRow& row) { return row.is_outlier; });
+    fmt::print("outliers ({}): {}, above the median with 99.9 % confidence\n", "!", outliers);
+  }
+
+  const bool coloured_ = IsColoured();
+};
+
+}  // namespace
+
+std::unique_ptr<Output> MakeTextOutput() { return std::make_unique<TextOutput>(); }
+
+}  // namespace fp_inspect
