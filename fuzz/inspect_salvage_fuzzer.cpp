@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// A backup file of any content, read by fp_inspect: no crash, the records lie apart and within the
+// file, and a record that is salvaged stands there in an intact frame.
+#include <cstdint>
+#include <cstdlib>
+#include <string_view>
+
+#include "fp_utils/crc32.h"
+#include "fuzzed_device.h"
+#include "reading/read.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  fp_fuzz::BootInMemory();
+  const std::string file(reinterpret_cast<const char*>(data), size);
+  auto input = fp_inspect::ByteWindow::OfBytes(file);
+  const auto contents = fp_inspect::ReadInput(input, "x", fp_inspect::InputKind::kBackup);
+  size_t not_salvaged = 0;
+  for (const auto& snapshot : contents.snapshots) {
+    uint64_t end = 0;
+    for (const auto& record : snapshot.records) {
+      unsigned crc = 0;
+      unsigned long length = 0;
+      int header = 0;
+      const char* const frame = file.c_str() + record.offset;
+      if (record.offset < end || record.offset >= size ||
+          sscanf(frame, "0x%x,0x%lx%n", &crc, &length, &header) != 2) {
+        abort();
+      }
+      end = record.offset + 1;
+      not_salvaged += record.salvaged ? 0 : 1;
+      const uint64_t text = record.offset + static_cast<uint64_t>(header) + 1;
+      if (record.salvaged && length <= size && text + length <= size && file[text - 1] == ',' &&
+          android::fp_utils::crc32(file.data() + text, length) != crc) {
+        abort();
+      }
+    }
+  }
+  if (not_salvaged != contents.loaded) {
+    abort();
+  }
+  return 0;
+}
