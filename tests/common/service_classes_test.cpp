@@ -66,6 +66,7 @@ class LeftHalf : public IShape {
 };
 
 struct WideCircle : Circle {
+  using Circle::Circle;
   bool Contains(Point const& p) const override { return p.x < 5; }
 };
 
@@ -74,6 +75,9 @@ TEST_F(SERVICE_CLASSES, OfShapesAreAskedAtEverySample) {
   EXPECT_EQ(50.0F, ten.CoverageCoveredBy(LeftHalf()));
   EXPECT_EQ(50.0F, ten.CoverageCoveredBy(WideCircle()));
   EXPECT_EQ(20.0F, Circle({5, 5}, 1).CoverageCoveredBy(WideCircle()));
+  const WideCircle wide({0, 0}, 4);
+  EXPECT_EQ(25.0F, Circle({0, 0}, 8).CoverageCoveredBy(static_cast<const Circle&>(wide)))
+      << "in closed form, its fields decide";
   EXPECT_EQ(1.0F, ten.CoverageCoveredBy(static_cast<const IShape&>(Circle({5, 5}, 0.5F))));
 }
 

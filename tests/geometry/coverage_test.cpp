@@ -90,56 +90,6 @@ TEST(Coverage, AsksNoMoreWhereCornersAreContained) {
       TakeLog());
 }
 
-// More columns than are dealt with at a time, and an inverted axis.
-TEST(Coverage, AsksUserShapesForEverySampleOfAnyGrid) {
-  MuteLog(true);
-  for (const bool inverted : {false, true}) {
-    std::vector<Point> seen;
-    const TalkingShape user("user", [&](Point const& p) {
-      seen.push_back(p);
-      return p.x >= 100;
-    });
-    Rect grid({0, 0}, {2499, 2});
-    if (inverted) {
-      std::swap(grid.top_left.x, grid.bottom_right.x);
-      TuneScanPoints("2500", "");
-    }
-    const Circle circle({1000, 1}, 50);
-    const Counts counts = CountIn(grid, circle, user);
-    EXPECT_EQ((Counts{101 + 2 * 99, 2400 * 3, 101 + 2 * 99}), counts) << inverted;
-    const size_t corners = inverted ? 3 : 1;
-    ASSERT_EQ(corners + 7500, seen.size());
-    for (size_t i = 0; i < 7500; ++i) {
-      const auto column = static_cast<float>(i % 2500);
-      ASSERT_EQ(inverted ? 2499 - column : column, seen[corners + i].x);
-      ASSERT_EQ(static_cast<float>(i / 2500), seen[corners + i].y);
-    }
-  }
-}
-
-// Overrides what its base contains, so it has to be asked.
-struct Ring : Circle {
-  using Circle::Circle;
-  bool Contains(Point const& p) const override {
-    ++asked;
-    return Circle::Contains(p) && !Circle(center, radius / 2).Contains(p);
-  }
-  mutable int asked = 0;
-};
-
-TEST(Coverage, AsksClassesDerivedFromTheLibrarys) {
-  MuteLog(true);
-  const Ring ring({0, 0}, 4);
-  const Circle sensor({0, 0}, 8);
-  const float expected = 100.0F * (49 - 13) / 197;
-  EXPECT_FLOAT_EQ(expected, sensor.CoverageCoveredBy(ring));
-  EXPECT_EQ(1 + 17 * 17, ring.asked) << "a corner, then every sample";
-  EXPECT_FLOAT_EQ(100.0F * (49 - 13) / 81, Rect({-4, -4}, {4, 4}).CoverageCoveredBy(ring));
-  EXPECT_EQ(100.0F, ring.CoverageCoveredBy(static_cast<const IShape&>(sensor)));
-  const Circle& as_circle = ring;
-  EXPECT_EQ(25.0F, sensor.CoverageCoveredBy(as_circle)) << "in closed form, its fields decide";
-}
-
 TEST(Coverage, CountsAndLogs) {
   const Rect ten({0, 0}, {10, 10});
   const struct {

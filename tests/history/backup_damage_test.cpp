@@ -49,29 +49,17 @@ class BackupDamage : public DeviceTest, public ::testing::WithParamInterface<His
     ASSERT_LE(loaded.size(), texts_.size());
     ASSERT_TRUE(std::equal(loaded.begin(), loaded.end(), texts_.begin()));
     ASSERT_LE(TakeLog().size(), 1u);
-    ++cases_;
-    kept_ += loaded.size();
-  }
-
-  void Report(const char* damage) {
-    const auto average = static_cast<double>(kept_) / static_cast<double>(cases_);
-    printf("%s, %s: %zu cases, on average %.1f of %zu records kept\n", GetParam().name, damage,
-           cases_, average, texts_.size());
-    RecordProperty("cases", static_cast<int>(cases_));
   }
 
   Texts texts_;
   std::string content_;
   std::vector<size_t> frame_ends_;
-  size_t cases_ = 0;
-  size_t kept_ = 0;
 };
 
 TEST_P(BackupDamage, EveryTruncation) {
   for (size_t length = 0; length <= content_.size(); ++length) {
     ASSERT_NO_FATAL_FAILURE(ExpectSoundPrefix(content_.substr(0, length), length)) << length;
   }
-  Report("truncations");
 }
 
 TEST_P(BackupDamage, EverySingleBit) {
@@ -81,7 +69,6 @@ TEST_P(BackupDamage, EverySingleBit) {
     damaged[bit / 8] = static_cast<char>(damaged[bit / 8] ^ 1 << bit % 8);
     ASSERT_NO_FATAL_FAILURE(ExpectSoundPrefix(damaged, bit / 8)) << bit;
   }
-  Report("bit flips");
 }
 
 TEST_P(BackupDamage, RandomBursts) {
@@ -95,7 +82,6 @@ TEST_P(BackupDamage, RandomBursts) {
     }
     ASSERT_NO_FATAL_FAILURE(ExpectSoundPrefix(damaged, at)) << i;
   }
-  Report("bursts");
 }
 
 TEST_P(BackupDamage, OddLengths) {

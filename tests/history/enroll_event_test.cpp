@@ -71,45 +71,12 @@ TEST_F(EnrollEventTest, BackupTexts) {
       "0x69a7bdbf,0,0x1,0xffffffff,0x3,0x11,41.26,0x2,0xfffffff9,-12.50,0x1,0x2,0x3,0x4,"
       "0xfffffffb,0xa,0x14,0x1e,0x28,0x32",
       event.ToBackupString());
-  event.stitch_img_num_.fill(-1);
-  event.stitch_img_area_.fill(-1);
+  event.stitch_img_num_ = {-1, -1, -1, -1, -1};
+  event.stitch_img_area_ = {-1, -1, -1, -1, -1};
   EXPECT_EQ(127u, event.ToBackupString().size() - event.EnrollEvent::ToBackupString().size())
       << "the tail is cut, in the middle of the last number";
   event.op = 0xFFFFFFFF;
   EXPECT_EQ(0u, event.ToBackupString().find("0x69a7bdbf,-1,")) << "op is printed signed";
-}
-
-TEST_F(EnrollEventTest, LoadsTakeWhatTheScanTakes) {
-  const std::string tail = ",0x7,-3.25,0x1,0x2,0x3,0x4,0x5,0x6,0x7,0x8,0x9,0xa";
-  const struct {
-    const char* why;
-    std::string base;
-    bool base_loads, all_loads;
-    std::string rest;
-  } kCases[] = {
-      {"as written", "0x10,1,0x0,0x1,0x2,0x3,1.50,0x4", true, true, ""},
-      {"negative average", "0x10,1,0x0,0x1,0x2,0x3,-1.50,0x4", true, true, ""},
-      {"average without a point", "0x10,1,0x0,0x1,0x2,0x3,7,0x4", true, true, ""},
-      {"negative op: outside the pattern", "0x10,-1,0x0,0x1,0x2,0x3,1.50,0x4", true, false, "all"},
-      {"not a number: outside the pattern", "0x10,0,0x0,0x1,0x2,0x3,nan,0x4", true, false, "all"},
-      {"exponent: outside the pattern", "0x10,0,0x0,0x1,0x2,0x3,1e3,0x4", true, false, "all"},
-      {"one field short", "0x10,1,0x0,0x1,0x2,0x3,1.50", false, false, "all"},
-  };
-  fp_test::MuteLog(true);
-  for (const auto& test : kCases) {
-    EnrollEvent base;
-    std::string text = test.base;
-    EXPECT_EQ(test.base_loads, base.LoadFromBackupString(text)) << test.why;
-    EXPECT_EQ(test.rest == "all" ? test.base : test.rest, text) << test.why;
-    EnrollEventG7 event;
-    text = test.base + tail;
-    EXPECT_EQ(test.all_loads, event.LoadFromBackupString(text)) << test.why;
-    if (test.base_loads) {
-      EXPECT_EQ(16, event.timestamp);
-      EXPECT_EQ(4, event.enrolled_fingers_count);
-    }
-    EXPECT_EQ(test.all_loads ? 10 : 0, event.stitch_img_area_[4]);
-  }
 }
 
 TEST_F(EnrollEventTest, FailedLoadsLog) {

@@ -2,6 +2,7 @@
 #include "support/coverage_case_generator.h"
 
 #include <cmath>
+#include <cstring>
 #include <limits>
 
 namespace fp_test {
