@@ -105,11 +105,12 @@ std::string AuthEventG7::ToBackupString() const {
   const auto& num = stitch_img_num_;
   const auto& area = stitch_img_area_;
   BoundedText<kTextSize> text;
-  text.Append(",%.2f,%.2f,%u,0x%x,0x%x,0x%x,0x%x,0x%x,0x%x,0x%x,0x%x", t_cov, t_dist, lptw, rc,
-              rawmean_delta, packed_metric_1, packed_metric_2, packed_metric_3, extra_metric,
-              foreign_matter_count, match_score);
-  text.Append(",0x%x,0x%x,0x%x,0x%x,0x%x", num[0], num[1], num[2], num[3], num[4]);
-  text.Append(",0x%x,0x%x,0x%x,0x%x,0x%x", area[0], area[1], area[2], area[3], area[4]);
+  text.Append(
+      ",%.2f,%.2f,%u,0x%x,0x%x,0x%x,0x%x,0x%x,0x%x,0x%x,0x%x,0x%x,0x%x,0x%x,0x%x,0x%x,0x%x,0x%x,"
+      "0x%x,0x%x,0x%x",
+      t_cov, t_dist, lptw, rc, rawmean_delta, packed_metric_1, packed_metric_2, packed_metric_3,
+      extra_metric, foreign_matter_count, match_score, num[0], num[1], num[2], num[3], num[4],
+      area[0], area[1], area[2], area[3], area[4]);
   return AuthEvent::ToBackupString() + text.ToString();
 }
 

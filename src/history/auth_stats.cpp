@@ -126,7 +126,7 @@ void AuthStats::LoadAttemptsFromBackupFile() {
 
 void AuthStats::SaveAttemptsToBackupFile() const {
   BackupFile(kWording, name.c_str(), backup_path)
-      .Save(backup_content->Update<AuthEvent, AuthEventG7>(attempts));
+      .Save(backup_content->Update<AuthEventG7, AuthEvent>(attempts));
 }
 
 float AuthStats::GetFrr() const {

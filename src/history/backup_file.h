@@ -57,7 +57,7 @@ class BackupContent {
   template <typename... Known, typename Record>
   static std::string_view StateOf(const Record& record) {
     size_t size = 0;
-    ((size = ExactCast<Known>(record) != nullptr ? sizeof(Known) : size), ...);
+    (void)((ExactCast<Known>(record) != nullptr && (size = sizeof(Known)) != 0) || ...);
     return {reinterpret_cast<const char*>(&record), size};
   }
 

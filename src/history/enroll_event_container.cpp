@@ -69,7 +69,7 @@ void EnrollEventContainer::AddEvent(std::shared_ptr<EnrollEvent> event) {
 // Called by AddEvent() with the lock held.
 void EnrollEventContainer::SaveEventsToBackupFile() const FP_NO_THREAD_SAFETY_ANALYSIS {
   BackupFile(kWording, kNoInstance, backup_path)
-      .Save(backup_content->Update<EnrollEvent, EnrollEventG7>(events));
+      .Save(backup_content->Update<EnrollEventG7, EnrollEvent>(events));
 }
 
 void EnrollEventContainer::LoadEventsFromBackupFile() {

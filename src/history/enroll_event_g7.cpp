@@ -45,9 +45,8 @@ std::string EnrollEventG7::ToBackupString() const {
   const auto& area = stitch_img_area_;
   // The tail has always been limited to this buffer; readers of old and new files see the same.
   BoundedText<kPieceSize> text;
-  text.Append(",0x%x,%.2f", rc, rawmean_delta);
-  text.Append(",0x%x,0x%x,0x%x,0x%x,0x%x", num[0], num[1], num[2], num[3], num[4]);
-  text.Append(",0x%x,0x%x,0x%x,0x%x,0x%x", area[0], area[1], area[2], area[3], area[4]);
+  text.Append(",0x%x,%.2f,0x%x,0x%x,0x%x,0x%x,0x%x,0x%x,0x%x,0x%x,0x%x,0x%x", rc, rawmean_delta,
+              num[0], num[1], num[2], num[3], num[4], area[0], area[1], area[2], area[3], area[4]);
   return EnrollEvent::ToBackupString() + text.ToString();
 }
 
