@@ -115,9 +115,9 @@ void EnrollSavePlain(benchmark::State& state) {
 void WriteOnly(benchmark::State& state, int flags) {
   const auto stats = AuthHistory(state.range(0));
   stats->SaveAttemptsToBackupFile();
-  const std::string path = fp_host::HostPath(stats->GetBackupPath());
+  const std::string& path = stats->GetBackupPath();
   std::ostringstream stream;
-  stream << std::ifstream(path).rdbuf();
+  stream << std::ifstream(fp_host::HostPath(path)).rdbuf();
   const std::string content = stream.str();
   for (auto _ : state) {
     const int file = open(path.c_str(), O_WRONLY | O_CLOEXEC | flags);
