@@ -12,7 +12,7 @@
 #include "reading/read.h"
 #include "support/device_test.h"
 #include "support/history_kinds.h"
-#include "support/record_mutator.h"
+#include "tools/random_records.h"
 
 namespace fp_inspect {
 namespace {
@@ -53,18 +53,18 @@ class InspectDump : public fp_test::DeviceTest {
  protected:
   // A service's dump with these many random records of each history.
   std::string Dump(int records, uint64_t seed) {
-    fp_test::RecordMutator random(seed);
+    RandomRecords random(seed);
     AuthStatsG7 attempts("0", AuthStats::kUnbounded, false);
     EnrollEventContainer enrollments;
     CriticalErrors errors;
     attempts_.clear();
     enrollments_.clear();
     for (int i = 0; i < records; ++i) {
-      auto attempt = std::make_shared<AuthEventG7>(random.Make<AuthEventG7>());
+      auto attempt = std::make_shared<AuthEventG7>(random.Attempt());
       attempt->timestamp = 1772600767 + i;
       attempts.AddAttempt(attempt);
       attempts_.push_back(WithoutTime(*attempt));
-      auto enrollment = std::make_shared<EnrollEventG7>(random.Make<EnrollEventG7>());
+      auto enrollment = std::make_shared<EnrollEventG7>(random.Enrollment());
       enrollment->timestamp = 1772600767 + i;
       if (i < 50) {
         enrollments.AddEvent(enrollment);
@@ -285,13 +285,13 @@ INSTANTIATE_TEST_SUITE_P(Files, InspectBackup, ::testing::ValuesIn(fp_test::AllH
 TEST(InspectSalvage, OneFlippedBitCostsOneRecord) {
   constexpr int kFiles = 400;
   std::mt19937_64 random(1);
-  fp_test::RecordMutator records(1);
+  RandomRecords records(1);
   size_t loaded = 0;
   size_t readable = 0;
   for (int file = 0; file < kFiles; ++file) {
     std::string content;
     for (int i = 0; i < 100; ++i) {
-      content += Frame(records.Make<AuthEventG7>().ToBackupString());
+      content += Frame(records.Attempt().ToBackupString());
     }
     content[random() % content.size()] ^= static_cast<char>(1 << random() % 8);
     const Contents contents = Read(content, InputKind::kBackup);
