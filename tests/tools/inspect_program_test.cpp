@@ -11,6 +11,7 @@
 #include <fstream>
 #include <nlohmann/json.hpp>
 
+#include "fp_utils/auth_stats.h"
 #include "support/device_test.h"
 
 namespace fp_inspect {
@@ -160,6 +161,34 @@ TEST_F(InspectProgram, ObjectsAndTables) {
   for (int rows = 0; std::getline(table, line); ++rows) {
     EXPECT_EQ(commas, std::count(line.begin(), line.end(), ',')) << line;
   }
+}
+
+// A report and the file tree of one device, which round floats differently, are one timeline.
+TEST_F(InspectProgram, DumpsAndBackupFilesOfADevice) {
+  const fp_host::ScratchDevice device("fp_inspect_device");
+  android::fp_utils::AuthStatsG7 attempts("0", 100, true);
+  attempts.Init();
+  for (int i = 0; i < 300; ++i) {
+    auto attempt = std::make_shared<android::fp_utils::AuthEventG7>();
+    attempt->timestamp = 1772600767 + i;
+    attempt->acquired_info = 1;
+    attempt->auth_successful = i % 3 != 0;
+    attempt->rc = attempt->auth_successful ? 0 : 1;
+    attempt->t_cov = static_cast<float>(i) / 3.001F;
+    attempt->t_dist = static_cast<float>(i % 77) / 8;
+    attempts.AddAttempt(attempt);
+    if (i % 90 == 89) {
+      Write("day" + std::to_string(i),
+            fp_test::DumpText([&](int fd) { attempts.Dump(fd, nullptr, 0); }));
+    }
+  }
+  const std::string file = fp_host::HostPath(attempts.GetBackupPath());
+  const Result both = Run("summary " + folder_.string() + " " + file);
+  EXPECT_NE(std::string::npos, both.output.find("300 attempts")) << both.output;
+  EXPECT_NE(std::string::npos, both.output.find("rejected 100 of 300")) << both.output;
+  EXPECT_EQ(0, both.exit_code);
+  // The last success saved the file; only there are the metrics.
+  EXPECT_EQ(100u, Objects("list --format jsonl --where packed_metric_1=0 " + file).size());
 }
 
 TEST_F(InspectProgram, FleetIsTheSameWithAnyNumberOfThreads) {

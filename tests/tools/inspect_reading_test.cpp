@@ -2,8 +2,11 @@
 //
 // Dumps and backup files as devices leave them, whole and damaged, against what the library itself
 // prints and loads.
+#include <unistd.h>
+
 #include <algorithm>
 #include <random>
+#include <thread>
 
 #include "fp_utils/auth_stats.h"
 #include "fp_utils/critical_errors.h"
@@ -152,6 +155,9 @@ TEST_F(InspectDump, DamageIsSeenAndNothingIsInvented) {
   std::string broken_off = dump;
   broken_off.insert(broken_off.find(", rc:", begin), "\n");
   EXPECT_EQ("line", Read(broken_off).damage.at(0).check) << "reads as a record of the base class";
+  std::string untitled = dump;
+  untitled.replace(untitled.find("Enroll Events:"), 6, "~~~~~~");
+  ExpectAll(Read(untitled), "behind the critical errors");
   const struct {
     const char* why;
     const char* lost;  // is replaced
@@ -175,7 +181,8 @@ TEST_F(InspectDump, DamageIsSeenAndNothingIsInvented) {
 
 TEST_F(InspectDump, SettingsOfTheExposure) {
   const Contents contents = Read(
-      "x: DynamicExposure:\n  kNumberOfAttempts: 12\n  kIqThreshold: -1\n  Stats of last 12 "
+      "x: DynamicExposure:\nI dump:   kNumberOfAttempts: 12\n  kIqThreshold: -1\n  Stats of last "
+      "12 "
       "attempts:\n    FRR: 41.67%\n    Avg IQ: 20.50\n    Avg raw mean: 2600.25\n  \n");
   ASSERT_TRUE(contents.exposure);
   EXPECT_EQ(12u, contents.exposure->settings.at("kNumberOfAttempts"));
@@ -303,6 +310,37 @@ TEST(InspectSalvage, OneFlippedBitCostsOneRecord) {
   }
   EXPECT_NEAR(50, static_cast<double>(loaded) / kFiles, 5) << "the service stops at the damage";
   EXPECT_GE(readable, 99u * kFiles);
+}
+
+// A file of several buffers, whole, through a pipe that gives little at a time.
+TEST(InspectSalvage, DamageAllOverALargeFile) {
+  fp_test::RecordMutator records(2);
+  std::mt19937_64 random(2);
+  std::string content;
+  std::vector<size_t> begins;
+  while (content.size() < 3 * ByteWindow::kCapacity) {
+    begins.push_back(content.size());
+    content += Frame(records.Make<AuthEventG7>().ToBackupString());
+  }
+  size_t sound = begins.size();
+  for (size_t i = 1; i < begins.size(); i += 1 + random() % 40) {
+    content[begins[i] + 20] ^= 1;
+    --sound;
+    i += 1;
+  }
+  int ends[2];
+  ASSERT_EQ(0, pipe(ends));
+  std::thread writer([&] {
+    for (size_t at = 0; at < content.size(); at += 7777) {
+      (void)!write(ends[1], content.data() + at, std::min<size_t>(7777, content.size() - at));
+    }
+    close(ends[1]);
+  });
+  const Contents contents = ReadInput("/proc/self/fd/" + std::to_string(ends[0]), InputKind::kNone);
+  writer.join();
+  close(ends[0]);
+  EXPECT_EQ(sound, contents.snapshots.at(0).records.size());
+  EXPECT_EQ(content.size(), contents.bytes);
 }
 
 TEST(InspectSalvage, EmptyFramesAndOtherKindsAreNoRecords) {

@@ -140,14 +140,14 @@ class DumpReader {
 
   void TakeExposure(std::string_view line) {
     Exposure& exposure = *contents_.exposure;
-    const size_t name = line.find("  k");
-    const size_t colon = line.find(": ");
-    int64_t value = 0;
-    if (name != line.npos && colon != line.npos && name < colon &&
-        NumberBehind(line, ": ", &value)) {
-      // Printed as a signed number.
-      exposure.settings[std::string(line.substr(name + 2, colon - name - 2))] =
-          static_cast<uint32_t>(value);
+    if (const size_t name = line.find("  k"); name != line.npos) {
+      const std::string_view setting = line.substr(name + 2);
+      int64_t value = 0;
+      if (NumberBehind(setting, ": ", &value)) {
+        // Printed as a signed number.
+        exposure.settings[std::string(setting.substr(0, setting.find(':')))] =
+            static_cast<uint32_t>(value);
+      }
     }
     NumberBehind(line, "Stats of last ", &exposure.sample_size);
     NumberBehind(line, "    FRR: ", &exposure.frr);
@@ -167,14 +167,16 @@ class DumpReader {
     return record;
   }
 
-  // A title that was lost leaves lines that only an attempt or an enrollment can have.
+  // Where a title is lost, the words tell attempts and enrollments.
   RecordKind KindOfLine(std::string_view words) const {
-    if (section_ == Section::kErrors) {
-      return RecordKind::kError;
+    for (const std::string_view begin : {"op:ADD, ", "op:DEL, ", ", rc:"}) {
+      if (words.starts_with(begin)) {
+        return RecordKind::kEnrollment;
+      }
     }
-    return words.starts_with("op:") ? RecordKind::kEnrollment
-           : words.starts_with("a") ? RecordKind::kAttempt
-                                    : KindOf(section_);
+    return words.starts_with("auth_successful:") || words.starts_with("acquisition_error:")
+               ? RecordKind::kAttempt
+               : KindOf(section_);
   }
 
   void TakeRecord(const DumpLine& line, uint64_t offset, bool complete) {
