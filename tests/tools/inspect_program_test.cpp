@@ -153,6 +153,8 @@ TEST_F(InspectProgram, ObjectsAndTables) {
   EXPECT_EQ(3, verified.at(0)["records"]["attempt"]);
   EXPECT_EQ("failure", verified.at(1)["type"]) << "an error is an object too";
   EXPECT_EQ("nothing", verified.at(1)["input"]);
+  Write("cut", std::string(kDump, sizeof kDump - 20));
+  EXPECT_EQ(1, Objects("list cut --format jsonl").back()["count"]) << "of damages";
 
   std::istringstream table(Run("list good --format csv").output);
   std::string line;

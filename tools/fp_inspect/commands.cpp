@@ -21,19 +21,31 @@ namespace {
 
 namespace fs = std::filesystem;
 
+// What one input gave: its contents, or why there are none.
+struct ReadResult {
+  std::string path;
+  Contents contents = {};
+  std::string error = {};
+  std::string warning = {};
+};
+
 // What becomes of a command's inputs, and the exit code that follows.
 class Outcome {
  public:
   explicit Outcome(Output& output) : output_(output) {}
 
-  void Failed(const std::string& input, const std::string& text) {
-    output_.PutError(input, text);
-    failed_ = true;
-  }
-
-  void Read(const Contents& contents) {
-    has_records_ |= !contents.snapshots.empty();
-    damaged_ |= contents.damage_count > 0;
+  // Reports what an input gave; true if it gave contents.
+  bool Take(const ReadResult& result) {
+    if (!result.warning.empty()) {
+      output_.PutWarning(result.path, result.warning);
+    }
+    if (!result.error.empty()) {
+      output_.PutFailure(result.path, result.error);
+    }
+    has_failed_ |= !result.error.empty();
+    has_records_ |= !result.contents.snapshots.empty();
+    is_damaged_ |= result.contents.damage_count > 0;
+    return result.error.empty() && result.warning.empty();
   }
 
   int Code() {
@@ -41,35 +53,28 @@ class Outcome {
       Complain("the output cannot be written");
       return kFailed;
     }
-    if (failed_) {
+    if (has_failed_) {
       return kFailed;
     }
     if (!has_records_) {
       Complain("no record in any input");
-      return damaged_ ? kDamaged : kNoRecord;
+      return is_damaged_ ? kDamaged : kNoRecord;
     }
-    return damaged_ ? kDamaged : kDone;
+    return is_damaged_ ? kDamaged : kDone;
   }
 
  private:
   Output& output_;
-  bool failed_ = false;
+  bool has_failed_ = false;
   bool has_records_ = false;
-  bool damaged_ = false;
-};
-
-// What one input gave: its contents, or why there are none.
-struct ReadResult {
-  std::string path;
-  Contents contents;
-  std::string error;
+  bool is_damaged_ = false;
 };
 
 // Of a folder, the files that have something; of another input always what it gave.
 std::vector<ReadResult> ReadAll(const std::string& input, InputKind kind) {
   std::vector<ReadResult> results;
   const auto read = [&](const std::string& path, bool is_asked_for) {
-    ReadResult result = {.path = path, .contents = {}, .error = {}};
+    ReadResult result = {.path = path};
     try {
       result.contents = ReadInput(path, kind);
     } catch (const InputError& error) {
@@ -90,20 +95,20 @@ std::vector<ReadResult> ReadAll(const std::string& input, InputKind kind) {
       read(file, false);
     }
     if (left_out > 0) {
-      Complain("{}: left out {} links to folders, pipes and devices", input, left_out);
+      results.push_back(
+          {.path = input,
+           .warning = fmt::format("{}: left out {} links to folders, pipes and devices", input,
+                                  left_out)});
     }
   } catch (const InputError& error) {
-    results.push_back({.path = input, .contents = {}, .error = error.what()});
+    results.push_back({.path = input, .error = error.what()});
   }
   return results;
 }
 
 void AddTo(DeviceBuilder* builder, std::vector<ReadResult> results, Outcome* outcome) {
   for (ReadResult& result : results) {
-    if (!result.error.empty()) {
-      outcome->Failed(result.path, result.error);
-    } else {
-      outcome->Read(result.contents);
+    if (outcome->Take(result)) {
       builder->Add(std::move(result.contents));
     }
   }
@@ -162,7 +167,7 @@ std::vector<std::string> DevicesOf(const std::vector<std::string>& inputs, Outco
       }
     }
     if (error) {
-      outcome->Failed(input, fmt::format("{}: {}", input, error.message()));
+      outcome->Take({.path = input, .error = fmt::format("{}: {}", input, error.message())});
     }
     std::sort(devices.begin() + static_cast<ptrdiff_t>(before), devices.end());
   }
@@ -215,7 +220,7 @@ int RunSummary(const Options& options) {
   const Device device = ReadDevice(options, &outcome);
   const Zone zone(device.zone);
   output->PutSummary(device, Summarise(device, options.by, zone), zone);
-  output->PutDamage(device);
+  TellDamage(device);
   return outcome.Code();
 }
 
@@ -239,7 +244,8 @@ int RunList(const Options& options) {
   for (const Record* record : shown) {
     output->PutRecord(*record, device, thresholds, zone);
   }
-  output->PutDamage(device);
+  output->EndList(device);
+  TellDamage(device);
   return outcome.Code();
 }
 
@@ -248,10 +254,7 @@ int RunVerify(const Options& options) {
   Outcome outcome(*output);
   for (const std::string& input : options.inputs) {
     for (const ReadResult& result : ReadAll(input, options.kind)) {
-      if (!result.error.empty()) {
-        outcome.Failed(result.path, result.error);
-      } else {
-        outcome.Read(result.contents);
+      if (outcome.Take(result)) {
         output->PutVerified(result.contents);
       }
     }
@@ -282,7 +285,7 @@ int RunFleet(const Options& options) {
       const Zone zone(device.zone);
       const Summary summary = Summarise(device, By::kNothing, zone);
       output->PutDevice(paths[i], device, summary, zone);
-      output->PutDamage(device);
+      TellDamage(device);
       fleet.Add(paths[i], summary);
     }
     ShowProgress(std::min(begin + batch, devices.size()), devices.size());

@@ -59,13 +59,6 @@ class CsvOutput : public Output {
     fmt::print(",{},{},{}\n", record.salvaged ? 1 : 0, Quoted(device.sources[record.source]),
                record.offset);
   }
-
-  void PutSummary(const Device& /*device*/, const Summary& /*summary*/,
-                  const Zone& /*zone*/) override {}
-  void PutVerified(const Contents& /*contents*/) override {}
-  void PutDevice(const std::string& /*name*/, const Device& /*device*/, const Summary& /*summary*/,
-                 const Zone& /*zone*/) override {}
-  void PutFleet(const Fleet& /*fleet*/, size_t /*top*/) override {}
 };
 
 }  // namespace

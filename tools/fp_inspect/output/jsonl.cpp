@@ -173,11 +173,25 @@ class JsonlOutput : public Output {
     Put(object);
   }
 
-  void PutFleet(const Fleet& /*fleet*/, size_t /*top*/) override {}
+  void EndList(const Device& device) override {
+    if (device.damage_count > 0) {
+      json object = Object("damage");
+      object.update(DamageJson(device.damage, device.damage_count));
+      Put(object);
+    }
+  }
 
-  void PutError(const std::string& input, const std::string& text) override {
-    Output::PutError(input, text);
-    json object = Object("failure");
+  void PutFailure(const std::string& input, const std::string& text) override {
+    PutMessage("failure", input, text);
+  }
+  void PutWarning(const std::string& input, const std::string& text) override {
+    PutMessage("warning", input, text);
+  }
+
+ private:
+  static void PutMessage(const char* type, const std::string& input, const std::string& text) {
+    Tell(text);
+    json object = Object(type);
     object["input"] = input;
     object["text"] = text;
     Put(object);

@@ -30,11 +30,7 @@ void Tell(const std::string& text) {
   (void)!fwrite(line.data(), 1, line.size(), stderr);
 }
 
-void Output::PutError(const std::string& /*input*/, const std::string& text) {
-  Complain("{}", Printable(text));
-}
-
-void Output::PutDamage(const Device& device) {
+void TellDamage(const Device& device) {
   for (size_t i = 0; i < std::min(device.damage.size(), kDamageShown); ++i) {
     const Damage& damage = device.damage[i];
     Complain("damage at byte {}: {} ({})", damage.offset, Printable(damage.text), damage.check);

@@ -104,9 +104,6 @@ class TextOutput : public Output {
     }
   }
 
-  void PutDevice(const std::string& /*name*/, const Device& /*device*/, const Summary& /*summary*/,
-                 const Zone& /*zone*/) override {}
-
   void PutFleet(const Fleet& fleet, size_t top) override {
     fmt::print("{} inputs, {} with attempts\n", fleet.inputs, fleet.rows.size());
     if (fleet.rows.empty()) {
