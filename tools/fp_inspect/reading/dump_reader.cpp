@@ -42,9 +42,11 @@ RecordKind KindOf(Section section) {
 // The number behind `name`, wherever in the line it stands.
 bool NumberBehind(std::string_view line, std::string_view name, auto* value) {
   const size_t at = line.find(name);
-  const char* const begin = line.data() + at + name.size();
-  return at != line.npos &&
-         std::from_chars(begin, line.data() + line.size(), *value).ec == std::errc();
+  if (at == line.npos) {
+    return false;
+  }
+  const std::string_view number = line.substr(at + name.size());
+  return std::from_chars(number.data(), number.data() + number.size(), *value).ec == std::errc();
 }
 
 class DumpReader {
