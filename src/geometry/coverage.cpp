@@ -41,7 +41,7 @@ bool ContainsCorners(const IShape& shape, const Rect& rect) {
 Counts ScanSamples(Grid grid, const IShape* s1, const IShape* s2) {
   Counts counts;
   Point p;
-  for (; !grid.rows.IsEmpty();) {
+  while (!grid.rows.IsEmpty()) {
     grid.rows.Take(&p.y, 1);
     for (SampleAxis columns = grid.columns; !columns.IsEmpty();) {
       columns.Take(&p.x, 1);

@@ -53,7 +53,8 @@ class BackupContent {
   };
 
   // The bytes of a record whose class is one of Known itself, nothing of any other. Bytes, since
-  // fields that compare equal may have different texts: 0 and -0.
+  // fields that compare equal may have different texts: 0 and -0. Padding is among them; where it
+  // differs, a frame is composed again without need.
   template <typename... Known, typename Record>
   static std::string_view StateOf(const Record& record) {
     size_t size = 0;
