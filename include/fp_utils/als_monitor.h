@@ -20,8 +20,8 @@ namespace android::fp_utils {
 // Threading:  every operation locks. Call StartSampling() and GetLight() on the same thread: the
 //             platform's looper may be one per thread.
 // Ownership:  the class owns the instance. OnSystemServerDeath() deletes it; an operation on the
-//             old pointer that was waiting for the lock fails as one without a connection, later
-//             ones need a new GetInstance().
+//             old pointer that was waiting for the lock fails as without a connection. Later
+//             operations need a new GetInstance().
 // Blocking:   every operation waits for the sensor service while it is being started. GetLight()
 //             reads everything that has arrived since the last call, 16 events per poll of up to
 //             1 ms, with the lock held. Nothing bounds the number of events that wait: call
@@ -33,7 +33,7 @@ class FP_UTILS_EXPORT AlsMonitor {
   // Made on first use and after the system server has died; never null.
   static AlsMonitor* GetInstance();
 
-  // Deletes the instance and leaves its queue alone: the service that held it is gone.
+  // Deletes the instance. Does not destroy its queue, which is gone with the sensor service.
   static void OnSystemServerDeath();
 
   AlsMonitor(const AlsMonitor&) = delete;
@@ -46,13 +46,13 @@ class FP_UTILS_EXPORT AlsMonitor {
   // 0, or -ENOMEM without sensor manager.
   int StopSampling();
 
-  // 0 and the newest light value, from an earlier call if there was no event since: a steady light
-  // sends none. -ENOMEM without sensor manager, UNKNOWN_ERROR when not sampling or after a poll
-  // error, -EINVAL when there was no event yet or `lux` is null.
+  // 0 and the newest light value. While the light is steady there are no events and the value is
+  // the one of an earlier call. -ENOMEM without sensor manager, UNKNOWN_ERROR when not sampling or
+  // after a poll error, -EINVAL when there was no event yet or `lux` is null.
   int GetLight(float* lux);
 
-  // Asks for the sensor manager. Another one than before means that the sensor service has been
-  // restarted: sampling has stopped.
+  // Asks for the sensor manager. If it is another one than before, the sensor service was restarted
+  // and sampling has stopped.
   bool ConnectSensorManagerIfNeeded();
 
  private:
@@ -66,7 +66,7 @@ class FP_UTILS_EXPORT AlsMonitor {
   static AlsMonitor* instance_ FP_GUARDED_BY(mutex_);
   static std::mutex& mutex_;  // never destroyed: a thread may use it while the process exits
 
-  // Guarded by mutex_. Not owned, but for the queue.
+  // Guarded by mutex_. Of these only the queue is owned.
   ASensorManager* sensor_manager_ FP_GUARDED_BY(mutex_) = nullptr;
   ALooper* looper_ FP_GUARDED_BY(mutex_) = nullptr;
   ASensorEventQueue* event_queue_ FP_GUARDED_BY(mutex_) = nullptr;  // null: sampling has stopped

@@ -22,13 +22,13 @@ namespace android::fp_utils {
 //
 // Threading:  SetLhbm() and BinderDied() lock; the lock is held across connection and service call.
 //             The process needs a started binder thread pool, on which the HAL's death arrives.
-// Ownership:  may be destroyed while connected: the connection is given up, and a notification of
-//             death that is under way is waited for. No call may be under way, and BinderOnDeath()
-//             must not be what destroys it.
+// Ownership:  may be destroyed while connected. The destructor drops the connection and waits for a
+//             notification of death that is being delivered. It must not run during a call, nor
+//             inside BinderOnDeath().
 // Blocking:   the first switch after a start or a death waits until the display HAL is up; every
 //             switch waits for the HAL's answer.
 // Errors:     logged, and returned as negative codes; a failed switch-on also becomes a critical
-//             error. The known state changes by successful switches only.
+//             error. Only a successful switch changes the known state.
 // Units:      milliseconds.
 class FP_UTILS_EXPORT DisplayController {
  public:
@@ -37,9 +37,9 @@ class FP_UTILS_EXPORT DisplayController {
   DisplayController(const DisplayController&) = delete;
   DisplayController& operator=(const DisplayController&) = delete;
 
-  // Returns 0 when the mode is, or already was, as wanted; -ENODEV when the display HAL cannot be
-  // reached; FAILED_TRANSACTION when it refused or the call failed. `elapsed`, if not null, gets
-  // what a successful switch took, connecting included, and 0 otherwise.
+  // Returns 0 when the mode is as wanted, also when it was so before; -ENODEV when the display HAL
+  // cannot be reached; FAILED_TRANSACTION when it refused or the call failed. `elapsed`, if not
+  // null, gets the duration of a successful switch, connecting included, and 0 otherwise.
   int SetLhbm(bool on, unsigned int* elapsed);
 
   // Connects unless connected. Returns 0 or -ENODEV; 0 also on a device without the display HAL,
@@ -47,12 +47,12 @@ class FP_UTILS_EXPORT DisplayController {
   // while no other thread uses the object.
   int ConnectDisplayHal();
 
-  // What the binder calls on the HAL's death; `cookie` is the controller. One that was destroyed
-  // meanwhile is left alone.
+  // The death recipient's callback; `cookie` is the controller. Does nothing if that has been
+  // destroyed.
   static void BinderOnDeath(void* cookie);
 
-  // Forgets the connection. The state stays: after a restart of the HAL a switch to the same state
-  // is still answered as done.
+  // Forgets the connection, but not the state: after a restart of the HAL, a switch to the same
+  // state is still answered as done.
   void BinderDied();
 
  private:

@@ -19,10 +19,10 @@ namespace android::fp_utils {
 // first asked; the answer holds for the life of the process.
 FP_UTILS_EXPORT bool IsFpsTouchHandlerSupported();
 
-// One report of the touch controller. A default one is the cleared form: type -1, the rest zero.
-// What type, info, flags, stamp and the grouping of coords mean is the controller's to say.
+// One report of the touch controller. The default is the cleared form: type -1, the rest zero. The
+// controller defines the meaning of type, info, flags and stamp and the order of coords.
 struct TouchEvent {
-  int32_t type = -1;  // 0, 1 or 2; -1: none, or one that is not known
+  int32_t type = -1;  // 0, 1 or 2; -1: no report, or a type that is not known
   uint32_t info = 0;
   int32_t id = 0;                     // -1: coordinates are not scaled
   std::array<float, 20> coords = {};  // display coordinates
@@ -41,16 +41,15 @@ struct TouchEvent {
 // Threading:  Configure, Start, Stop and EnableLptwEventReport lock and may come from any thread,
 //             the callback included. The callback runs on the worker thread without a lock.
 // Ownership:  the device stays open and the worker object is reused for the life of the handler.
-//             Stop() before destroying a handler of one's own: the destructor does not.
+//             The destructor does not stop the worker: call Stop() before it.
 // Blocking:   ioctl; Stop(), and Configure() and Start() beside it, wait for a running callback:
 //             their callers must hold no lock that the callback takes. Stop() returns only after
 //             the last callback, unless called from inside one: then the worker ends when that
 //             callback returns, the rest of its buffer is dropped, and only another thread can
 //             Start() it again.
-// Errors:     logged and returned as false. A device that is gone or fails is logged once and
-//             looked at again after 10 ms, then ever less often up to once a second, until it
-//             works.
-// Units:      display coordinates in pixels; the device counts resolution_scaling_factor as many.
+// Errors:     logged and returned as false. A device that is gone or fails is logged once. Until it
+//             works again it is polled with pauses of 10 ms, doubling to 1 s.
+// Units:      display coordinates in pixels. A pixel is resolution_scaling_factor device units.
 class FP_UTILS_EXPORT FpsTouchHandler {
  public:
   class TouchPollingWorkerThread;
@@ -139,7 +138,7 @@ class FP_UTILS_EXPORT FpsTouchHandler {
   std::atomic<int32_t> touch_fd_ = -1;
   const uint32_t resolution_scaling_factor_;
 
-  // Held for a copy only.
+  // Guards touch_event_ while it is copied.
   mutable std::mutex touch_event_mutex_;
 
  public:

@@ -54,11 +54,12 @@ class FP_UTILS_EXPORT SensorListener {
   SensorListener(const SensorListener&) = delete;
   SensorListener& operator=(const SensorListener&) = delete;
 
-  // 0 if the sensor is sampling now or was already; -ENOMEM without a connection or such a sensor,
-  // and in a callback while the worker is being ended; else the status of the platform's refusal.
+  // 0 if the sensor is sampling, also if it was before; -ENOMEM without a connection or such a
+  // sensor, and in a callback while the worker is being ended; else the status of the platform's
+  // refusal.
   int32_t StartSampling(SensorType type);
 
-  // Always 0. The worker polls on.
+  // Always 0. The worker goes on polling.
   int32_t StopSampling(SensorType type);
 
   bool IsAnySamplerStarted() const;
@@ -87,14 +88,16 @@ class FP_UTILS_EXPORT SensorListener {
   sp<SensorPollingWorkerThread> sensor_polling_worker_thread_ FP_GUARDED_BY(mutex_);
   std::mutex mutex_;
 
-  // Guarded by mutex_. Not owned, but for the queue: the platform's, until the system server dies.
+  // Guarded by mutex_. The queue is owned; the others belong to the platform. All are gone when the
+  // system server dies.
   ASensorManager* sensor_manager_ FP_GUARDED_BY(mutex_) = nullptr;  // set: connected
   ASensorList sensor_list_ FP_GUARDED_BY(mutex_) = nullptr;
   int32_t sensor_count_ FP_GUARDED_BY(mutex_) = 0;
   ALooper* looper_ = nullptr;  // set before the worker exists, then constant
   ASensorEventQueue* event_queue_ FP_GUARDED_BY(mutex_) = nullptr;
 
-  // Written under mutex_, by type. The worker and IsAnySamplerStarted() read them without.
+  // Indexed by type. Written with mutex_ held; the worker and IsAnySamplerStarted() read them
+  // without it.
   std::array<std::atomic<const ASensor*>, kSensorTypes> sensors_ = {};
   std::array<std::atomic<bool>, kSensorTypes> sampling_ = {};
 

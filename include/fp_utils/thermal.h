@@ -19,13 +19,13 @@ namespace android::fp_utils {
 
 class LivenessGuard;
 
-// Tells how hard the device throttles for heat. Reaches the AIDL thermal HAL where the device
-// declares it, the HIDL 2.0 one otherwise; there is one attempt to connect, on a worker thread that
-// the constructor starts, and what it reached, or not, stays for the life of the object.
+// Tells how hard the device throttles for heat. Uses the AIDL thermal HAL where the device declares
+// it, the HIDL 2.0 one otherwise. The constructor starts a worker thread that makes the only
+// attempt to connect; if it fails, the object stays without a connection.
 //
 // Threading:  GetCpuSeverity() locks, across the HAL's answer.
-// Ownership:  the worker may still wait for a HAL that never comes when the object is destroyed. It
-//             is not stopped and does not touch the object any more.
+// Ownership:  when the object is destroyed, the worker may still be waiting for a HAL that never
+//             starts. It is not stopped, and does not use the object any more.
 // Blocking:   the constructor waits 10 ms at most for the connection, GetCpuSeverity() for the HAL.
 // Errors:     logged; see GetCpuSeverity().
 class FP_UTILS_EXPORT Thermal {

@@ -16,11 +16,11 @@ class IThermal;
 
 // Serves an AIDL thermal HAL through the HIDL thermal 2.0 interface, for code that was written
 // against HIDL. Records are converted on the way; kinds that HIDL does not know become UNKNOWN or
-// COMPONENT. The HIDL 1.0 queries, which AIDL has no match for, answer that they are unsupported.
+// COMPONENT. The HIDL 1.0 queries have no counterpart in AIDL and answer that they are unsupported.
 //
 // Threading:  any thread may call any operation. Queries take no lock; registering and
-//             unregistering hold one until their callback has returned, so that it must not do
-//             either.
+//             unregistering hold one until their callback has returned, so the callback must not
+//             register or unregister.
 // Ownership:  shares the AIDL client; a registered callback is kept until it is unregistered.
 // Blocking:   every operation but the HIDL 1.0 queries waits for the AIDL service.
 // Errors:     all operations return Void(). Failures reach the callback, with the AIDL status's
@@ -39,7 +39,7 @@ class FP_UTILS_EXPORT ThermalHidlWrapper : public ::android::hardware::thermal::
   ::android::hardware::Return<void> getCurrentTemperatures(
       bool filter_type, ::android::hardware::thermal::V2_0::TemperatureType type,
       getCurrentTemperatures_cb cb) override;
-  // A threshold that AIDL leaves open, as it does all VR ones, is NaN.
+  // A threshold that AIDL does not give is NaN. AIDL gives no VR thresholds.
   ::android::hardware::Return<void> getTemperatureThresholds(
       bool filter_type, ::android::hardware::thermal::V2_0::TemperatureType type,
       getTemperatureThresholds_cb cb) override;

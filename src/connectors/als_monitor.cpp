@@ -15,7 +15,7 @@ namespace {
 
 constexpr char kTag[] = "AlsMonitor";
 
-// GetLight() is on the capture path: what has not arrived by then comes with the next call.
+// GetLight() is on the capture path. An event that arrives later is read by the next call.
 constexpr int kPollTimeoutMs = 1;
 
 }  // namespace
@@ -53,7 +53,7 @@ bool AlsMonitor::Connect() {
   }
   if (manager != sensor_manager_) {
     sensor_manager_ = manager;
-    event_queue_ = nullptr;  // it went down with the service that made it
+    event_queue_ = nullptr;  // destroyed together with the old sensor service
     sensor_ = nullptr;
     started_ = false;
     FP_LOG_DEBUG(kTag, "Successfully connected to Sensor Manager.");
@@ -136,8 +136,8 @@ int AlsMonitor::GetLight(float* lux) {
 }
 
 int AlsMonitor::Drain() {
-  // What the poll returned does not matter: others can have taken the signal of events that are
-  // here, and the wake of another poller may have come this way.
+  // The result of the poll does not matter: another poller can have taken the signal of the events
+  // in this queue, and this poll can have taken another poller's wake.
   std::optional<float> newest;
   const int error = DrainSensorEvents(
       kTag, kPollTimeoutMs,

@@ -33,7 +33,7 @@ int32_t Scale(int32_t value, uint32_t factor) {
   return static_cast<int32_t>(static_cast<uint32_t>(value) * factor);
 }
 
-// Every byte but the type is zero, padding included: services copy events as bytes.
+// Sets the cleared form. Every byte except the type is zero, padding included.
 void Clear(TouchEvent& event) {
   memset(static_cast<void*>(&event), 0, sizeof event);
   event.type = -1;

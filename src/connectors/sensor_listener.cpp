@@ -15,7 +15,7 @@ namespace {
 
 constexpr char kTag[] = "SensorListener";
 
-// By SensorListener::SensorType.
+// Indexed by SensorListener::SensorType.
 constexpr const char* kStringTypes[] = {"android.sensor.light", "com.norvan.sensor.long_press"};
 
 constexpr int kWaitForever = -1;
@@ -78,7 +78,7 @@ int32_t SensorListener::StartSampling(SensorType type) {
 }
 
 int32_t SensorListener::StopSampling(SensorType type) {
-  // Who is ending the worker ends all sampling, too.
+  // The thread that ends the worker ends all sampling, too.
   if (!IsKnown(type) || !LockUnlessEnding()) {
     return 0;
   }
@@ -97,7 +97,7 @@ bool SensorListener::IsAnySamplerStarted() const {
 
 void SensorListener::OnSystemServerDeath() {
   if (!LockUnlessEnding()) {
-    return;  // another thread is at it
+    return;  // another thread handles it already
   }
   const std::lock_guard lock(mutex_, std::adopt_lock);
   FP_LOG_INFO(kTag, "system server died.");
@@ -114,7 +114,7 @@ bool SensorListener::IsOnOwnWorker() const {
   return sensor_polling_worker_thread_ != nullptr && sensor_polling_worker_thread_->IsCurrent();
 }
 
-// The worker cannot wait for itself.
+// Not on the worker, which cannot wait for itself.
 void SensorListener::StopWorker() {
   if (sensor_polling_worker_thread_ != nullptr && !IsOnOwnWorker()) {
     sensor_polling_worker_thread_->Stop();
@@ -166,7 +166,7 @@ bool SensorListener::ConnectSensorManagerIfNeeded()
   return true;
 }
 
-// Of several sensors with one string type, the last is taken.
+// Of several sensors with the same string type, the last one is used.
 void SensorListener::FindSensors() {
   for (int32_t i = 0; i < sensor_count_; ++i) {
     const char* name = ASensor_getName(sensor_list_[i]);
@@ -214,8 +214,8 @@ void SensorListener::ProcessSensorEvent(ASensorEvent event) {
   Deliver(kLongPress, long_press_sensor_callback_, event);
 }
 
-// A worker that has to end asks nothing of the sensors, which may be gone with the system server,
-// nor of a listener that a callback has destroyed.
+// A worker that has to end must not use the sensors, which may be gone with the system server, nor
+// the listener, which a callback may have destroyed.
 void SensorListener::Deliver(SensorType type, const SensorCallback& callback,
                              const ASensorEvent& event) {
   if (SensorPollingWorkerThread::IsEndingOf(this)) {

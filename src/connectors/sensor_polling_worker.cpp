@@ -9,7 +9,7 @@
 namespace android::fp_utils {
 namespace {
 
-// How long a woken worker has before it is woken again.
+// The time that a worker has to react before it is woken again.
 constexpr std::chrono::milliseconds kWakeInterval{1};
 
 thread_local const SensorListener::SensorPollingWorkerThread* current_worker = nullptr;
@@ -23,8 +23,8 @@ bool SensorListener::SensorPollingWorkerThread::Start() {
 bool SensorListener::SensorPollingWorkerThread::Stop() {
   if (isRunning()) {
     requestExit();
-    // Any other poller of the process can have taken the wake, so one may not be enough. One too
-    // many ends somebody's poll early, once.
+    // Another poller of the process can take the wake, so one may not be enough. A superfluous wake
+    // only ends one poll early.
     do {
       ALooper_wake(listener_->looper_);
       std::this_thread::sleep_for(kWakeInterval);

@@ -7,8 +7,8 @@
 
 namespace android::fp_utils {
 
-// The thread on which a listener polls. The listener outlives it, or has asked it to exit from a
-// callback and then is not touched any more.
+// The thread on which a listener polls. The listener outlives it, unless a callback destroys the
+// listener: then the thread has been asked to exit and does not use the listener any more.
 class SensorListener::SensorPollingWorkerThread : public Thread {
  public:
   explicit SensorPollingWorkerThread(SensorListener* listener) : listener_(listener) {}
@@ -22,8 +22,8 @@ class SensorListener::SensorPollingWorkerThread : public Thread {
   // Whether the calling thread is this one.
   bool IsCurrent() const;
 
-  // Whether the calling thread is a worker of the listener, and if so, whether it has to exit. Only
-  // the address of the listener is looked at: it may be gone.
+  // Whether the calling thread is a worker of the listener, and whether it is one that has to exit.
+  // They only compare the address of the listener, which may have been destroyed.
   static bool IsCurrentOf(const SensorListener* listener);
   static bool IsEndingOf(const SensorListener* listener);
 

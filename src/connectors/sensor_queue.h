@@ -11,26 +11,26 @@
 
 #include "common/log.h"
 
-// What the clients of the sensor framework do alike. Each logs under its own `tag`.
+// What the clients of the sensor framework have in common. Each logs with its own `tag`.
 
 namespace android::fp_utils {
 
 // Null without a sensor service.
 ASensorManager* GetSensorManager(const char* tag);
 
-// Makes the looper and the queue unless they are there. False: the one that is still null failed.
+// Makes the looper and the queue if they are null. False if one could not be made; it stays null.
 bool PrepareQueue(const char* tag, ASensorManager* manager, ALooper*& looper,
                   ASensorEventQueue*& queue);
 
 // Starts the sensor's events at its fastest rate, each delivered at once.
 int RegisterSensor(ASensorEventQueue* queue, const ASensor* sensor);
 
-// Events are fetched so many at a time, into a buffer on the stack.
+// The number of events that are fetched at a time, into a buffer on the stack.
 inline constexpr ssize_t kSensorBatch = 16;
 
-// Polls and fetches until a batch is not full: then the queue is empty. `fetch` gets what the poll
-// returned and returns how many events it has put into the buffer, 0 or less to end; `take` gets a
-// batch and returns whether to go on. UNKNOWN_ERROR after a poll error, else 0.
+// Polls and fetches until a batch is not full, which means that the queue is empty. `fetch` gets
+// what the poll returned and returns how many events it has put into the buffer, 0 or less to end;
+// `take` gets a batch and returns whether to go on. UNKNOWN_ERROR after a poll error, else 0.
 template <typename Fetch, typename Take>
 int32_t DrainSensorEvents(const char* tag, int timeout_ms, Fetch fetch, Take take) {
   ASensorEvent events[kSensorBatch] = {};

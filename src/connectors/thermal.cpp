@@ -30,11 +30,11 @@ using hardware::thermal::V2_0::TemperatureType;
 
 constexpr char kTag[] = "FpThermal";
 
-// The constructor runs inside GetInstance() on a HAL thread and must not hold it up.
+// The constructor runs inside GetInstance() on a HAL thread and must not delay it.
 constexpr int64_t kConnectionWaitMs = 10;
 constexpr useconds_t kConnectionPollUs = 1000;
 
-// The AIDL service in the form of the HIDL one, or null.
+// The AIDL service behind the HIDL interface, or null.
 sp<IThermal> ConnectAidlService() {
   using AidlThermal = aidl::android::hardware::thermal::IThermal;
   const std::string instance = std::string(AidlThermal::descriptor) + "/default";
@@ -62,8 +62,8 @@ class Thermal::ConnectThermalHalThread : public Thread {
  private:
   bool threadLoop() override {
     FP_LOG_DEBUG(kTag, "%s starting", "threadLoop");
-    // Both look-ups may wait for a service that never comes: without any lock, or GetCpuSeverity()
-    // would wait with them.
+    // Both look-ups may wait for a service that never starts. They run without a lock, so that
+    // GetCpuSeverity() does not wait for them.
     sp<IThermal> thermal = ConnectAidlService();
     if (thermal == nullptr) {
       thermal = IThermal::getService("default", false);
@@ -117,7 +117,7 @@ int32_t Thermal::GetCpuSeverity() {
     return -ENODEV;
   }
   int32_t severity = 0;
-  // The skin, despite the name: what the user holds is what the system throttles for.
+  // Despite the name of this operation, the system throttles for the temperature of the skin.
   const auto result = thermal_->getCurrentTemperatures(
       true, TemperatureType::SKIN,
       [&severity](const ThermalStatus& status, const hidl_vec<Temperature>& temperatures) {
@@ -130,7 +130,7 @@ int32_t Thermal::GetCpuSeverity() {
         severity = static_cast<int32_t>(first.throttlingStatus);
         FP_LOG_DEBUG(kTag, "ThrottlingSeverity: %d", severity);
       });
-  // A dead HAL counts as one that reports nothing; not asking would end the process.
+  // A dead HAL counts as no throttling. Without isOk() a failed result aborts the process.
   static_cast<void>(result.isOk());
   return severity;
 }

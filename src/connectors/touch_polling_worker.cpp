@@ -18,8 +18,7 @@ namespace {
 constexpr char kTag[] = "FpsTouchHandler";
 constexpr char kThreadName[] = "TouchPollingWorkerThread";
 
-// How long a device that fails is left alone: at first hardly, in the end so that a dead one costs
-// nothing that a battery would show.
+// Pause after a failure of the device: 10 ms, doubling to 1 s.
 constexpr int kFirstBackoffMs = 10;
 constexpr int kLongestBackoffMs = 1000;
 
@@ -68,7 +67,7 @@ void FpsTouchHandler::TouchPollingWorkerThread::RequestEnd() {
 
 bool FpsTouchHandler::TouchPollingWorkerThread::CreateCancelPipe() {
   int fds[2];
-  // NOLINTNEXTLINE(android-cloexec-pipe): children inherit it, as they always did
+  // NOLINTNEXTLINE(android-cloexec-pipe): its only flag is O_NONBLOCK
   if (pipe(fds) != 0) {
     FP_LOG_ERROR(kTag, "%s: could not create stop pipe: %s", "CreateCancelPipe", strerror(errno));
     return false;
@@ -135,8 +134,8 @@ void FpsTouchHandler::TouchPollingWorkerThread::pollFds() {
   }
 }
 
-// A device that has hung up stays ready for ever: without a pause the loop would keep a core busy.
-// The pipe still ends the pause at once.
+// A device that has hung up is always ready, and without a pause the loop would keep a core busy.
+// The cancel pipe ends the pause.
 void FpsTouchHandler::TouchPollingWorkerThread::BackOff() {
   backoff_ms_ = std::clamp(2 * backoff_ms_, kFirstBackoffMs, kLongestBackoffMs);
   pollfd cancel = {.fd = cancel_pipe_fds_[0], .events = POLLIN, .revents = 0};
@@ -160,7 +159,7 @@ bool FpsTouchHandler::TouchPollingWorkerThread::threadLoop() {
   }
   FP_LOG_DEBUG(kTag, "%s exiting", "threadLoop");
   handler_->worker_id_ = std::thread::id();
-  return true;  // the exit that is pending ends the thread
+  return true;  // the thread ends because its exit is pending
 }
 
 }  // namespace android::fp_utils

@@ -23,7 +23,7 @@ class FpsTouchHandler::TouchPollingWorkerThread : public android::Thread {
   bool Start();
   bool Stop();
 
-  // Tells the worker to end without waiting for it, for a caller that is the worker.
+  // Tells the worker to end and does not wait for it: the caller is the worker itself.
   void RequestEnd();
 
  private:
@@ -38,8 +38,8 @@ class FpsTouchHandler::TouchPollingWorkerThread : public android::Thread {
   FpsTouchHandler* const handler_;                     // Not owned; outlives the worker's run.
   std::array<int32_t, 2> cancel_pipe_fds_ = {-1, -1};  // read end, write end
 
-  bool device_failed_ = false;  // when last looked at, and logged
-  int backoff_ms_ = 0;          // the last pause; 0 since the device worked
+  bool device_failed_ = false;  // at the last poll; the failure has been logged
+  int backoff_ms_ = 0;          // the last pause; 0 while the device works
 };
 
 }  // namespace android::fp_utils

@@ -10,7 +10,7 @@ namespace {
 constexpr int32_t kUnscaledId = -1;
 constexpr uint32_t kKnownTypes = 3;
 
-// In this order of roundings: the step to single precision comes first.
+// The order of the roundings matters: to single precision first.
 float ToRadians(int32_t angle) {
   constexpr float kQuarterTurns = 0.000244140625F;  // 2^-12
   constexpr double kPi = 3.141592653589793;

@@ -60,7 +60,7 @@ inline constexpr uint32_t kMaxRecords = 128;
 
 // What one read returns.
 struct Reports {
-  uint32_t count;  // of the records that follow; may claim more than there is room for
+  uint32_t count;  // of the records that follow; can be larger than kMaxRecords
   uint32_t reserved;
   std::array<Record, kMaxRecords> records;
 };
@@ -73,7 +73,7 @@ uint32_t ZeroFillShortRead(Reports& reports, size_t bytes);
 
 inline bool IsValid(const Record& record) { return (record.valid & 1) != 0; }
 
-// The report in display coordinates, of which the device has `scaling_factor` to the pixel.
+// The report in display coordinates; a pixel is `scaling_factor` device units.
 TouchEvent Decode(const Record& record, uint32_t scaling_factor);
 
 }  // namespace android::fp_utils::touch_device

@@ -11,10 +11,10 @@ namespace {
 
 namespace V2_0 = ::android::hardware::thermal::V2_0;
 
-// Where the service says nothing.
+// For thresholds that the service does not give.
 constexpr float kNoThreshold = std::numeric_limits<float>::quiet_NaN();
 
-// The last type that HIDL has in common with AIDL; AIDL has gone on since.
+// The last type that HIDL has in common with AIDL, which has more.
 constexpr auto kLastTemperatureType = static_cast<uint32_t>(V2_0::TemperatureType::NPU);
 
 V2_0::TemperatureType ToHidl(TemperatureType type) {
@@ -23,14 +23,14 @@ V2_0::TemperatureType ToHidl(TemperatureType type) {
              : V2_0::TemperatureType::UNKNOWN;
 }
 
-// AIDL numbers further kinds behind the catch-all one.
+// AIDL has more types, with numbers above COMPONENT.
 V2_0::CoolingType ToHidl(CoolingType type) {
   return static_cast<uint32_t>(type) < static_cast<uint32_t>(V2_0::CoolingType::COMPONENT)
              ? static_cast<V2_0::CoolingType>(type)
              : V2_0::CoolingType::COMPONENT;
 }
 
-// AIDL services are trusted to send one element per severity, but nothing makes them.
+// A vector should have one element per severity, but AIDL does not enforce its length.
 template <typename Thresholds>
 void Copy(const std::vector<float>& from, Thresholds& to) {
   for (size_t i = 0; i < Thresholds::size(); ++i) {

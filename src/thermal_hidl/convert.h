@@ -8,7 +8,7 @@
 
 namespace aidl::android::hardware::thermal {
 
-// AIDL records as HIDL ones.
+// Convert AIDL records to HIDL records.
 ::android::hardware::thermal::V2_0::Temperature ToHidl(const Temperature& temperature);
 ::android::hardware::thermal::V2_0::TemperatureThreshold ToHidl(
     const TemperatureThreshold& threshold);

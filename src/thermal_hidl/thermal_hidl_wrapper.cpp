@@ -42,7 +42,7 @@ V1_0::ThermalStatus ToHidl(const ScopedAStatus& status) {
   return status.isOk() ? Success() : Failure(status.getMessage());
 }
 
-// Hands the result of an AIDL query, which `query` makes, to a HIDL callback.
+// Makes an AIDL query with `query` and passes the result to a HIDL callback.
 template <typename Record, typename Callback, typename Query>
 Return<void> Answer(const std::shared_ptr<IThermal>& service, const Callback& cb, Query query) {
   if (service == nullptr) {
@@ -63,15 +63,15 @@ Return<void> Answer(const std::shared_ptr<IThermal>& service, const Callback& cb
 
 }  // namespace
 
-// What is registered with the AIDL service in the name of a HIDL callback.
+// The AIDL callback that is registered for a HIDL callback.
 class ThermalHidlWrapper::IThermalChangedCallbackWrapper : public BnThermalChangedCallback {
  public:
   explicit IThermalChangedCallbackWrapper(sp<V2_0::IThermalChangedCallback> callback)
       : callback_hidl(std::move(callback)) {}
 
-  // On a binder thread. The service is not told if the client is gone.
+  // Runs on a binder thread. The service does not learn whether the client is alive.
   ScopedAStatus notifyThrottling(const Temperature& temperature) override {
-    // Asking is what makes a failure of the transport one that may be ignored.
+    // Without isOk() a failed result aborts the process.
     callback_hidl->notifyThrottling(ToHidl(temperature)).isOk();
     return ScopedAStatus::ok();
   }
@@ -178,8 +178,8 @@ Return<void> ThermalHidlWrapper::debug(const hidl_handle& handle,
   if (thermal_service_ == nullptr || handle.getNativeHandle() == nullptr || handle->numFds < 1) {
     return Void();
   }
-  // The copies are never released: nothing says that a client is done with its arguments when
-  // dump() returns, and this runs by hand, for a bug report.
+  // The copies are never released: the client may still use its arguments after dump() returns, and
+  // this runs only for a bug report.
   std::vector<const char*> arguments;
   for (const hidl_string& option : options) {
     arguments.push_back(strdup(option.c_str()));
