@@ -18,8 +18,8 @@ std::string HostPath(const std::string& device_path);
 // Creates the folders that the device's init creates at boot. Those that exist stay as they are.
 void BootDevice();
 
-// A new folder of the caller's own, removed with what is in it at the end. In memory where the
-// machine has a place for that: what tests write again and again needs no disk.
+// A new folder, which the destructor removes with its content. It is in memory where the machine
+// has a file system for that, since tests write the same files again and again.
 class ScratchFolder {
  public:
   explicit ScratchFolder(const std::string& name);  // a few characters are added
@@ -33,7 +33,7 @@ class ScratchFolder {
   std::string path_;
 };
 
-// A freshly booted device in a folder of its own. The newest is the one that programs see.
+// A freshly booted device in a new folder. Programs see the device that was made last.
 class ScratchDevice {
  public:
   explicit ScratchDevice(const std::string& name);

@@ -12,10 +12,10 @@ namespace fp_host {
 struct Fault {
   static constexpr int kForever = -1;
 
-  // open, fopen, mkdir, unlink, read, write, ioctl, poll, pipe or fcntl. The calls that take a path
-  // fail for device paths; read, write and ioctl for descriptors of them and of pipes, read and
-  // write also below a FILE that was opened while a fault of either was set; poll, pipe and fcntl
-  // for every caller.
+  // open, fopen, mkdir, unlink, read, write, ioctl, poll, pipe or fcntl. Calls with a path fail for
+  // device paths. read, write and ioctl fail for descriptors of device files and of pipes; read and
+  // write also inside a FILE that was opened while a fault of either was set. poll, pipe and fcntl
+  // fail for every caller.
   std::string function;
   int first_call = 1;  // counted from when the fault is set
   int calls = 1;       // how many calls in a row fail, or kForever

@@ -12,8 +12,8 @@ namespace ipc {
 class Process;
 }  // namespace ipc
 
-// A client of the HIDL thermal HAL in another process, with one callback. The transport sees to it
-// that each call is answered exactly once.
+// A client of the HIDL thermal HAL in another process, with one callback. The transport checks that
+// each call is answered exactly once.
 class HidlThermalClient {
  public:
   using CoolingDevice = android::hardware::thermal::V2_0::CoolingDevice;
@@ -36,7 +36,7 @@ class HidlThermalClient {
   HidlThermalClient(const HidlThermalClient&) = delete;
   HidlThermalClient& operator=(const HidlThermalClient&) = delete;
 
-  // Calls go to `service`, an object of this process, until the next time. Null lets go of it.
+  // Calls go to `service`, an object of this process, until the next Connect(). Null releases it.
   void Connect(const android::sp<IThermal>& service);
 
   Answer<Temperature> Temperatures(bool filter, TemperatureType type) const {
@@ -68,7 +68,7 @@ class HidlThermalClient {
     return Do(&IThermal::unregisterThermalChangedCallback, callback);
   }
 
-  // The callback as a service sees it: each call over the transport brings another proxy of it.
+  // The callback as a service sees it. Each call over the transport passes another proxy.
   android::sp<IThermalChangedCallback> NewProxy() const;
 
   void Kill();
@@ -87,7 +87,7 @@ class HidlThermalClient {
     return answer;
   }
 
-  // What stands where the transport has failed.
+  // The answer if the transport fails.
   const ThermalStatus kNone = {android::hardware::thermal::V1_0::ThermalStatusCode::FAILURE, "?"};
 
   const android::sp<Callback> callback_;

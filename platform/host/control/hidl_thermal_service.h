@@ -11,8 +11,8 @@
 
 namespace fp_host {
 
-// The HIDL thermal HAL 2.0, with the temperatures alone: it knows of no thresholds, cooling devices
-// or CPU usages, and reports nothing by itself.
+// The HIDL thermal HAL 2.0 with temperatures only: no thresholds, cooling devices, CPU usages or
+// callbacks.
 class HidlThermalService : public RemoteService {
  public:
   using Temperature = android::hardware::thermal::V2_0::Temperature;
@@ -28,7 +28,7 @@ class HidlThermalService : public RemoteService {
 
  protected:
   std::shared_ptr<void> MakeService(const std::shared_ptr<ipc::Process>& process) override;
-  // HIDL's service manager lets nothing else in: the name stays free.
+  // Returns null: HIDL's service manager accepts no object of another interface.
   std::shared_ptr<void> MakeImpostor(const std::shared_ptr<ipc::Process>& process) override;
 
  private:

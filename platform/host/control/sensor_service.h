@@ -26,29 +26,29 @@ struct FakeSensor {
 FakeSensor LightSensor(std::string name = "light");
 FakeSensor LongPressSensor(std::string name = "long press");
 
-// The list that the next manager finds; a manager that has shown its list keeps it.
+// The list of the next manager. A manager that was asked for its list keeps it.
 void SetSensors(std::vector<FakeSensor> sensors);
 
 // The service dies: its manager, sensors and queues dangle from now on and undelivered events are
-// gone. Who asks for a manager while it is down gets null or waits for the start.
+// gone. A call that asks for a manager meanwhile gets null or waits for the start.
 enum class WhileDown { kAnswerNull, kWait };
 void StopSensorService(WhileDown while_down = WhileDown::kAnswerNull);
 void StartSensorService();
-// Both: the next manager has another handle.
+// Stops and starts the service. The next manager has another handle.
 void RestartSensorService();
 
-// The light changes, one event per reading and enabled light sensor, all at once. As on a device,
-// a light sensor that is being enabled reports the current value, if there is one.
+// The light changes: each enabled light sensor reports one event per reading, all at once. As on a
+// device, a light sensor that is being enabled reports the current value, if there is one.
 void SetLux(float lux);
 void SetLux(const std::vector<float>& readings);
 
-// A finger rests on each enabled long-press sensor so many times.
+// Each enabled long-press sensor reports so many presses.
 void LongPress(int times = 1);
 
 // Puts the events as they are into each queue that has a sensor enabled.
 void PushSensorEvents(const std::vector<ASensorEvent>& events);
 
-// What clients hold of the service that is up.
+// What the clients of the running service have open.
 struct SensorUsage {
   int queues = 0;
   int enabled_sensors = 0;
@@ -56,7 +56,8 @@ struct SensorUsage {
 };
 SensorUsage GetSensorUsage();
 
-// Whether so many threads wait in ALooper_pollOnce() and nothing is there for them.
+// Whether exactly so many threads wait in ALooper_pollOnce() and there is no event or wake for
+// them.
 bool ArePollersIdle(int threads);
 
 // A platform call that fails, by the name of its function. Aborts on one that it does not know.

@@ -17,16 +17,16 @@ struct CallPlan;
 class Process;
 }  // namespace ipc
 
-// A service manager that fails declares nothing, finds nothing, and lets nobody wait.
+// A service manager that fails declares and finds no service and ends all waiting.
 void SetServiceManagerFailing(bool failing);
 
-// How long looking up a service takes at least, for callers that would wait for it.
+// The least time that waiting for a service takes, also if the service is up.
 void SetLookUpDelay(std::chrono::milliseconds delay);
 
-// Whether, within a bound, the number of threads that wait for services comes to be `threads`.
+// Waits, within a bound, until `threads` threads wait for services. False if that did not happen.
 bool WaitForWaitingThreads(int threads);
 
-// Whether this program's pools have run all that had arrived for them when this was called.
+// Waits, within a bound, until the thread pools of this program are idle. False if they are not.
 bool WaitForPools();
 
 // One service with one instance. Not declared and not up at first.
@@ -34,8 +34,8 @@ bool WaitForPools();
 // Threading:  any thread may call any operation, also while calls into the service are running.
 class RemoteService {
  public:
-  // Relative to the service's work for the call: before, it never saw it; during, it has done the
-  // work and nobody hears of it; after, the answer is just out.
+  // When the process dies: before the service sees the call; after it has done its work, but before
+  // the answer is sent; right after the answer was sent.
   enum class Death { kBefore, kDuring, kAfter };
 
   // The service dies and is no longer declared.
@@ -51,7 +51,7 @@ class RemoteService {
 
   // A new process with the service in its initial state; no effect while one is up.
   void Start();
-  // Something starts under the service's name that is not the service.
+  // An object of another interface starts under the service's name.
   void StartImpostor();
   void Kill();
   bool IsUp() const;
@@ -60,10 +60,10 @@ class RemoteService {
   void DieAtCall(int number, Death moment);
   // How long each call takes at least.
   void SetDelay(std::chrono::milliseconds delay);
-  // Calls wait, unanswered, until they are let go or the process dies.
+  // Calls wait until Release() or until the process dies.
   void Hold();
   void Release();
-  // Whether, within a bound, at least `calls` calls came to wait there.
+  // Waits, within a bound, until at least `calls` calls wait there. False if that did not happen.
   bool WaitForHeldCalls(int calls) const;
   // Calls that reached the service so far, over all its processes.
   int CountCalls() const;

@@ -15,8 +15,7 @@
 
 namespace fp_host {
 
-// The AIDL thermal HAL. What it measures outlives its processes, the callbacks registered with it
-// do not.
+// The AIDL thermal HAL. A restart keeps the values it measures and drops the registered callbacks.
 class ThermalService : public RemoteService {
  public:
   using Temperature = aidl::android::hardware::thermal::Temperature;

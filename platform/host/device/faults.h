@@ -15,8 +15,7 @@ struct FaultResult {
   size_t limit = SIZE_MAX;  // bytes to move at most
 };
 
-// Counts the call if a fault is set for it and says what becomes of it; a failing one has errno
-// set.
+// Counts the call if a fault is set for it, and tells its result. Sets errno if the call fails.
 FaultResult CheckFault(Call call);
 
 // Whether reads or writes are to be disturbed, also those that stdio makes.

@@ -49,7 +49,7 @@ decltype(pipe)* NextPipe() {
 }
 [[maybe_unused]] decltype(pipe)* const kNextPipe = NextPipe();
 
-// The argument behind `last`. Where the caller gave none it is arbitrary, and nobody looks at it.
+// The argument behind `last`. If the caller passed none, its value is arbitrary and is not used.
 #define OPTIONAL_ARGUMENT(Type, name, last)  \
   va_list arguments;                         \
   va_start(arguments, last);                 \
@@ -80,8 +80,8 @@ int OpenAt(decltype(openat)* next, int folder, const char* path, int flags, mode
   return Open(Next<OpenFunction>("open"), path, flags, mode);
 }
 
-// stdio makes its transfers by calls that cannot be interposed. While transfers are to be
-// disturbed, a FILE goes through these functions instead.
+// stdio reads and writes with calls that cannot be interposed. While a fault of read or write is
+// set, a FILE uses these functions instead.
 ssize_t CookieRead(void* cookie, char* buffer, size_t size) {
   return read(*static_cast<int*>(cookie), buffer, size);
 }

@@ -26,7 +26,7 @@ struct CallPlan {
   std::chrono::milliseconds delay{0};
 };
 
-// Another process as this one sees it: it answers calls until it dies, once.
+// Another process as this one sees it. It answers calls until it dies.
 class Process {
  public:
   explicit Process(std::shared_ptr<CallPlan> plan) : plan_(std::move(plan)) {}
@@ -42,7 +42,7 @@ class Process {
   bool Call(const std::function<void()>& serve);
 
  private:
-  // What becomes of the call that has just been made.
+  // The fate of the call that was just made.
   enum class Fate { kServed, kLost, kDiesBefore, kDiesDuring, kDiesAfter };
   Fate Arrive();
 

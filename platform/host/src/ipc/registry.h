@@ -11,8 +11,8 @@
 
 namespace fp_host::ipc {
 
-// The device's manifest and its service managers: names and what they stand for. The names of AIDL
-// and HIDL services differ in form, so one table holds both.
+// The device's manifest and its service managers: the objects by name. One table holds AIDL and
+// HIDL services, whose names differ in form.
 class Registry {
  public:
   static Registry& Get();
@@ -21,7 +21,7 @@ class Registry {
   bool IsDeclared(const std::string& name) const;
 
   void Add(const std::string& name, std::shared_ptr<void> object);
-  // Forgets `object`, if that is what the name stands for.
+  // Removes the name if it still belongs to `object`.
   void Remove(const std::string& name, const std::shared_ptr<void>& object);
 
   // Waits until there is something by that name; null if the service manager fails. Logs every
