@@ -8,12 +8,11 @@
 
 #include "fp_utils/shapes.h"
 #include "golden/bare_platform.h"
+#include "reference/any_shape.h"
 #include "reference/plain_geometry.h"
-#include "support/any_shape.h"
 
 using namespace android::fp_utils;
-using namespace fp_test;
-using fp_reference::PlainCounts;
+using namespace fp_reference;
 
 namespace {
 
@@ -24,7 +23,7 @@ uint32_t ReadScanPoints(std::istream& in, const std::string& axis, float low, fl
   std::string points;
   in >> points;
   if (points == "-") {
-    return fp_reference::PlainScanPoints(low, high);
+    return PlainScanPoints(low, high);
   }
   return fp_golden::properties[property] =
              static_cast<uint32_t>(strtoul(points.c_str(), nullptr, 10));
@@ -43,7 +42,7 @@ bool RecountCase(const std::string& line) {
   const auto plain2 = AsPlainShape(s2);
   const PlainCounts by_rows = CountIn(grid, AsShape(s1), AsShape(s2));
   const PlainCounts asked = CountIn(grid, *plain1, *plain2);
-  const PlainCounts plain = fp_reference::PlainScan(grid, nx, ny, *plain1, *plain2);
+  const PlainCounts plain = PlainScan(grid, nx, ny, *plain1, *plain2);
   std::cout << text << ' ' << by_rows << '\n';
   if (by_rows == plain && asked == plain) {
     return true;

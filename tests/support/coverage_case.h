@@ -6,10 +6,17 @@
 #include <vector>
 
 #include "fp_utils/shapes.h"
+#include "reference/any_shape.h"
 #include "reference/plain_geometry.h"
-#include "support/any_shape.h"
 
 namespace fp_test {
+
+using fp_reference::AnyShape;
+using fp_reference::AsPlainShape;
+using fp_reference::AsShape;
+using fp_reference::CountIn;
+using fp_reference::FieldsOf;
+using fp_reference::TextOf;
 
 // Two shapes and the grid that samples them.
 struct CoverageCase {

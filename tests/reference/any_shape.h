@@ -10,7 +10,7 @@
 #include "fp_utils/shapes.h"
 #include "reference/plain_geometry.h"
 
-namespace fp_test {
+namespace fp_reference {
 
 using AnyShape =
     std::variant<android::fp_utils::Circle, android::fp_utils::Ellipse, android::fp_utils::Rect>;
@@ -29,8 +29,7 @@ std::string TextOf(AnyShape shape);
 AnyShape ReadShape(std::istream& in);
 
 // By the library.
-fp_reference::PlainCounts CountIn(const android::fp_utils::Rect& grid,
-                                  const android::fp_utils::IShape& s1,
-                                  const android::fp_utils::IShape& s2);
+PlainCounts CountIn(const android::fp_utils::Rect& grid, const android::fp_utils::IShape& s1,
+                    const android::fp_utils::IShape& s2);
 
-}  // namespace fp_test
+}  // namespace fp_reference

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "support/any_shape.h"
+#include "reference/any_shape.h"
 
 #include <cstdio>
 #include <cstdlib>
 
-namespace fp_test {
+namespace fp_reference {
 
 using android::fp_utils::Circle;
 using android::fp_utils::Ellipse;
@@ -24,14 +24,12 @@ std::vector<float*> Fields(Rect& r) {
 }
 
 std::unique_ptr<IShape> Plain(const Circle& circle) {
-  return std::make_unique<fp_reference::PlainCircle>(circle);
+  return std::make_unique<PlainCircle>(circle);
 }
 std::unique_ptr<IShape> Plain(const Ellipse& ellipse) {
-  return std::make_unique<fp_reference::PlainEllipse>(ellipse);
+  return std::make_unique<PlainEllipse>(ellipse);
 }
-std::unique_ptr<IShape> Plain(const Rect& rect) {
-  return std::make_unique<fp_reference::PlainRect>(rect);
-}
+std::unique_ptr<IShape> Plain(const Rect& rect) { return std::make_unique<PlainRect>(rect); }
 
 }  // namespace
 
@@ -73,10 +71,10 @@ AnyShape ReadShape(std::istream& in) {
   return shape;
 }
 
-fp_reference::PlainCounts CountIn(const Rect& grid, const IShape& s1, const IShape& s2) {
-  fp_reference::PlainCounts counts = {77, 77, 77};
+PlainCounts CountIn(const Rect& grid, const IShape& s1, const IShape& s2) {
+  PlainCounts counts = {77, 77, 77};
   grid.NumOfPointsIn(s1, s2, counts.in_s1, counts.in_s2, counts.in_both);
   return counts;
 }
 
-}  // namespace fp_test
+}  // namespace fp_reference
