@@ -314,13 +314,13 @@ TEST(InspectSalvage, OneFlippedBitCostsOneRecord) {
 
 // A file of several buffers, whole, through a pipe that gives little at a time.
 TEST(InspectSalvage, DamageAllOverALargeFile) {
-  fp_test::RecordMutator records(2);
+  RandomRecords records(2);
   std::mt19937_64 random(2);
   std::string content;
   std::vector<size_t> begins;
   while (content.size() < 3 * ByteWindow::kCapacity) {
     begins.push_back(content.size());
-    content += Frame(records.Make<AuthEventG7>().ToBackupString());
+    content += Frame(records.Attempt().ToBackupString());
   }
   size_t sound = begins.size();
   for (size_t i = 1; i < begins.size(); i += 1 + random() % 40) {
