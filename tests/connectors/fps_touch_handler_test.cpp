@@ -17,7 +17,7 @@
 #include <android-base/properties.h>
 
 #include "control/faults.h"
-#include "support/holdings.h"
+#include "support/resource_counts.h"
 #include "support/touch_test.h"
 
 // This program's system calls pass through here on their way to the simulated device.

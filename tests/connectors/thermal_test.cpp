@@ -16,9 +16,9 @@
 #include "control/thermal_service.h"
 #include "support/device_test.h"
 #include "support/hal_faults.h"
-#include "support/holdings.h"
 #include "support/platform_calls.h"
 #include "support/recorder.h"
+#include "support/resource_counts.h"
 
 namespace android::fp_utils {
 namespace {

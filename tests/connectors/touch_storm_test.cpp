@@ -4,7 +4,7 @@
 #include <atomic>
 #include <thread>
 
-#include "support/holdings.h"
+#include "support/resource_counts.h"
 #include "support/touch_test.h"
 
 namespace android::fp_utils {

@@ -20,12 +20,12 @@
 #include "player.h"
 #include "service.h"
 #include "support/device_test.h"
-#include "support/holdings.h"
+#include "support/resource_counts.h"
 
 namespace fp_service {
 namespace {
 
-// What a process must not collect: descriptors, threads, kilobytes.
+// What a leak would let grow.
 struct Resources {
   long descriptors = fp_test::CountDescriptors();
   long threads = fp_test::CountThreads();

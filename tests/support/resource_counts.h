@@ -5,7 +5,7 @@
 
 namespace fp_test {
 
-// What this process holds at the moment.
+// Open file descriptors and threads of this process.
 inline long CountDescriptors() {
   return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
 }
