@@ -71,7 +71,7 @@ class ThermalTest : public ::testing::Test {
     hidl_.SetTemperatures({HidlSkin(3), HidlSkin(4)});
   }
 
-  static void PutUp(fp_host::RemoteService& service) {
+  static void DeclareAndStart(fp_host::RemoteService& service) {
     service.Declare();
     service.Start();
   }
@@ -81,19 +81,20 @@ class ThermalTest : public ::testing::Test {
     thermal_.emplace();
   }
 
-  // Waits for the worker's last words, then the log as that of the two threads: the worker's lines
-  // come at any moment between the constructor's.
+  // The lines of the two threads apart, since the worker's may come anywhere between the
+  // constructor's.
   struct Logs {
     Log constructor, worker;
   };
-  static Logs TakeLogs(const LogLine& last_words) {
+  // Waits for the last line of the worker.
+  static Logs TakeLogs(const LogLine& last_line) {
     Logs logs;
     EXPECT_TRUE(Eventually([&] {
       for (const LogLine& line : TakeLog()) {
         const bool constructors = line.message.rfind("Thermal:", 0) == 0;
         (constructors ? logs.constructor : logs.worker).push_back(line);
       }
-      return !logs.worker.empty() && logs.worker.back() == last_words;
+      return !logs.worker.empty() && logs.worker.back() == last_line;
     }));
     return logs;
   }
@@ -106,8 +107,8 @@ class ThermalTest : public ::testing::Test {
 };
 
 TEST_F(ThermalTest, AsksTheAidlServiceForTheSkin) {
-  PutUp(aidl_);
-  PutUp(hidl_);
+  DeclareAndStart(aidl_);
+  DeclareAndStart(hidl_);
   RecordCalls(true);
   Construct();
   const std::string instance = kAidlInstance;
@@ -128,14 +129,14 @@ TEST_F(ThermalTest, FallsBackToTheHidlService) {
     LogLine reason;
   } kCases[] = {
       {"not declared", [] {}, kNotDeclared},
-      {"something else under its name",
+      {"an object of another interface",
        [this] {
          aidl_.Declare();
          aidl_.StartImpostor();
        },
        Error(kTag, "Unable to get Thermal AIDL service")},
   };
-  PutUp(hidl_);
+  DeclareAndStart(hidl_);
   for (const auto& test : kCases) {
     SCOPED_TRACE(test.why);
     test.prepare();
@@ -154,16 +155,16 @@ TEST_F(ThermalTest, DeviceWithoutThermalHalNeverConnects) {
   const Logs logs = TakeLogs(kFailed);
   EXPECT_EQ((Log{kWaiting, kIsNotConnected}), logs.constructor);
   EXPECT_EQ((Log{kStarting, kNotDeclared, kFailed}), logs.worker);
-  PutUp(aidl_);
-  PutUp(hidl_);
+  DeclareAndStart(aidl_);
+  DeclareAndStart(hidl_);
   for (int i = 0; i < 3; ++i) {
-    EXPECT_EQ(-ENODEV, Severity()) << "one attempt is all";
+    EXPECT_EQ(-ENODEV, Severity()) << "it tries to connect once only";
   }
   const LogLine not_connected = Error(kTag, "[GetCpuSeverity] Failed to connect to Thermal HAL");
   EXPECT_LOG(not_connected, not_connected, not_connected);
 }
 
-// Whichever service it waits for, nobody waits with it, and it connects when the service comes.
+// The worker waits for the service and connects when it starts. Nobody else is blocked meanwhile.
 TEST_F(ThermalTest, LateServiceIsConnectedInTheBackground) {
   fp_host::RemoteService* const kServices[] = {&aidl_, &hidl_};
   for (fp_host::RemoteService* service : kServices) {
@@ -179,8 +180,8 @@ TEST_F(ThermalTest, LateServiceIsConnectedInTheBackground) {
 }
 
 TEST_F(ThermalTest, ConstructorSeesAConnectionInTime) {
-  PutUp(aidl_);
-  // On a machine that is busy enough the 10 ms may pass.
+  DeclareAndStart(aidl_);
+  // The constructor waits 10 ms, which may not be enough on a busy machine.
   ASSERT_TRUE(Eventually([this] {
     Construct();
     const Log log = TakeLogs(kExiting).constructor;
@@ -188,51 +189,37 @@ TEST_F(ThermalTest, ConstructorSeesAConnectionInTime) {
   }));
 }
 
-// Failures count as no throttling, and there is no second connection.
+// A failure counts as no throttling, and the monitor does not connect again.
 TEST_F(ThermalTest, EveryCallMeetsEveryFault) {
   using Service = fp_host::RemoteService;
+  const auto refuse = [this](Service&) {
+    aidl_.Refuse([] { return ndk::ScopedAStatus::fromExceptionCode(EX_ILLEGAL_STATE); });
+    hidl_.Refuse("not ready");
+  };
+  const auto measure_no_skin = [this](Service&) {
+    aidl_.SetTemperatures({Reading("cpu", TemperatureType::CPU, 80, 6)});
+    hidl_.SetTemperatures({});
+  };
   const auto kFaults = HalFaults({
-      {.name = "is dead",
-       .strike = [](auto& service) { service.Kill(); },
-       .answered = false,
-       .dead = true},
-      {.name = "came back",
-       .strike =
-           [](auto& service) {
-             service.Kill();
-             service.Start();
-           },
-       .answered = false,
-       .dead = true},
-      {.name = "refuses",
-       .strike =
-           [this](auto&) {
-             aidl_.Refuse([] { return ndk::ScopedAStatus::fromExceptionCode(EX_ILLEGAL_STATE); });
-             hidl_.Refuse("not ready");
-           },
-       .answered = false},
-      {.name = "knows no skin sensor",
-       .strike =
-           [this](auto&) {
-             aidl_.SetTemperatures({Reading("cpu", TemperatureType::CPU, 80, 6)});
-             hidl_.SetTemperatures({});
-           },
-       .answered = false},
+      {"is dead", Kill, kDead},
+      {"has restarted", Restart, kDead},
+      {"refuses", refuse, 0},
+      {"has no skin sensor", measure_no_skin, 0},
   });
   for (Service* service : {static_cast<Service*>(&aidl_), static_cast<Service*>(&hidl_)}) {
     for (const auto& fault : kFaults) {
       SCOPED_TRACE(service->GetInstance() + " " + fault.name);
-      PutUp(*service);
+      DeclareAndStart(*service);
       Construct();
       const int32_t severity = service == &aidl_ ? 2 : 3;
       ASSERT_TRUE(Eventually([&] { return Severity() == severity; }));
       fault.strike(*service);
-      EXPECT_EQ(fault.answered ? severity : 0, Severity());
+      EXPECT_EQ(fault.Has(kAnswered) ? severity : 0, Severity());
       Repair(*service);
       aidl_.Accept();
       hidl_.Accept();
       MeasureSkin();
-      EXPECT_EQ(fault.dead ? 0 : severity, Severity());
+      EXPECT_EQ(fault.Has(kDead) ? 0 : severity, Severity());
     }
     service->Undeclare();
   }
@@ -240,13 +227,13 @@ TEST_F(ThermalTest, EveryCallMeetsEveryFault) {
 
 TEST(ThermalLifetime, WorkerMayFindTheMonitorGone) {
   MuteLog(true);
-  std::thread([] {}).join();  // a sanitizer may start a thread of its own with the first one
+  std::thread([] {}).join();  // with the first thread, a sanitizer may start one of its own
   const long threads = CountThreads();
   for (int i = 0; i < Share(30); ++i) {
     ThermalService service;
     service.Declare();
     { const Thermal thermal; }
-    // One worker is left waiting, without anything to come back to.
+    // The worker still waits for the service when its monitor is destroyed.
     EXPECT_TRUE(fp_host::WaitForWaitingThreads(1));
     service.Start();
     EXPECT_TRUE(fp_host::WaitForWaitingThreads(0));
@@ -256,12 +243,12 @@ TEST(ThermalLifetime, WorkerMayFindTheMonitorGone) {
     });
     { const Thermal thermal; }
     coming.join();
-    // No late worker may be counted among those of the next round.
+    // The next round counts waiting threads, so the workers of this one have to end first.
     EXPECT_TRUE(Eventually([&] { return CountThreads() <= threads; }));
   }
 }
 
-// Handlers that are registered first run last, when static objects are destroyed already.
+// The exit handler is registered first, so it runs after static objects were destroyed.
 TEST(ThermalLifetimeDeathTest, ThreadsMayAskWhileTheProcessExits) {
   ::testing::FLAGS_gtest_death_test_style = "threadsafe";
   static std::atomic<int> answers = 0;
@@ -292,7 +279,7 @@ TEST(ThermalLifetimeDeathTest, ProcessExitsWhileTheWorkerWaits) {
   ::testing::FLAGS_gtest_death_test_style = "threadsafe";
   EXPECT_EXIT(
       {
-        MuteLog(true);  // the worker outlives what records
+        MuteLog(true);  // the worker may log when the recorder is gone
         static auto* const service = new ThermalService;
         service->Declare();
         const bool not_connected = Thermal::GetInstance().GetCpuSeverity() == -ENODEV;

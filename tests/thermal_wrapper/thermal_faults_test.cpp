@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The thermal HAL fails in every way under the wrapper and under the monitor: each call has a
-// defined answer within the test's bound, and a new connection works.
+// Every operation of the wrapper meets every fault of the thermal HAL: it returns a defined result,
+// and a new connection works.
 #include <algorithm>
 #include <array>
 #include <atomic>
@@ -37,10 +37,10 @@ using fp_host::WaitForPools;
 
 constexpr auto kSkin = V2_0::TemperatureType::SKIN;
 constexpr char kNotReady[] = "not ready";
-constexpr char kNoMessage[] = "";  // of a service that is dead, or says no reason
+constexpr char kNoMessage[] = "";  // of a dead service, or of a failure without a message
 constexpr char kRegisteredBefore[] = "The callback was already registered through wrapper";
 
-// A wrapper on a service, and two HIDL clients of it.
+// A wrapper around an AIDL service, and two HIDL clients of the wrapper.
 class Bridge {
  public:
   explicit Bridge(ThermalService& thermal_service) : service(thermal_service) {
@@ -57,7 +57,7 @@ class Bridge {
     }
   }
 
-  // "ok", or the message of the failure.
+  // Returns "ok", or the message of the failure.
   using Operation = std::string (Bridge::*)();
 
   std::string Temperatures() { return TextOf(clients[0].Temperatures(filter, kSkin)); }
@@ -75,7 +75,7 @@ class Bridge {
   std::string UnregisterSecond() { return Unregister(1); }
 
   ThermalService& service;
-  bool filter = false;  // which of the two forms of each operation is meant
+  bool filter = false;  // operations ask for one type only
   std::array<HidlThermalClient, 2> clients;
 
  private:
@@ -108,30 +108,17 @@ TEST_F(ThermalFaultsTest, EveryOperationOfTheWrapperMeetsEveryFault) {
     return
         [answer](RemoteService& service) { static_cast<ThermalService&>(service).Refuse(answer); };
   };
+  const auto not_ready = [] {
+    return ndk::ScopedAStatus::fromExceptionCodeWithMessage(EX_ILLEGAL_STATE, kNotReady);
+  };
+  const auto no_status = [] { return ndk::ScopedAStatus(); };
+  const auto short_reply = [] { return ndk::ScopedAStatus::fromStatus(STATUS_NOT_ENOUGH_DATA); };
   const auto kFaults = fp_test::HalFaults({
-      {.name = "is dead",
-       .strike = [](auto& service) { service.Kill(); },
-       .answered = false,
-       .dead = true},
-      {.name = "came back as another",
-       .strike =
-           [](auto& service) {
-             service.Kill();
-             service.Start();
-           },
-       .answered = false,
-       .dead = true},
-      {.name = kNotReady,
-       .strike = refuse([] {
-         return ndk::ScopedAStatus::fromExceptionCodeWithMessage(EX_ILLEGAL_STATE, kNotReady);
-       }),
-       .answered = false},
-      {.name = "answers without a status",
-       .strike = refuse([] { return ndk::ScopedAStatus(); }),
-       .answered = false},
-      {.name = "sends a reply that ends early",
-       .strike = refuse([] { return ndk::ScopedAStatus::fromStatus(STATUS_NOT_ENOUGH_DATA); }),
-       .answered = false},
+      {"is dead", fp_test::Kill, fp_test::kDead},
+      {"has restarted", fp_test::Restart, fp_test::kDead},
+      {kNotReady, refuse(not_ready), 0},
+      {"answers without a status", refuse(no_status), 0},
+      {"sends a reply that ends early", refuse(short_reply), 0},
   });
   for (const auto& fault : kFaults) {
     for (size_t form = 0; form < 2 * std::size(kOperations); ++form) {
@@ -145,10 +132,11 @@ TEST_F(ThermalFaultsTest, EveryOperationOfTheWrapperMeetsEveryFault) {
       EXPECT_EQ("ok", bridge.Register(1));
       fault.strike(service);
       const char* failure = fault.name == kNotReady ? kNotReady : kNoMessage;
-      EXPECT_EQ(fault.answered ? "ok" : failure, (bridge.*kOperations[form / 2])());
+      EXPECT_EQ(fault.Has(fp_test::kAnswered) ? "ok" : failure, (bridge.*kOperations[form / 2])());
       service.Accept();
       fp_test::Repair(service);
-      EXPECT_EQ(fault.dead ? kNoMessage : "ok", bridge.Temperatures()) << "no second connection";
+      EXPECT_EQ(fault.Has(fp_test::kDead) ? kNoMessage : "ok", bridge.Temperatures())
+          << "no second connection";
       bridge.Connect();
       EXPECT_EQ("ok", bridge.Temperatures());
       EXPECT_EQ("ok", bridge.Register(1)) << "the new wrapper knows of no callback";
@@ -184,7 +172,7 @@ TEST_F(ThermalFaultsTest, OneWrapperServesManyThreads) {
   EXPECT_EQ(0, service.CountCallbacks());
 }
 
-// All but the first wait for the service's answer to it.
+// The threads that come second wait for the service's answer to the first.
 TEST_F(ThermalFaultsTest, OneOfManyThreadsRegistersTheirClient) {
   ThermalService service;
   Bridge bridge(service);
@@ -211,8 +199,8 @@ TEST_F(ThermalFaultsTest, OneOfManyThreadsRegistersTheirClient) {
   }
 }
 
-// The HAL crashes in a loop while wrappers and monitors connect to it, are used and go. All comes
-// to an end, and a new connection works.
+// The HAL crashes in a loop while wrappers and monitors are created, used and destroyed. Each call
+// may fail, but must return.
 TEST_F(ThermalFaultsTest, StormOfDeathsCallsAndEnds) {
   ThermalService service;
   service.Declare();
