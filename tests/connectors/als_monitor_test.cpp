@@ -36,7 +36,7 @@ class AlsMonitorTest : public SensorTest {
     TakeLog();
   }
 
-  // The value, or kUntouched, that GetLight() leaves; it has to return `status`.
+  // The value that GetLight() writes, or kUntouched. Expects it to return `status`.
   static float Light(int status = 0) {
     float lux = kUntouched;
     EXPECT_EQ(status, Monitor().GetLight(&lux));
@@ -44,7 +44,7 @@ class AlsMonitorTest : public SensorTest {
   }
 };
 
-TEST_F(AlsMonitorTest, AsksThePlatformInThisOrder) {
+TEST_F(AlsMonitorTest, CallsThePlatformInThisOrder) {
   EXPECT_EQ(0, Monitor().StartSampling());
   EXPECT_EQ((Texts{kGetManager, "ASensorManager_getDefaultSensor(manager 1, 5) = light",
                    "ALooper_prepare(1) = looper",
@@ -85,53 +85,39 @@ TEST_F(AlsMonitorTest, AsksThePlatformInThisOrder) {
   EXPECT_EQ(350, Light());
 }
 
-TEST_F(AlsMonitorTest, FailsWithWhatIsMissingAndGoesOnFromThere) {
+TEST_F(AlsMonitorTest, FailedStartIsRetriedFromTheStepThatFailed) {
   const struct {
     const char* function;
     int status;
-    std::vector<LogLine> log;
+    LogLine connection, reason;
     size_t calls_of_retry;  // of the six that a first start makes
     const char* kept;
   } kCases[] = {
-      {"ASensorManager_getInstanceForPackage", -ENOMEM, {kNoManager, kNoConnection}, 6, "nothing"},
-      {"ASensorManager_getDefaultSensor",
-       UNEXPECTED_NULL,
-       {kConnected, Error(kTag, "Failed to get sensor.")},
-       6,
-       "the manager, which is asked for all the same"},
-      {"ALooper_prepare",
-       -ENOMEM,
-       {kConnected, Error(kTag, "Failed to prepare an event looper.")},
-       5,
+      {"ASensorManager_getInstanceForPackage", -ENOMEM, kNoManager, kNoConnection, 6, "nothing"},
+      {"ASensorManager_getDefaultSensor", UNEXPECTED_NULL, kConnected,
+       Error(kTag, "Failed to get sensor."), 6, "the manager, which is asked for all the same"},
+      {"ALooper_prepare", -ENOMEM, kConnected, Error(kTag, "Failed to prepare an event looper."), 5,
        "the sensor"},
-      {"ASensorManager_createEventQueue",
-       -ENOMEM,
-       {kConnected, Error(kTag, "Failed to create an event queue.")},
-       4,
-       "the looper, too"},
-      {"ASensorEventQueue_registerSensor",
-       -EINVAL,
-       {kConnected, Error(kTag, "StartSampling: Failed to register sensor, err=-22.")},
-       3,
-       "the queue, too"},
+      {"ASensorManager_createEventQueue", -ENOMEM, kConnected,
+       Error(kTag, "Failed to create an event queue."), 4, "the looper, too"},
+      {"ASensorEventQueue_registerSensor", -EINVAL, kConnected,
+       Error(kTag, "StartSampling: Failed to register sensor, err=-22."), 3, "the queue, too"},
   };
   for (const auto& test : kCases) {
     SCOPED_TRACE(test.function);
     fp_host::SetSensorFault({.function = test.function, .calls = 1});
     EXPECT_EQ(test.status, Monitor().StartSampling());
-    EXPECT_EQ(test.log, TakeLog());
+    EXPECT_LOG(test.connection, test.reason);
     TakeCalls();
     EXPECT_EQ(0, Monitor().StartSampling());
     EXPECT_EQ(test.calls_of_retry, MyCalls().size()) << "kept: " << test.kept;
-    // The next case begins with a new service and a new instance.
     fp_host::RestartSensorService();
     AlsMonitor::OnSystemServerDeath();
     TakeLog();
   }
 }
 
-// Without a manager nothing is known of the service: all operations say so, and what they had goes
-// on once the same manager is back.
+// Every operation fails while there is no manager. Sampling goes on once the same manager is back.
 TEST_F(AlsMonitorTest, MissingManagerLosesNothing) {
   StartQuietly();
   SetLux(10);
@@ -162,7 +148,7 @@ TEST_F(AlsMonitorTest, DrainsInBatchesAndKeepsTheNewest) {
   } kCases[] = {
       {1, {"1"}, "one"},
       {15, {"15"}, "not quite a batch"},
-      {16, {"16", "0"}, "a full batch says nothing about the rest"},
+      {16, {"16", "0"}, "after a full batch there may be more"},
       {17, {"16", "1"}, "one more than a batch"},
       {40, {"16", "16", "8"}, "several"},
       {0, {"0"}, "a steady light sends no event"},
@@ -199,12 +185,12 @@ TEST_F(AlsMonitorTest, PollErrorEndsTheDrainButKeepsTheSample) {
   EXPECT_EQ(kUntouched, Light(UNKNOWN_ERROR));
   EXPECT_LOG(kPollError);
   fp_host::SetSensorFault({.function = "ASensorEventQueue_getEvents", .calls = 1});
-  EXPECT_EQ(5, Light()) << "seen before the error; a negative count is an empty queue";
+  EXPECT_EQ(5, Light()) << "read before the error; a negative count means an empty queue";
 
   SetLux(6);
   ALooper_wake(ALooper_forThread());
   std::thread([] { ALooper_pollOnce(0, nullptr, nullptr, nullptr); }).join();
-  EXPECT_EQ(6, Light()) << "whatever the poll returns, the queue is looked at";
+  EXPECT_EQ(6, Light()) << "the queue is read whatever the poll returns";
 }
 
 TEST_F(AlsMonitorTest, LastEventOfABatchCountsWhateverItsType) {
@@ -218,7 +204,7 @@ TEST_F(AlsMonitorTest, LastEventOfABatchCountsWhateverItsType) {
   EXPECT_EQ(2, Light());
 }
 
-TEST_F(AlsMonitorTest, RefusalLeavesSamplingAsItWas) {
+TEST_F(AlsMonitorTest, FailedCallsLeaveSamplingAsItWas) {
   StartQuietly();
   SetLux(1);
   fp_host::SetSensorFault({.function = "ASensorEventQueue_registerSensor"});
@@ -231,7 +217,7 @@ TEST_F(AlsMonitorTest, RefusalLeavesSamplingAsItWas) {
   Light(UNKNOWN_ERROR);
 }
 
-// The handles of the old service dangle: touching one would abort.
+// The old service's handles are invalid: a call with one aborts.
 TEST_F(AlsMonitorTest, NewManagerHandleMeansStopped) {
   StartQuietly();
   SetLux(20);
@@ -249,7 +235,7 @@ TEST_F(AlsMonitorTest, NewManagerHandleMeansStopped) {
   EXPECT_EQ(20, Light()) << "the sample is kept";
 }
 
-TEST_F(AlsMonitorTest, DeathOfTheSystemServerBeginsAnew) {
+TEST_F(AlsMonitorTest, DeathOfTheSystemServerDropsTheInstance) {
   AlsMonitor::OnSystemServerDeath();
   EXPECT_LOG(Info(kTag, "system server died.")) << "without an instance";
   StartQuietly();
@@ -263,8 +249,8 @@ TEST_F(AlsMonitorTest, DeathOfTheSystemServerBeginsAnew) {
   EXPECT_LOG(Info(kTag, "system server died."), kConnected, kStarted);
 }
 
-// The service's thread is about to enter an operation as another hears of the death.
-TEST_F(AlsMonitorTest, OldPointerFailsAndIsNotFollowed) {
+// A thread may hold the pointer while another reports the death of the system server.
+TEST_F(AlsMonitorTest, OperationsOfADroppedInstanceFail) {
   AlsMonitor* const old = AlsMonitor::GetInstance();
   StartQuietly();
   AlsMonitor::OnSystemServerDeath();

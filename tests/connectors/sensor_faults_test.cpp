@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The clients of the sensor service while it fails: every operation with every fault at every call
-// that it makes, and recovery from each.
+// Every operation of the sensor service's clients meets every fault in each of the platform calls
+// that it makes, and the clients recover from it.
 #include <atomic>
 #include <cerrno>
 #include <map>
@@ -23,67 +23,58 @@ struct Operation {
   const char* name;
   void (*prepare)(SensorClients&);
   int (*run)(SensorClients&);
-  // The answer while there is no service and the clients have heard of it.
-  int without_service;
+  int without_service;  // its result while there is no service, once the clients were told
 };
 
 void Nothing(SensorClients& /*clients*/) {}
 void SampleLight(SensorClients& clients) { clients.Listener().StartSampling(kLight); }
 void StartMonitor(SensorClients& clients) { clients.Monitor().StartSampling(); }
+void StartMonitorInLight(SensorClients& clients) {
+  StartMonitor(clients);
+  SetLux(1);
+}
 
 const Operation kOperations[] = {
     {"listener starts", Nothing,
-     [](SensorClients& clients) { return clients.Listener().StartSampling(kLight); }, -ENOMEM},
+     [](auto& clients) { return clients.Listener().StartSampling(kLight); }, -ENOMEM},
     {"listener starts another", SampleLight,
-     [](SensorClients& clients) { return clients.Listener().StartSampling(kLongPress); }, -ENOMEM},
+     [](auto& clients) { return clients.Listener().StartSampling(kLongPress); }, -ENOMEM},
     {"listener stops", SampleLight,
-     [](SensorClients& clients) { return clients.Listener().StopSampling(kLight); }, 0},
+     [](auto& clients) { return clients.Listener().StopSampling(kLight); }, 0},
     {"listener delivers", SampleLight,
-     [](SensorClients& clients) {
+     [](auto& clients) {
        SetLux(1);
        return !clients.Listener().IsAnySamplerStarted() || Eventually(IsWorkerIdle) ? 0 : -1;
      },
      0},
-    {"listener hears of the death", SampleLight,
-     [](SensorClients& clients) {
+    {"listener is told of the death", SampleLight,
+     [](auto& clients) {
        clients.Listener().OnSystemServerDeath();
        return 0;
      },
      0},
     {"listener is destroyed", SampleLight,
-     [](SensorClients& clients) {
+     [](auto& clients) {
        clients.DestroyListener();
        return 0;
      },
      0},
-    {"monitor starts", Nothing,
-     [](SensorClients& clients) { return clients.Monitor().StartSampling(); }, -ENOMEM},
-    {"monitor starts again", StartMonitor,
-     [](SensorClients& clients) { return clients.Monitor().StartSampling(); }, -ENOMEM},
-    {"monitor stops", StartMonitor,
-     [](SensorClients& clients) { return clients.Monitor().StopSampling(); }, -ENOMEM},
-    {"monitor connects", Nothing,
-     [](SensorClients& clients) {
-       return clients.Monitor().ConnectSensorManagerIfNeeded() ? 0 : -ENOMEM;
-     },
+    {"monitor starts", Nothing, [](auto& clients) { return clients.Monitor().StartSampling(); },
      -ENOMEM},
-    {"monitor reads",
-     [](SensorClients& clients) {
-       clients.Monitor().StartSampling();
-       SetLux(1);
-     },
-     [](SensorClients& clients) { return clients.ReadMonitor(); }, -ENOMEM},
-    {"monitor hears of the death", StartMonitor,
-     [](SensorClients& /*clients*/) {
-       AlsMonitor::OnSystemServerDeath();
-       return 0;
-     },
-     0},
+    {"monitor starts again", StartMonitor,
+     [](auto& clients) { return clients.Monitor().StartSampling(); }, -ENOMEM},
+    {"monitor stops", StartMonitor, [](auto& clients) { return clients.Monitor().StopSampling(); },
+     -ENOMEM},
+    {"monitor connects", Nothing,
+     [](auto& clients) { return clients.Monitor().ConnectSensorManagerIfNeeded() ? 0 : -ENOMEM; },
+     -ENOMEM},
+    {"monitor reads", StartMonitorInLight, [](auto& clients) { return clients.ReadMonitor(); },
+     -ENOMEM},
 };
 
-// What an operation answers if that call of it fails; others do not change the answer.
-int AnswerAfterFailure(const std::string& function, int normal) {
-  static const std::map<std::string, int> kAnswers = {
+// The result of an operation in which `function` fails. Most functions do not change it.
+int ResultAfterFailure(const std::string& function, int normal) {
+  static const std::map<std::string, int> kResults = {
       {"ASensorManager_getInstanceForPackage", -ENOMEM},
       {"ASensorManager_getSensorList", -ENOMEM},
       {"ASensorManager_getDefaultSensor", UNEXPECTED_NULL},
@@ -92,13 +83,13 @@ int AnswerAfterFailure(const std::string& function, int normal) {
       {"ALooper_prepare", -ENOMEM},
       {"ASensorEventQueue_registerSensor", -EINVAL},
   };
-  const auto found = kAnswers.find(function);
-  return found == kAnswers.end() ? normal : found->second;
+  const auto found = kResults.find(function);
+  return found == kResults.end() ? normal : found->second;
 }
 
 class SensorFaultsTest : public SensorTest {
  protected:
-  // Fresh clients before the operation, with a fresh service.
+  // Makes new clients with a new service, as they are before the operation.
   void Prepare(const Operation& operation) {
     clients_.reset();
     RepairSensorService();
@@ -110,8 +101,8 @@ class SensorFaultsTest : public SensorTest {
     TakeLog();
   }
 
-  // The operation on time, the service whole again, the clients told: everything works, and no
-  // handle of the old service is touched any more.
+  // Runs the operation, which has to return in time. Then the clients are told of the service's
+  // death: they make no more calls with old handles and work with the new service.
   int RunAndRecover(const Operation& operation) {
     int answer = 0;
     RunBounded(case_, [&] { answer = operation.run(*clients_); });
@@ -126,7 +117,7 @@ class SensorFaultsTest : public SensorTest {
     return answer;
   }
 
-  // The functions that the operation calls when nothing is wrong.
+  // The platform functions that the operation calls when nothing fails.
   std::set<std::string> FunctionsOf(const Operation& operation, int& answer) {
     Prepare(operation);
     answer = Run(operation);
@@ -137,7 +128,7 @@ class SensorFaultsTest : public SensorTest {
     return functions;
   }
 
-  // Calls `check` with the operation, each function that it calls and its answer.
+  // Calls `check` with each operation, each function that it calls and its normal result.
   template <typename Check>
   void ForEachCall(Check check) {
     int cases = 0;
@@ -159,7 +150,7 @@ class SensorFaultsTest : public SensorTest {
     return answer;
   }
 
-  // The listener is told of it, the monitor finds out.
+  // Tells the listener; the monitor notices by itself.
   void StopService(fp_host::WhileDown while_down) {
     fp_host::StopSensorService(while_down);
     clients_->HearOfDeath();
@@ -177,13 +168,13 @@ TEST_F(SensorFaultsTest, RefusedCalls) {
     fp_host::SetSensorFault({.function = function, .calls = 1});
     const bool reads_nothing =
         function == "ASensorEventQueue_getEvents" && operation.name == std::string("monitor reads");
-    EXPECT_EQ(reads_nothing ? -EINVAL : AnswerAfterFailure(function, normal),
+    EXPECT_EQ(reads_nothing ? -EINVAL : ResultAfterFailure(function, normal),
               RunAndRecover(operation));
   });
   EXPECT_EQ(0, fp_host::GetDeadHandleUses());
 }
 
-TEST_F(SensorFaultsTest, SlowAnswersAreWaitedFor) {
+TEST_F(SensorFaultsTest, SlowCallsAreWaitedFor) {
   ForEachCall([this](const Operation& operation, const std::string& function, int normal) {
     Prepare(operation);
     const auto gate = std::make_shared<Gate>();
@@ -199,21 +190,21 @@ TEST_F(SensorFaultsTest, SlowAnswersAreWaitedFor) {
   });
 }
 
-// As a call comes in or as its result is on its way, for good or with another in its place at once.
-// The client cannot know yet; nothing after it was told may touch what is gone.
-TEST_F(SensorFaultsTest, ServiceGoesDuringACall) {
+// The service dies before or after a call has done its work, and restarts at once or does not.
+// Until the client is told, it may still use the old handles.
+TEST_F(SensorFaultsTest, ServiceDiesDuringACall) {
   fp_host::CountDeadHandleUses();
   for (const int kind : {0, 1, 2, 3}) {
     ForEachCall([&](const Operation& operation, const std::string& function, int normal) {
       Prepare(operation);
       const auto gone = std::make_shared<std::atomic<bool>>(false);
-      const auto strike_once = [gone, comes_back = kind % 2 == 1] {
+      const auto die_once = [gone, restarts = kind % 2 == 1] {
         if (!gone->exchange(true)) {
-          comes_back ? fp_host::RestartSensorService() : fp_host::StopSensorService();
+          restarts ? fp_host::RestartSensorService() : fp_host::StopSensorService();
         }
       };
-      kind < 2 ? fp_host::OnSensorCall(function, strike_once)
-               : fp_host::OnSensorCall(function, nullptr, strike_once);
+      kind < 2 ? fp_host::OnSensorCall(function, die_once)
+               : fp_host::OnSensorCall(function, nullptr, die_once);
       const int answer = RunAndRecover(operation);
       const std::set<int> kDefined = {normal, -ENOMEM, UNEXPECTED_NULL, UNKNOWN_ERROR, -EINVAL};
       EXPECT_TRUE(kDefined.count(answer) == 1) << answer;
@@ -221,7 +212,7 @@ TEST_F(SensorFaultsTest, ServiceGoesDuringACall) {
   }
 }
 
-TEST_F(SensorFaultsTest, ServiceIsGoneOrComingUp) {
+TEST_F(SensorFaultsTest, ServiceIsDownOrStarting) {
   for (const Operation& operation : kOperations) {
     case_ = operation.name;
     SCOPED_TRACE(case_);

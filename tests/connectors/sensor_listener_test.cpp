@@ -52,7 +52,7 @@ TEST_F(SensorListenerTest, ConnectsAtTheFirstStart) {
             MyCalls());
 
   fp_host::SetSensorFault({.function = "ASensorEventQueue_disableSensor"});
-  EXPECT_EQ(0, listener_->StopSampling(kLight)) << "whatever the platform says";
+  EXPECT_EQ(0, listener_->StopSampling(kLight)) << "even if the platform fails";
   EXPECT_TRUE(listener_->IsAnySamplerStarted());
   EXPECT_EQ(0, listener_->StopSampling(kLongPress));
   EXPECT_EQ(0, listener_->StopSampling(kLongPress));
@@ -66,36 +66,31 @@ TEST_F(SensorListenerTest, ConnectsAtTheFirstStart) {
 TEST_F(SensorListenerTest, FailedConnectIsRetriedFromWhereItStopped) {
   const struct {
     const char* function;
-    std::vector<LogLine> log;  // ahead of kNoConnection
-    size_t calls_of_retry;     // of the twelve that a whole connect and registration makes
+    bool has_list;
+    const char* reason;
+    size_t calls_of_retry;  // of the twelve that a whole connect and registration makes
     const char* kept;
   } kCases[] = {
-      {"ASensorManager_getInstanceForPackage",
-       {Error(kTag, "Failed to get sensor manager.")},
-       10,
+      {"ASensorManager_getInstanceForPackage", false, "Failed to get sensor manager.", 10,
        "nothing"},
-      {"ASensorManager_getSensorList",
-       {Error(kTag, "Failed to get sensor list (0).\n")},
-       10,
+      {"ASensorManager_getSensorList", false, "Failed to get sensor list (0).\n", 10,
        "by the manager, an empty list"},
-      {"ALooper_prepare",
-       {kCount, kFoundLight, kFoundLongPress, Error(kTag, "Failed to prepare an event looper.")},
-       10,
-       "nothing"},
-      {"ASensorManager_createEventQueue",
-       {kCount, kFoundLight, kFoundLongPress, Error(kTag, "Failed to create an event queue.")},
-       9,
+      {"ALooper_prepare", true, "Failed to prepare an event looper.", 10, "nothing"},
+      {"ASensorManager_createEventQueue", true, "Failed to create an event queue.", 9,
        "the looper"},
   };
-  for (auto test : kCases) {
+  for (const auto& test : kCases) {
     SCOPED_TRACE(test.function);
     listener_.reset();
     fp_host::RestartSensorService();
     Create();
     fp_host::SetSensorFault({.function = test.function, .calls = 1});
     EXPECT_EQ(-ENOMEM, listener_->StartSampling(kLight));
-    test.log.push_back(kNoConnection);
-    EXPECT_EQ(test.log, TakeLog());
+    std::vector<LogLine> log = {Error(kTag, test.reason), kNoConnection};
+    if (test.has_list) {
+      log.insert(log.begin(), {kCount, kFoundLight, kFoundLongPress});
+    }
+    EXPECT_EQ(log, TakeLog());
     EXPECT_FALSE(listener_->IsAnySamplerStarted());
     if (test.function == std::string("ASensorManager_getSensorList")) {
       EXPECT_EQ(-ENOMEM, listener_->StartSampling(kLight));
@@ -115,8 +110,7 @@ TEST_F(SensorListenerTest, WorkerThatCannotBeStartedIsTriedAgain) {
   androidSetCreateThreadFunc(androidCreateRawThreadEtc);
   EXPECT_LOG(kCount, kFoundLight, kFoundLongPress,
              Error(kTag, "Failed to start the polling worker."), kNoConnection);
-  EXPECT_EQ(fp_host::SensorUsage(), fp_host::GetSensorUsage())
-      << "nobody would give the queue back";
+  EXPECT_EQ(fp_host::SensorUsage(), fp_host::GetSensorUsage()) << "the queue is destroyed at once";
   EXPECT_EQ(0, listener_->StartSampling(kLight));
   EXPECT_TRUE(Eventually(IsWorkerIdle));
 }
@@ -162,8 +156,8 @@ TEST_F(SensorListenerTest, UnknownTypesAreRefused) {
   EXPECT_EQ(Texts{}, MyCalls());
 }
 
-// A batch that is full is followed by a poll, which waits for the next event: the signal of those
-// that are still queued is spent.
+// After a full batch the worker polls again and waits for the next event, although events are
+// queued: the looper has signalled them already.
 TEST_F(SensorListenerTest, FetchesBatchesOfSixteen) {
   StartQuietly();
   const struct {
@@ -175,7 +169,7 @@ TEST_F(SensorListenerTest, FetchesBatchesOfSixteen) {
       {15, 15, {"= -2", "= 15"}, "not full"},
       {16, 31, {"= -2", "= 16"}, "full, and polls again"},
       {40, 47, {"= -2", "= 16"}, "24 stay in the queue"},
-      {1, 63, {"= -2", "= 16"}, "till the next event: full again"},
+      {1, 63, {"= -2", "= 16"}, "until the next event: full again"},
       {1, 73, {"= -2", "= 10"}, "and the rest"},
   };
   int sent = 0;
@@ -220,7 +214,7 @@ TEST_F(SensorListenerTest, DispatchesByTypeAlone) {
   EXPECT_EQ(1, lights_) << "events of neither type are dropped";
   EXPECT_EQ(1, long_presses_);
   listener_->ProcessSensorEvent(events[1]);
-  EXPECT_EQ(2, lights_) << "an event handed in by hand goes the same way";
+  EXPECT_EQ(2, lights_) << "a direct call dispatches, too";
 }
 
 TEST_F(SensorListenerTest, OneTypeForBothSensorsReachesBothCallbacks) {
@@ -252,7 +246,7 @@ TEST_F(SensorListenerTest, PollErrorIsLoggedAndPolledAgain) {
   EXPECT_TRUE(AwaitLights(1));
 
   EXPECT_TRUE(Eventually(IsWorkerIdle));
-  listener_->OnSystemServerDeath();  // leaves the looper to this thread
+  listener_->OnSystemServerDeath();  // ends the worker, so that only this thread polls
   fp_host::SetSensorFault(
       {.function = "ALooper_pollOnce", .result = ALOOPER_POLL_ERROR, .calls = 1});
   EXPECT_EQ(UNKNOWN_ERROR, listener_->PollSensorEvent());
