@@ -19,9 +19,9 @@ namespace android::fp_utils {
 //
 // Threading:  every operation locks. Call StartSampling() and GetLight() on the same thread: the
 //             platform's looper may be one per thread.
-// Ownership:  the class owns the instance. OnSystemServerDeath() deletes it; an operation on the
-//             old pointer that was waiting for the lock fails as without a connection. Later
-//             operations need a new GetInstance().
+// Ownership:  the class owns the instance. OnSystemServerDeath() deletes it. An operation that is
+//             then waiting for the lock fails as if there were no connection; later ones need a
+//             new GetInstance().
 // Blocking:   every operation waits for the sensor service while it is being started. GetLight()
 //             reads everything that has arrived since the last call, 16 events per poll of up to
 //             1 ms, with the lock held. Nothing bounds the number of events that wait: call
@@ -30,29 +30,29 @@ namespace android::fp_utils {
 // Units:      lux.
 class FP_UTILS_EXPORT AlsMonitor {
  public:
-  // Made on first use and after the system server has died; never null.
+  // Creates the instance on first use and again after the system server has died; never null.
   static AlsMonitor* GetInstance();
 
-  // Deletes the instance. Does not destroy its queue, which is gone with the sensor service.
+  // Deletes the instance, but not its queue, which is gone with the sensor service.
   static void OnSystemServerDeath();
 
   AlsMonitor(const AlsMonitor&) = delete;
   AlsMonitor& operator=(const AlsMonitor&) = delete;
 
-  // 0; -ENOMEM without sensor manager, looper or queue; UNEXPECTED_NULL without a light sensor;
-  // else the status of the platform's refusal. Registers again if sampling already.
+  // Returns 0; -ENOMEM without sensor manager, looper or queue; UNEXPECTED_NULL without a light
+  // sensor; else the platform's error. Registers again if it is sampling already.
   int StartSampling();
 
-  // 0, or -ENOMEM without sensor manager.
+  // Returns 0, or -ENOMEM without sensor manager.
   int StopSampling();
 
-  // 0 and the newest light value. While the light is steady there are no events and the value is
-  // the one of an earlier call. -ENOMEM without sensor manager, UNKNOWN_ERROR when not sampling or
-  // after a poll error, -EINVAL when there was no event yet or `lux` is null.
+  // Returns 0 and stores the newest light value, which is that of an earlier call if no event came
+  // because the light is steady. Returns -ENOMEM without sensor manager, UNKNOWN_ERROR when not
+  // sampling or after a poll error, -EINVAL before the first event or if `lux` is null.
   int GetLight(float* lux);
 
-  // Asks for the sensor manager. If it is another one than before, the sensor service was restarted
-  // and sampling has stopped.
+  // Gets the sensor manager; false without one. A different one than before means that the sensor
+  // service was restarted and sampling has stopped.
   bool ConnectSensorManagerIfNeeded();
 
  private:

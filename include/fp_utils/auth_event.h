@@ -12,21 +12,21 @@
 
 namespace android::fp_utils {
 
-// One authentication attempt as the service saw it. Created by AuthStats::CreateAttempt(), filled
-// by the service, held by shared ownership in the history and printed in its dump.
+// One authentication attempt. Created by AuthStats::CreateAttempt(), filled by the service, shared
+// with the history and printed in its dump.
 //
-// Threading:  not locked. A record that a history holds must no longer be changed while the
-//             history saves or dumps on another thread.
-// Errors:     formatting never fails, text beyond the stated buffer is cut. Parsing logs and
-//             returns false.
+// Threading:  not locked. Do not change a record while a history that holds it saves or dumps on
+//             another thread.
+// Errors:     formatting never fails; text beyond the stated length is cut. Parsing logs a failure
+//             and returns false.
 // Units:      timestamp in seconds since the epoch; the service defines those of latency and iq.
 class FP_UTILS_EXPORT AuthEvent {
  public:
-  // The value of acquired_info for an image that was good enough to be matched. Only such attempts
-  // count in the statistics.
+  // The acquired_info of an image that was good enough to be matched. Only such attempts count in
+  // the statistics.
   static constexpr int8_t kAcquiredGood = 1;
 
-  // Everything is 0 but the timestamp, which is the current time.
+  // The timestamp is the current time; everything else is 0.
   AuthEvent();
   virtual ~AuthEvent();
 
@@ -37,12 +37,12 @@ class FP_UTILS_EXPORT AuthEvent {
   // The record text of the backup file, one line without newline.
   virtual std::string ToBackupString() const;
 
-  // Takes the fields of a record text into this record and removes them from `text`, so that a
-  // derived class finds its own part at the front. After a failure `text` is unchanged, but the
-  // fields that converted before the damage may have been taken.
+  // Parses a record text and removes the parsed fields from `text`, so that a derived class finds
+  // its own part at the front. After a failure `text` is unchanged, but fields before the damage
+  // may have been stored.
   virtual bool LoadFromBackupString(std::string& text);
 
-  // Tells the histories which kind of record this is.
+  // The name by which the histories tell kinds of records apart.
   virtual std::string GetClassName();
 
   // The timestamp as "YYYY-MM-DD hh:mm:ss" in the process's time zone.
@@ -51,7 +51,7 @@ class FP_UTILS_EXPORT AuthEvent {
   time_t timestamp;
   int8_t acquired_info = 0;  // the platform's AcquiredInfo; see kAcquiredGood
   bool auth_successful = false;
-  int32_t fid = 0;      // finger that matched, or that the service reports
+  int32_t fid = 0;      // finger that matched, or the one that the service reports
   int32_t latency = 0;  // duration of the attempt
   int32_t iq = 0;       // image quality score
 };
@@ -64,19 +64,18 @@ class FP_UTILS_EXPORT AuthEventG7 : public AuthEvent {
   AuthEventG7();
   ~AuthEventG7() override;
 
-  // The base text and the diagnostics that belong to the outcome.
+  // The base text followed by the diagnostics that apply to the outcome.
   std::string ToDebugString() const override;
 
-  // The floats are written with two decimals and come back rounded to them.
+  // The floats are written with two decimals, so a load returns them rounded.
   std::string ToBackupString() const override;
 
-  // Removes the part of AuthEvent from `text`, also where its own part then fails, and leaves its
-  // own.
+  // Removes only the fields of AuthEvent from `text`, even if its own part then fails.
   bool LoadFromBackupString(std::string& text) override;
   std::string GetClassName() override;
 
-  // "reason:" and the likeliest cause of a failed match, from `rc` or, where that says nothing,
-  // from the packed metrics.
+  // "reason:" and the most likely cause of a failed match: from `rc`, or from the packed metrics if
+  // `rc` does not name one.
   std::string GetAuthFailureReason() const;
 
   float t_cov = 0;   // touch coverage of the sensor, percent
@@ -84,7 +83,7 @@ class FP_UTILS_EXPORT AuthEventG7 : public AuthEvent {
   uint32_t lptw = 0;
   uint32_t rc = 0;            // matcher result, 0 = no failure
   int32_t rawmean_delta = 0;  // raw-image mean difference, also steers DynamicExposure
-  // Quality triples, packed as A * 1000000 + B * 1000 + C; of the third only A is used.
+  // Three quality values each, packed as A * 1000000 + B * 1000 + C. Only A of the third is used.
   int32_t packed_metric_1 = 0;
   int32_t packed_metric_2 = 0;
   int32_t packed_metric_3 = 0;

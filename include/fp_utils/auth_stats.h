@@ -15,16 +15,16 @@ namespace android::fp_utils {
 
 class BackupContent;
 
-// A bounded history of authentication attempts, oldest first, with running statistics over exactly
-// the records that it holds. Kept across restarts in the file AuthStats.<name> of kBackupDir.
+// A bounded history of authentication attempts, oldest first, with running statistics over the
+// records that it holds. Kept across restarts in the file AuthStats.<name> in kBackupDir.
 //
 // Use: construct, Init() once before sharing the object, then AddAttempt() per attempt.
 //
 // Threading:  AddAttempt() locks. All other operations take no lock: call them while no
 //             AddAttempt() runs.
 // Ownership:  records are shared with the caller.
-// Blocking:   Init() reads the file, an AddAttempt() that saves rewrites it.
-// Errors:     logged; the history in memory stays as it is and in use.
+// Blocking:   Init() reads the file; an AddAttempt() that saves rewrites it.
+// Errors:     logged; the history in memory stays unchanged and usable.
 // Units:      frr in percent.
 class FP_UTILS_EXPORT AuthStats {
  public:
@@ -38,37 +38,37 @@ class FP_UTILS_EXPORT AuthStats {
   AuthStats(const AuthStats&) = delete;
   AuthStats& operator=(const AuthStats&) = delete;
 
-  // Creates the directory, loads the file through AddAttempt() and from then on lets adds save.
-  // Runs again only after Reset().
+  // Creates the directory, loads the file through AddAttempt() and enables saving. Call it again
+  // only after Reset().
   virtual void Init();
 
-  // Forgets all records and the path of the file: nothing is saved until Init() runs again.
+  // Clears all records and the path of the file: nothing is saved until Init() runs again.
   virtual void Reset();
 
-  // Records one attempt, dropping the oldest if the history is full. The file is rewritten after
-  // a success, and after every reject from the fifth in a row on; the row is counted over all
-  // histories of the process that have a file. From then on the record's fields must not change:
-  // dropping it takes them out of the statistics again.
+  // Records one attempt, dropping the oldest if the history is full. Rewrites the file after a
+  // success, and after every reject from the fifth in a row on. The row is counted over all
+  // histories of the process that have a file. Do not change the record afterwards: its fields are
+  // subtracted from the statistics when it is dropped.
   virtual void AddAttempt(std::shared_ptr<AuthEvent> event);
 
   // The statistics in one line.
   virtual std::string ToDebugString();
 
-  // The two halves of AddAttempt(): append a record, not null, to history and statistics, and take
-  // the oldest out of them; null from an empty history.
+  // The steps of AddAttempt(): append a record, which must not be null, to history and statistics,
+  // and remove the oldest from both. PopAttempt() returns null if the history is empty.
   virtual void PushAttempt(std::shared_ptr<AuthEvent> event);
   virtual std::shared_ptr<AuthEvent> PopAttempt();
 
   // A new record of the kind that this history keeps.
-  virtual std::shared_ptr<AuthEvent> CreateAttempt();
+  [[nodiscard]] virtual std::shared_ptr<AuthEvent> CreateAttempt();
 
-  // What Init() and AddAttempt() run, one at a time. Loading an initialized history would save
-  // while it reads.
+  // Called by Init() and AddAttempt(), never both at once. Do not load an initialized history: its
+  // adds would overwrite the file that is being read.
   void LoadAttemptsFromBackupFile();
   void SaveAttemptsToBackupFile() const;
 
   // Writes the statistics and every record to `fd`, which stays open. The arguments are not used.
-  void Dump(int fd, char const** args, unsigned int num_args);
+  void Dump(int fd, const char** args, unsigned int num_args);
 
   const std::string& GetName() const { return name; }
   const std::string& GetBackupPath() const { return backup_path; }
@@ -79,7 +79,7 @@ class FP_UTILS_EXPORT AuthStats {
   uint32_t GetAuthRejects() const { return auth_rejects; }
   float GetAvgIq() const { return avg_iq; }
 
-  // Rejected share of the matching attempts in percent; 0 when there were none.
+  // The share of rejects among the attempts with a good image, in percent; 0 if there were none.
   float GetFrr() const;
 
  private:
@@ -102,12 +102,12 @@ class FP_UTILS_EXPORT AuthStats {
   float avg_iq = 0;
   bool initialized = false;
 
-  // What the last save wrote, for the next one. Used by SaveAttemptsToBackupFile() alone.
+  // The content of the last save. Used only by SaveAttemptsToBackupFile().
   const std::unique_ptr<BackupContent> backup_content;
 };
 
-// The history of AuthEventG7 records: admits no other kind and keeps their average raw mean delta.
-// Same file name, threading and errors as AuthStats.
+// The history of AuthEventG7 records. It rejects other kinds and keeps the average raw mean delta.
+// File name, threading and errors are those of AuthStats.
 class FP_UTILS_EXPORT AuthStatsG7 : public AuthStats {
  public:
   using AuthStats::AuthStats;
@@ -118,7 +118,7 @@ class FP_UTILS_EXPORT AuthStatsG7 : public AuthStats {
   std::string ToDebugString() override;
   void PushAttempt(std::shared_ptr<AuthEvent> event) override;
   std::shared_ptr<AuthEvent> PopAttempt() override;
-  std::shared_ptr<AuthEvent> CreateAttempt() override;
+  [[nodiscard]] std::shared_ptr<AuthEvent> CreateAttempt() override;
 
   float GetAvgRawmeanDelta() const { return avg_rawmean_delta; }
 

@@ -12,7 +12,7 @@
 
 namespace android::fp_utils {
 
-// One critical error of the service, recorded at the moment of its construction.
+// One critical error of the service. Its time is that of its construction.
 class FP_UTILS_EXPORT ErrorEvent {
  public:
   explicit ErrorEvent(std::string message);
@@ -34,7 +34,7 @@ class FP_UTILS_EXPORT ErrorEvent {
 // Ownership:  events are shared with the caller.
 class FP_UTILS_EXPORT CriticalErrors {
  public:
-  // The instance of the process, made on first use and never destroyed.
+  // The process-wide instance, created on first use and never destroyed.
   static CriticalErrors& GetInstance();
 
   CriticalErrors();
@@ -42,12 +42,12 @@ class FP_UTILS_EXPORT CriticalErrors {
   CriticalErrors(const CriticalErrors&) = delete;
   CriticalErrors& operator=(const CriticalErrors&) = delete;
 
-  // Adds an event, dropping the oldest if 100 are held. Equal errors are kept apart; null is
-  // ignored with an error in the log.
+  // Adds an event, dropping the oldest if 100 are held. Equal errors are not merged. Logs and
+  // ignores null.
   virtual void AddErrorEvent(std::shared_ptr<ErrorEvent> event);
 
   // Writes every event to `fd`, which stays open. The arguments are not used.
-  void Dump(int fd, char const** args, unsigned int num_args);
+  void Dump(int fd, const char** args, unsigned int num_args);
 
  private:
   std::deque<std::shared_ptr<ErrorEvent>> events FP_GUARDED_BY(mutex);

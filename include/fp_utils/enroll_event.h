@@ -11,39 +11,39 @@
 
 namespace android::fp_utils {
 
-// One enrollment operation of the service: a finger was added, successfully or not, or deleted.
-// Filled by the service, held by shared ownership in the container and printed in its dump.
+// One enrollment operation of the service: an attempt to add a finger, or a deletion. Filled by the
+// service, shared with the container and printed in its dump.
 //
-// Threading:  not locked. A record that a container holds must no longer be changed while the
-//             container saves or dumps on another thread.
-// Errors:     formatting never fails, text beyond the stated buffer is cut. Parsing logs and
-//             returns false.
+// Threading:  not locked. Do not change a record while a container that holds it saves or dumps on
+//             another thread.
+// Errors:     formatting never fails; text beyond the stated length is cut. Parsing logs a failure
+//             and returns false.
 // Units:      timestamp in seconds since the epoch.
 class FP_UTILS_EXPORT EnrollEvent {
  public:
   static constexpr uint32_t kOpAdd = 0;
   static constexpr uint32_t kOpDelete = 1;
 
-  // Everything is 0 but the timestamp, which is the current time.
+  // The timestamp is the current time; everything else is 0.
   EnrollEvent();
   virtual ~EnrollEvent();
 
-  // One line for the dump, at most 255 characters: the local time, then what was done.
+  // One line for the dump, at most 255 characters: the local time, then the operation.
   virtual std::string ToDebugString() const;
 
   // The record text of the backup file, one line without newline.
   virtual std::string ToBackupString() const;
 
-  // Takes the fields of a record text into this record and removes them from `text`, so that a
-  // derived class finds its own part at the front. After a failure `text` is unchanged, but the
-  // fields that converted before the damage may have been taken.
+  // Parses a record text and removes the parsed fields from `text`, so that a derived class finds
+  // its own part at the front. After a failure `text` is unchanged, but fields before the damage
+  // may have been stored.
   virtual bool LoadFromBackupString(std::string& text);
 
   // The timestamp as "YYYY-MM-DD hh:mm:ss" in the process's time zone.
   std::string GetLocalTime() const;
 
   time_t timestamp;
-  uint32_t op = kOpAdd;            // other values are kept but print nothing
+  uint32_t op = kOpAdd;            // other values are stored, but the dump names no operation
   bool enroll_successful = false;  // of an addition
   int32_t gid = 0;                 // group (user)
   int32_t fid = 0;                 // finger
@@ -60,17 +60,17 @@ class FP_UTILS_EXPORT EnrollEventG7 : public EnrollEvent {
   EnrollEventG7();
   ~EnrollEventG7() override;
 
-  // The base text and, for an addition, the quality data; the reason if it failed.
+  // The base text and `rc`; unless it is a deletion, also the quality data, and the reason of a
+  // failure.
   std::string ToDebugString() const override;
 
-  // The part beyond the base text is cut to 127 characters, which only extreme values reach.
+  // The part after the base text is cut to 127 characters, which only extreme values exceed.
   std::string ToBackupString() const override;
 
-  // Removes the part of EnrollEvent from `text`, also where its own part then fails, and leaves its
-  // own.
+  // Removes only the fields of EnrollEvent from `text`, even if its own part then fails.
   bool LoadFromBackupString(std::string& text) override;
 
-  // "reason:" and what `rc` says about a failed enrollment.
+  // "reason:" and the cause of a failed enrollment according to `rc`.
   std::string GetEnrollFailureReason() const;
 
   int32_t rc = 0;           // result code

@@ -14,16 +14,16 @@ namespace android::fp_utils {
 
 class BackupContent;
 
-// The last 50 enrollment events, oldest first, rewritten to the file EnrollEventContainer of
-// kBackupDir with every new one. All containers share that one file.
+// The last 50 enrollment events, oldest first. Every new event rewrites the file
+// EnrollEventContainer in kBackupDir, which all containers share.
 //
 // Use: construct, Init() once before sharing the object, then AddEvent() per operation.
 //
-// Threading:  AddEvent() and Dump() lock. Init() runs before the object is shared; loading and
-//             saving alone run while no AddEvent() does.
+// Threading:  AddEvent() and Dump() lock. Call Init() before the object is shared, and load or save
+//             only while no AddEvent() runs.
 // Ownership:  events are shared with the caller.
 // Blocking:   Init() reads the file, AddEvent() rewrites it.
-// Errors:     logged; the events in memory stay as they are and in use.
+// Errors:     logged; the events in memory stay unchanged and usable.
 class FP_UTILS_EXPORT EnrollEventContainer {
  public:
   static constexpr char kBackupDir[] = "/data/vendor/fingerprint/";
@@ -33,27 +33,27 @@ class FP_UTILS_EXPORT EnrollEventContainer {
   EnrollEventContainer(const EnrollEventContainer&) = delete;
   EnrollEventContainer& operator=(const EnrollEventContainer&) = delete;
 
-  // Creates the directory, loads the file and from then on lets adds save. `event_type` is the
-  // class of the records to load: "EnrollEventG7"; of any other type nothing can be loaded.
-  virtual void Init(char const* event_type);
+  // Creates the directory, loads the file and enables saving. `event_type` is the class of the
+  // records to load. It must be "EnrollEventG7"; with any other type nothing is loaded.
+  virtual void Init(const char* event_type);
 
-  // Adds an event, dropping the oldest if 50 are held. Null is ignored with an error in the log.
+  // Adds an event, dropping the oldest if 50 are held. Logs and ignores null.
   virtual void AddEvent(std::shared_ptr<EnrollEvent> event);
 
   // A new record of the type given to Init(), or null if that is unknown.
-  std::shared_ptr<EnrollEvent> CreateEvent();
+  [[nodiscard]] std::shared_ptr<EnrollEvent> CreateEvent();
 
-  // What Init() and AddEvent() run, one at a time. Loading an initialized container would save
-  // while it reads.
+  // Called by Init() and AddEvent(), never both at once. Do not load an initialized container: its
+  // adds would overwrite the file that is being read.
   void LoadEventsFromBackupFile();
   void SaveEventsToBackupFile() const;
 
   // Writes every event to `fd`, which stays open. The arguments are not used.
-  void Dump(int fd, char const** args, unsigned int num_args);
+  void Dump(int fd, const char** args, unsigned int num_args);
 
   const std::string& GetBackupPath() const { return backup_path; }
   bool IsInitialized() const { return initialized; }
-  // For the service's own use while no AddEvent() runs.
+  // Valid only while no AddEvent() runs.
   const std::deque<std::shared_ptr<EnrollEvent>>& GetEvents() const FP_NO_THREAD_SAFETY_ANALYSIS {
     return events;
   }
@@ -67,7 +67,7 @@ class FP_UTILS_EXPORT EnrollEventContainer {
   std::mutex mutex;
   bool initialized = false;
 
-  // What the last save wrote, for the next one. Used by SaveEventsToBackupFile() alone.
+  // The content of the last save. Used only by SaveEventsToBackupFile().
   const std::unique_ptr<BackupContent> backup_content;
 };
 

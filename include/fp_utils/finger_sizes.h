@@ -14,10 +14,10 @@ namespace android::fp_utils {
 
 class BackupContent;
 
-// One sample of a contact's size, held by shared ownership in the history.
+// One sample of the size of a contact, shared with the history.
 //
 // Threading:  not locked.
-// Errors:     parsing logs and returns false.
+// Errors:     parsing logs a failure and returns false.
 // Units:      sizes in panel units; saved with one decimal.
 class FP_UTILS_EXPORT FingerSize {
  public:
@@ -32,7 +32,7 @@ class FP_UTILS_EXPORT FingerSize {
   // The record text of the backup file, one line without newline.
   virtual std::string ToBackupString() const;
 
-  // Takes a record text, which stays as it is, into this sample.
+  // Parses a record text, which it does not change.
   virtual bool LoadFromBackupString(std::string& text);
 
   // The size along an axis; any axis but kMajor is the minor one.
@@ -44,34 +44,35 @@ class FP_UTILS_EXPORT FingerSize {
 };
 
 // A bounded history of finger sizes, oldest first, with percentiles. Kept across restarts in the
-// file FingerSizes.<name> of kBackupDir.
+// file FingerSizes.<name> in kBackupDir.
 //
-// Threading:  AddFinger() locks. Everything else takes no lock: call it while no AddFinger() runs.
+// Threading:  AddFinger() locks. All other operations take no lock: call them while no AddFinger()
+//             runs.
 // Ownership:  samples are shared with the caller.
-// Blocking:   the constructor reads the file, a saving AddFinger() rewrites it.
-// Errors:     logged; the samples in memory stay as they are and in use.
+// Blocking:   the constructor reads the file; an AddFinger() that saves rewrites it.
+// Errors:     logged; the samples in memory stay unchanged and usable.
 class FP_UTILS_EXPORT FingerSizes {
  public:
   static constexpr char kBackupDir[] = "/data/vendor/fingerprint/";
   static constexpr uint32_t kUnbounded = 0xFFFFFFFF;
 
-  // `max_fingers` is the capacity, kUnbounded for none; 0 keeps nothing. Without `backup_enabled`
-  // no file is ever read or written. Loads the file at once.
+  // Loads the file. `max_fingers` is the capacity, kUnbounded for none; 0 keeps nothing. Without
+  // `backup_enabled` no file is ever read or written.
   FingerSizes(std::string name, unsigned int max_fingers, bool backup_enabled);
   virtual ~FingerSizes();
   FingerSizes(const FingerSizes&) = delete;
   FingerSizes& operator=(const FingerSizes&) = delete;
 
-  // Forgets all samples and the path of the file: nothing is ever saved again. The counts by
-  // operation stay.
+  // Clears all samples and the path of the file: nothing is ever saved again. The counts by
+  // operation are kept.
   virtual void Reset();
 
   // Records one sample, dropping the oldest if the history is full; rewrites the file if `save`.
-  // Null is ignored with an error in the log.
+  // Logs and ignores null.
   virtual void AddFinger(std::shared_ptr<FingerSize> finger, bool save);
 
-  // The two halves of AddFinger(): append a sample, not null, and take out the oldest; null from an
-  // empty history.
+  // The steps of AddFinger(): append a sample, which must not be null, and remove the oldest.
+  // PopFinger() returns null if the history is empty.
   virtual void PushFinger(std::shared_ptr<FingerSize> finger);
   virtual std::shared_ptr<FingerSize> PopFinger();
 
@@ -106,7 +107,7 @@ class FP_UTILS_EXPORT FingerSizes {
   uint32_t op1_count = 0;
   uint32_t op2_count = 0;
 
-  // What the last save wrote, for the next one. Used by SaveFingersToBackupFile() alone.
+  // The content of the last save. Used only by SaveFingersToBackupFile().
   const std::unique_ptr<BackupContent> backup_content;
 };
 

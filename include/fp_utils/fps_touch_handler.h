@@ -15,14 +15,14 @@
 
 namespace android::fp_utils {
 
-// Whether the property persist.vendor.udfps.fps_touch_handler_supported was true (the default) when
-// first asked; the answer holds for the life of the process.
+// Whether the property persist.vendor.udfps.fps_touch_handler_supported is true (the default). Read
+// at the first call only; the result holds for the life of the process.
 FP_UTILS_EXPORT bool IsFpsTouchHandlerSupported();
 
 // One report of the touch controller. The default is the cleared form: type -1, the rest zero. The
 // controller defines the meaning of type, info, flags and stamp and the order of coords.
 struct TouchEvent {
-  int32_t type = -1;  // 0, 1 or 2; -1: no report, or a type that is not known
+  int32_t type = -1;  // 0, 1 or 2; -1: no report, or an unknown type
   uint32_t info = 0;
   int32_t id = 0;                     // -1: coordinates are not scaled
   std::array<float, 20> coords = {};  // display coordinates
@@ -32,8 +32,8 @@ struct TouchEvent {
   uint64_t stamp = 0;
 };
 
-// Client of the fingerprint touch-handler device: tells it which rectangle of the screen covers the
-// sensor, switches its LPTW event report, and hands its touch reports to a callback.
+// Client of the fingerprint touch-handler device. Tells it which rectangle of the screen covers the
+// sensor, switches its LPTW event report, and passes its touch reports to a callback.
 //
 // Use: install touch_event_callback_, Configure(), Start(); Stop() when done. Configure() again
 // moves the rectangle.
@@ -42,13 +42,13 @@ struct TouchEvent {
 //             the callback included. The callback runs on the worker thread without a lock.
 // Ownership:  the device stays open and the worker object is reused for the life of the handler.
 //             The destructor does not stop the worker: call Stop() before it.
-// Blocking:   ioctl; Stop(), and Configure() and Start() beside it, wait for a running callback:
-//             their callers must hold no lock that the callback takes. Stop() returns only after
-//             the last callback, unless called from inside one: then the worker ends when that
-//             callback returns, the rest of its buffer is dropped, and only another thread can
-//             Start() it again.
-// Errors:     logged and returned as false. A device that is gone or fails is logged once. Until it
-//             works again it is polled with pauses of 10 ms, doubling to 1 s.
+// Blocking:   ioctls. Stop() waits for a running callback, and so do a Configure() or Start() that
+//             run meanwhile: their callers must hold no lock that the callback takes. Stop()
+//             returns after the last callback. Called from a callback, it returns at once: the
+//             worker ends when the callback returns, the rest of its buffer is dropped, and only
+//             another thread can Start() it again.
+// Errors:     logged and returned as false. A failing or missing device is logged once and polled
+//             until it works again. Retry delay: 10 ms, doubling to 1 s.
 // Units:      display coordinates in pixels. A pixel is resolution_scaling_factor device units.
 class FP_UTILS_EXPORT FpsTouchHandler {
  public:
@@ -62,7 +62,7 @@ class FP_UTILS_EXPORT FpsTouchHandler {
     int32_t bottom;
   };
 
-  // The instance of the process, made on first use and never destroyed.
+  // The process-wide instance, created on first use and never destroyed.
   static FpsTouchHandler& GetInstance() {
     static FpsTouchHandler* const instance = new FpsTouchHandler;
     return *instance;
@@ -73,10 +73,10 @@ class FP_UTILS_EXPORT FpsTouchHandler {
   FpsTouchHandler(const FpsTouchHandler&) = delete;
   FpsTouchHandler& operator=(const FpsTouchHandler&) = delete;
 
-  // Opens the device if need be and gives it the sensing area.
+  // Opens the device unless it is open, and sets its sensing area.
   bool Configure(const TouchConfig& config);
 
-  // Runs the worker. False before a successful Configure().
+  // Starts the worker. False before a successful Configure().
   bool Start();
 
   // Ends the worker. Always true.
@@ -84,11 +84,11 @@ class FP_UTILS_EXPORT FpsTouchHandler {
 
   bool EnableLptwEventReport(bool enable);
 
-  // Reads one buffer of reports and delivers them; the worker calls it. False if the device gave
-  // nothing.
+  // Reads one buffer of reports and delivers them; called by the worker. False if the read failed
+  // or returned nothing.
   bool ReadTouchEvent();
 
-  // The last report delivered, or the cleared form, from any thread.
+  // The last report, or the cleared form. Safe from any thread.
   TouchEvent GetTouchEvent() const;
   void ClearTouchEvent();
 
@@ -98,12 +98,12 @@ class FP_UTILS_EXPORT FpsTouchHandler {
  private:
   friend class TouchPollingWorkerThread;
 
-  // The life of the worker. In the two states of joining, a thread that holds mutex_ waits for the
-  // worker: what mutex_ guards does not change, and the worker must not wait for mutex_.
+  // In kJoining and kJoiningEnding a thread that holds mutex_ waits for the worker: what mutex_
+  // guards does not change, and the worker must not wait for mutex_.
   //   kStopped --Start()--> kRunning --Stop()--> kJoining --> kStopped
   //   kRunning --Stop() in a callback--> kEnding --Stop() or Start()--> kJoiningEnding --> kStopped
   //   kJoining --Stop() in a callback--> kJoiningEnding
-  // In kEnding and kJoiningEnding the reports that were read already are not delivered.
+  // In kEnding and kJoiningEnding, reports that have been read are not delivered any more.
   enum class WorkerState { kStopped, kRunning, kEnding, kJoining, kJoiningEnding };
 
   bool OpenTouchDevice() FP_REQUIRES(mutex_);
@@ -114,11 +114,12 @@ class FP_UTILS_EXPORT FpsTouchHandler {
   bool IsOnWorker() const;
   bool IsDroppingRest() const;
 
-  // False, without the lock, while the worker is being joined; Lock() only on the worker itself.
+  // Return false, without the lock, while the worker is being joined; Lock() only if called on the
+  // worker.
   [[nodiscard]] bool LockUnlessJoining() FP_TRY_ACQUIRE(true, mutex_);
   [[nodiscard]] bool Lock() FP_TRY_ACQUIRE(true, mutex_);
 
-  // With mutex_ held, or while the worker is being joined.
+  // Call them with mutex_ held, or while the worker is being joined.
   bool SetSensingArea(const TouchConfig& config);
   bool SetLptwEventReport(bool enable);
 
@@ -128,7 +129,7 @@ class FP_UTILS_EXPORT FpsTouchHandler {
   mutable std::mutex mutex_;
   std::atomic<bool> configured_ = false;  // never false again; the worker reads it without the lock
   std::atomic<WorkerState> worker_state_ = WorkerState::kStopped;
-  std::atomic<std::thread::id> worker_id_ = std::thread::id();  // while it runs
+  std::atomic<std::thread::id> worker_id_ = std::thread::id();  // none unless it runs
 
  public:
   // Installed by the service before Start(); calling an empty one aborts the process.
@@ -142,8 +143,8 @@ class FP_UTILS_EXPORT FpsTouchHandler {
   mutable std::mutex touch_event_mutex_;
 
  public:
-  // The last report, or the cleared form. The callback gets its own copy, others call
-  // GetTouchEvent(): reading this member is safe only while no report comes and nothing clears it.
+  // The last report, or the cleared form. Not locked: reading it is safe only while no report
+  // arrives and nothing clears it. Use GetTouchEvent(); the callback gets a copy.
   TouchEvent touch_event_;
 };
 

@@ -20,33 +20,33 @@ namespace android::fp_utils {
 // of the service. Connects to the sensor framework at the first StartSampling(), and again at the
 // first one after the system server has died.
 //
-// Use: install the callbacks, then StartSampling(). Call OnSystemServerDeath() when the system
-// server has died, before any other operation: sensors and queue are gone with it.
+// Use: install the callbacks, then StartSampling(). When the system server has died, call
+// OnSystemServerDeath() before any other operation: sensors and queue are gone with it.
 //
 // Threading:  StartSampling, StopSampling and OnSystemServerDeath lock; any thread may call them,
-//             the callbacks too. Callbacks run on the worker thread (or on the one that calls
-//             PollSensorEvent() or ProcessSensorEvent() itself) without a lock and are read without
-//             one: install them before the first StartSampling().
-// Ownership:  owns worker and queue. The destructor ends the worker and gives the sensors back. It
+//             also from a callback. Callbacks run without a lock, on the worker thread or on the
+//             one that calls PollSensorEvent() or ProcessSensorEvent(). They are read without a
+//             lock, so install them before the first StartSampling().
+// Ownership:  owns worker and queue. The destructor ends the worker and disables the sensors. It
 //             may run in a callback on the worker, which then ends with that callback and does not
-//             touch the listener any more. No other thread may be in an operation.
+//             use the listener any more. No other thread may be in an operation.
 // Blocking:   connecting waits for the sensor service. OnSystemServerDeath() and the destructor
-//             wait for a callback that runs. A callback does not wait for them: what it calls
-//             meanwhile gives up, as described below.
+//             wait for a running callback. An operation that this callback calls meanwhile does
+//             not wait for them; it fails as described below.
 // Errors:     logged and returned; what was connected so far is kept for the next attempt.
 // Units:      sensors run at their fastest rate, unbatched.
 //
-// All pollers of a process share one looper, which signals an event once. What does not fit into a
-// batch of 16, or whose signal another poller has taken, is delivered with the next event.
+// All pollers of a process share one looper, which signals an event once. Events that do not fit
+// into a batch of 16, or whose signal another poller has taken, are delivered with the next event.
 class FP_UTILS_EXPORT SensorListener {
  public:
-  // Also the number in the log.
+  // The log prints the number.
   enum SensorType : int32_t { kLight = 0, kLongPress = 1 };
   static constexpr size_t kSensorTypes = 2;
 
   using SensorCallback = std::function<void(const ASensorEvent&)>;
 
-  // Polls the queue for its listener, from the first connection on.
+  // Polls the queue from the first connection on.
   class SensorPollingWorkerThread;
 
   SensorListener();
@@ -54,24 +54,23 @@ class FP_UTILS_EXPORT SensorListener {
   SensorListener(const SensorListener&) = delete;
   SensorListener& operator=(const SensorListener&) = delete;
 
-  // 0 if the sensor is sampling, also if it was before; -ENOMEM without a connection or such a
-  // sensor, and in a callback while the worker is being ended; else the status of the platform's
-  // refusal.
+  // Returns 0 if the sensor is sampling, also if it was already; -ENOMEM without a connection or
+  // such a sensor, and in a callback while the worker is being ended; else the platform's error.
   int32_t StartSampling(SensorType type);
 
-  // Always 0. The worker goes on polling.
+  // Always returns 0. The worker continues to poll.
   int32_t StopSampling(SensorType type);
 
   bool IsAnySamplerStarted() const;
 
-  // Forgets the connection without a call on anything that belonged to it. Ends the worker, and
-  // drops events that it has fetched and not yet delivered; in a callback, which cannot wait for
-  // its own thread, the worker stays for the next connection.
+  // Drops the connection without using anything that belonged to it. Ends the worker, which drops
+  // the events that it has not delivered yet. In a callback, which cannot wait for its own thread,
+  // the worker is kept for the next connection.
   void OnSystemServerDeath();
 
-  // The steps of the above. The first is for StartSampling(), which holds the lock; the second
-  // waits for events and delivers them, 0 or UNKNOWN_ERROR after a poll error; the third delivers
-  // one.
+  // The steps of the operations above. StartSampling() connects with the lock held. Polling waits
+  // for events, delivers them and returns 0, or UNKNOWN_ERROR after a poll error. Processing
+  // delivers one event.
   bool ConnectSensorManagerIfNeeded();
   int32_t PollSensorEvent();
   void ProcessSensorEvent(ASensorEvent event);
@@ -102,7 +101,7 @@ class FP_UTILS_EXPORT SensorListener {
   std::array<std::atomic<bool>, kSensorTypes> sampling_ = {};
 
  public:
-  // Installed by the service; an empty one drops its events.
+  // Installed by the service; with an empty one, the events are dropped.
   SensorCallback light_sensor_callback_;
   SensorCallback long_press_sensor_callback_;
 };

@@ -19,18 +19,19 @@ namespace android::fp_utils {
 
 class LivenessGuard;
 
-// Tells how hard the device throttles for heat. Uses the AIDL thermal HAL where the device declares
-// it, the HIDL 2.0 one otherwise. The constructor starts a worker thread that makes the only
-// attempt to connect; if it fails, the object stays without a connection.
+// Reports how severely the device throttles because of heat. Uses the AIDL thermal HAL if the
+// device declares it, otherwise the HIDL 2.0 one. The constructor starts a worker thread that tries
+// once to connect. If that fails, the object stays without a connection.
 //
-// Threading:  GetCpuSeverity() locks, across the HAL's answer.
+// Threading:  GetCpuSeverity() locks, and holds the lock while it waits for the HAL.
 // Ownership:  when the object is destroyed, the worker may still be waiting for a HAL that never
-//             starts. It is not stopped, and does not use the object any more.
-// Blocking:   the constructor waits 10 ms at most for the connection, GetCpuSeverity() for the HAL.
+//             starts. The worker is not stopped, but does not use the object any more.
+// Blocking:   the constructor waits at most 10 ms for the connection, GetCpuSeverity() waits for
+//             the HAL.
 // Errors:     logged; see GetCpuSeverity().
 class FP_UTILS_EXPORT Thermal {
  public:
-  // The instance of the process, made on first use and never destroyed.
+  // The process-wide instance, created on first use and never destroyed.
   static Thermal& GetInstance();
 
   Thermal();
@@ -54,7 +55,7 @@ class FP_UTILS_EXPORT Thermal {
   sp<ConnectThermalHalThread> connect_thermal_hal_thread_;
   const std::shared_ptr<LivenessGuard> liveness_;  // shared with the worker
 
-  // Whether thermal_ is set, for the constructor, which must not wait for the lock.
+  // Whether thermal_ is set. The constructor reads it, because it must not wait for the lock.
   std::atomic<bool> connected_ = false;
 };
 

@@ -15,18 +15,18 @@ namespace aidl::android::hardware::thermal {
 class IThermal;
 
 // Serves an AIDL thermal HAL through the HIDL thermal 2.0 interface, for code that was written
-// against HIDL. Records are converted on the way; kinds that HIDL does not know become UNKNOWN or
-// COMPONENT. The HIDL 1.0 queries have no counterpart in AIDL and answer that they are unsupported.
+// against HIDL. Records are converted; types that HIDL does not know become UNKNOWN or COMPONENT.
+// The HIDL 1.0 queries have no counterpart in AIDL and report that they are unsupported.
 //
 // Threading:  any thread may call any operation. Queries take no lock; registering and
 //             unregistering hold one until their callback has returned, so the callback must not
 //             register or unregister.
 // Ownership:  shares the AIDL client; a registered callback is kept until it is unregistered.
 // Blocking:   every operation but the HIDL 1.0 queries waits for the AIDL service.
-// Errors:     all operations return Void(). Failures reach the callback, with the AIDL status's
-//             message where the service failed; a callback whose unregistration failed stays
-//             registered. Without an AIDL client the operations of HIDL 2.0 report so and debug()
-//             writes nothing.
+// Errors:     all operations return Void(). The callback gets the failure, with the message of the
+//             AIDL status if the service failed. A callback whose unregistration failed stays
+//             registered. Without an AIDL client the operations of HIDL 2.0 fail and debug() writes
+//             nothing.
 class FP_UTILS_EXPORT ThermalHidlWrapper : public ::android::hardware::thermal::V2_0::IThermal {
  public:
   explicit ThermalHidlWrapper(
@@ -39,7 +39,7 @@ class FP_UTILS_EXPORT ThermalHidlWrapper : public ::android::hardware::thermal::
   ::android::hardware::Return<void> getCurrentTemperatures(
       bool filter_type, ::android::hardware::thermal::V2_0::TemperatureType type,
       getCurrentTemperatures_cb cb) override;
-  // A threshold that AIDL does not give is NaN. AIDL gives no VR thresholds.
+  // A threshold that AIDL does not provide is NaN, as are all VR thresholds.
   ::android::hardware::Return<void> getTemperatureThresholds(
       bool filter_type, ::android::hardware::thermal::V2_0::TemperatureType type,
       getTemperatureThresholds_cb cb) override;
@@ -55,7 +55,7 @@ class FP_UTILS_EXPORT ThermalHidlWrapper : public ::android::hardware::thermal::
       const ::android::sp<::android::hardware::thermal::V2_0::IThermalChangedCallback>& callback,
       unregisterThermalChangedCallback_cb cb) override;
 
-  // Dumps the AIDL service, with `options` as its arguments, to the handle's first descriptor.
+  // Dumps the AIDL service, with `options` as arguments, to the handle's first descriptor.
   ::android::hardware::Return<void> debug(
       const ::android::hardware::hidl_handle& handle,
       const ::android::hardware::hidl_vec<::android::hardware::hidl_string>& options) override;

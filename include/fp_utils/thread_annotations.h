@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-// Which mutex guards what, for clang's -Wthread-safety. The analysis needs a std::mutex that is
-// annotated itself, which only libc++ has, and only where the program asks for it; everywhere else
-// these macros are empty.
+// Annotations for clang's -Wthread-safety. The analysis needs an annotated std::mutex, which only
+// libc++ provides, and only if the program asks for it. Otherwise these macros are empty.
 #include <mutex>
 
 #if defined(__clang__) && defined(_LIBCPP_VERSION) && \

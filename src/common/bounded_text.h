@@ -9,7 +9,8 @@
 
 namespace android::fp_utils {
 
-// Text built by formatted writes into a buffer of N bytes; what does not fit is cut silently.
+// Text built by printf-style appends in a buffer of N bytes, truncated silently to N - 1
+// characters.
 template <size_t N>
 class BoundedText {
  public:

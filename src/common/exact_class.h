@@ -5,24 +5,24 @@
 
 namespace android::fp_utils {
 
-// The table of virtual functions of the class of `object`. In the Itanium C++ ABI, which Android
-// and Linux follow on every processor, an object whose class is polymorphic and has no virtual base
-// begins with the address of that table (section 2.4).
+// The vtable pointer of `object`. Relies on the Itanium C++ ABI (section 2.4), which Android and
+// Linux follow on every processor: an object of a polymorphic class without virtual bases starts
+// with its vtable pointer.
 template <typename Base>
-const void* VirtualTable(const Base& object) {
-  const void* table = nullptr;
-  memcpy(&table, static_cast<const void*>(&object), sizeof table);
-  return table;
+const void* VtableOf(const Base& object) {
+  const void* vtable = nullptr;
+  memcpy(&vtable, static_cast<const void*>(&object), sizeof vtable);
+  return vtable;
 }
 
-// `object` as a Known if that is its class, null if it is of another one or of one derived from
-// Known. Known is a class of the library's interface that is defined in one of its sources, so that
-// there is one table for it in the process. A typeid would need services that are built with
-// run-time type information, which most are not: their classes leave a null in its place.
+// Returns `object` as a Known if that is exactly its class, and null if it is of any other class,
+// also one derived from Known. Known must be an exported class whose virtual functions are defined
+// in one source, so that the process has one vtable for it. typeid is no alternative: most services
+// are built without RTTI, and the vtables of their classes have no type information.
 template <typename Known, typename Base>
 const Known* ExactCast(const Base& object) {
-  static const void* const table = VirtualTable<Base>(Known());
-  return VirtualTable(object) == table ? static_cast<const Known*>(&object) : nullptr;
+  static const void* const vtable = VtableOf<Base>(Known());
+  return VtableOf(object) == vtable ? static_cast<const Known*>(&object) : nullptr;
 }
 
 }  // namespace android::fp_utils

@@ -4,8 +4,8 @@
 namespace android::fp_utils {
 
 std::string LocalTimeText(time_t seconds) {
-  // localtime() would read the zone anew as tzset() does here, but it shares its result between
-  // threads, and dumps may come from several.
+  // localtime_r() need not read the time zone again, so tzset() does. localtime() would, but its
+  // result is shared between threads, and several may dump at once.
   tzset();
   tm parts = {};
   if (localtime_r(&seconds, &parts) == nullptr) {

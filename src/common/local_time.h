@@ -6,8 +6,8 @@
 
 namespace android::fp_utils {
 
-// `seconds` since the epoch as "YYYY-MM-DD hh:mm:ss" in the process's time zone. A time beyond
-// what the calendar can name (a damaged record) comes back as the plain number.
+// `seconds` since the epoch as "YYYY-MM-DD hh:mm:ss" in the process's time zone. A time that the
+// calendar cannot express (from a damaged record) is returned as the plain number.
 std::string LocalTimeText(time_t seconds);
 
 }  // namespace android::fp_utils

@@ -11,13 +11,13 @@
 namespace android::fp_utils {
 namespace {
 
-constexpr const char* kTag = log_tag::kDynamicExposure;
+constexpr char kTag[] = "DynamicExposure";
 constexpr float kUsPerMs = 1000;
 
-// The exposure base moves by this over the configured denominator in one step.
+// One step changes the exposure base by this divided by the configured denominator.
 constexpr float kStepNumerator = 1000;
 
-// A setting that is unset, malformed or above 32 bits has its default.
+// The default if the property is unset, malformed or does not fit into 32 bits.
 uint32_t Setting(const char* property, uint32_t default_value) {
   return base::GetUintProperty<uint32_t>(property, default_value, 4294967295U);
 }
@@ -99,8 +99,8 @@ void DynamicExposure::AdjustExposure(StepAdjustment direction) {
   }
 }
 
-// Only the bound ahead counts: an exposure that a new calibration has put outside can always step
-// back, and a recalculation (kNone) is applied wherever it lands.
+// Checks only the bound in the direction of the step. An exposure that a new calibration has put
+// outside the bounds can so step back, and a recalculation (kNone) is never refused.
 bool DynamicExposure::IsBeyondBound(StepAdjustment direction, float expo) const {
   const float expo_us = expo * kUsPerMs;
   if (direction == StepAdjustment::kUp && expo_us > static_cast<float>(kExpoUpperBoundUs)) {
@@ -130,8 +130,8 @@ void DynamicExposure::FeedAuthAttempt(std::shared_ptr<AuthEventG7> event) {
       !(too_bright || too_dark)) {
     return;
   }
-  // Dark decides alone: where the low threshold is configured above the high one, a raw mean
-  // between them is both, and goes up.
+  // If the low threshold is configured above the high one, a raw mean between them is both too dark
+  // and too bright; the step is then up.
   FP_LOG_INFO(kTag, "[%s] Adjust exposure %s", "FeedAuthAttempt", too_dark ? "UP" : "DOWN");
   AdjustExposure(too_dark ? StepAdjustment::kUp : StepAdjustment::kDown);
 }

@@ -11,11 +11,12 @@ namespace {
 constexpr float kInfinity = std::numeric_limits<float>::infinity();
 constexpr float kNone = -1;
 
-// Circles through grid points are common. There the guess is to fall on the sample, not behind it.
+// In columns. The edge of a circle often passes exactly through a sample; this keeps rounding from
+// moving the guess past it.
 constexpr float kGuessSlack = 0x1p-10F;
 
-// sqrtf() is monotone and rounds few squares to one root, so the edge is a few floats from the
-// rounded square of the radius.
+// The largest float whose square root, rounded, is at most `radius`. sqrtf() is monotone, and only
+// a few floats have the same rounded root, so the result is a few floats from the rounded square.
 float LargestSquareWithin(float radius) {
   if (!(radius >= 0)) {
     return kNone;
@@ -40,7 +41,7 @@ CircleRows::CircleRows(const Circle& circle)
       center_y_(circle.center.y),
       threshold_(LargestSquareWithin(circle.radius)) {}
 
-void CircleRows::Enter(const Columns& columns) {
+void CircleRows::SetColumns(const Columns& columns) {
   columns_ = &columns;
   const float first = columns.First();
   const float last = columns.Last();
@@ -56,9 +57,9 @@ void CircleRows::Enter(const Columns& columns) {
                        [&](uint32_t i) { return columns.X()[i] >= center_x_; });
 }
 
-void CircleRows::Find(const RowBlock& rows, RowSpans* spans) const {
+void CircleRows::FindSpans(const RowBlock& rows, RowSpans* spans) const {
   if (!is_finite_) {
-    spans->FillOpen(rows.count, columns_->Count());
+    spans->FillUndecided(rows.count, columns_->Count());
     return;
   }
   const uint32_t count = columns_->Count();
@@ -70,19 +71,19 @@ void CircleRows::Find(const RowBlock& rows, RowSpans* spans) const {
     spans->end[row] = ClampedColumn(center_position_ + half + (1 + kGuessSlack), count);
   }
   for (uint32_t row = 0; row < rows.count; ++row) {
-    FindRow(center_y_ - rows.y[row], &spans->begin[row], &spans->end[row]);
+    CorrectSpan(center_y_ - rows.y[row], &spans->begin[row], &spans->end[row]);
   }
   spans->is_exact = true;
-  spans->Finish(rows.count);
+  spans->ClearUnusedRows(rows.count);
 }
 
-// Takes guesses and leaves what is right.
-inline void CircleRows::FindRow(float dy, uint32_t* begin, uint32_t* end) const {
+// `begin` and `end` hold guesses on entry and the exact range on return.
+inline void CircleRows::CorrectSpan(float dy, uint32_t* begin, uint32_t* end) const {
   const float* const x = columns_->X();
   const float* const low = x + *begin;
   const float* const high = x + *end;
-  if (AreAll(!IsIn(center_x_ - low[-1], dy), IsIn(center_x_ - low[0], dy),
-             IsIn(center_x_ - high[-1], dy), !IsIn(center_x_ - high[0], dy))) {
+  if (AllTrue(!IsIn(center_x_ - low[-1], dy), IsIn(center_x_ - low[0], dy),
+              IsIn(center_x_ - high[-1], dy), !IsIn(center_x_ - high[0], dy))) {
     return;
   }
   if (!(dy * dy <= threshold_)) {

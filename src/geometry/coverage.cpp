@@ -13,10 +13,10 @@
 namespace android::fp_utils {
 namespace {
 
-constexpr const char* kTag = log_tag::kGeometry;
+constexpr char kTag[] = "Geometry";
 constexpr double kPi = 3.141592653589793;
 
-// Towards zero; what an unsigned number cannot hold becomes the nearest that it can, NaN becomes 0.
+// Truncates towards zero and saturates; NaN becomes 0.
 uint32_t Truncated(float value) {
   if (!(value > 0)) {
     return 0;
@@ -29,7 +29,7 @@ uint32_t ScanPoints(const std::string& property, float low, float high) {
   return base::GetUintProperty<uint32_t>(property, Truncated((high - low) + 1.0F), 4294967295U);
 }
 
-// In the order in which the corners are asked, to the first that lies outside.
+// Stops at the first corner that lies outside.
 bool ContainsCorners(const IShape& shape, const Rect& rect) {
   const Point& low = rect.top_left;
   const Point& high = rect.bottom_right;
@@ -37,7 +37,8 @@ bool ContainsCorners(const IShape& shape, const Rect& rect) {
          shape.Contains({high.x, low.y}) && shape.Contains({high.x, high.y});
 }
 
-// Asks shapes of other classes at every sample, s1 before s2, row by row.
+// Calls Contains() at every sample, row by row, for s1 before s2. A null shape contains all
+// samples.
 Counts ScanSamples(Grid grid, const IShape* s1, const IShape* s2) {
   Counts counts;
   Point p;
@@ -55,7 +56,7 @@ Counts ScanSamples(Grid grid, const IShape* s1, const IShape* s2) {
   return counts;
 }
 
-// Counts in the way that looks at the fewest samples; a null contains all of them.
+// Counts in the way that needs the fewest Contains(). A null shape contains all samples.
 Counts Count(const Grid& grid, const IShape* s1, const IShape* s2) {
   if (s1 == nullptr && s2 == nullptr) {
     const uint32_t all = grid.columns.Left() * grid.rows.Left();
@@ -76,8 +77,8 @@ float SampledCoverage(const Rect& grid, const IShape& shape, const IShape& other
 
 float CircleArea(float r) { return static_cast<float>(kPi * (static_cast<double>(r) * r)); }
 
-// What two circles that meet in a lens have in common: the sectors less the kite between centres
-// and corners. A cosine that rounding puts beyond one gives NaN.
+// The area that two circles share whose edges intersect: both sectors less the kite between the
+// centres and the intersections. NaN if rounding makes a cosine exceed 1.
 float LensArea(float small, float large, float d) {
   const float small2 = small * small;
   const float large2 = large * large;
@@ -90,12 +91,12 @@ float LensArea(float small, float large, float d) {
 
 }  // namespace
 
-void Rect::NumOfPointsIn(IShape const& s1, IShape const& s2, unsigned int& in_s1,
+void Rect::NumOfPointsIn(const IShape& s1, const IShape& s2, unsigned int& in_s1,
                          unsigned int& in_s2, unsigned int& in_both) const {
   in_s1 = 0;
   in_s2 = 0;
   in_both = 0;
-  // Made once: an estimate allocates nothing.
+  // Static, so that an estimate does not allocate.
   static const auto& x_property =
       *new std::string("persist.vendor.udfps.geometry.rect.x_axis_scan_points");
   static const auto& y_property =
@@ -103,7 +104,7 @@ void Rect::NumOfPointsIn(IShape const& s1, IShape const& s2, unsigned int& in_s1
   const uint32_t nx = ScanPoints(x_property, top_left.x, bottom_right.x);
   const uint32_t ny = ScanPoints(y_property, top_left.y, bottom_right.y);
   if (nx == 0 || ny == 0) {
-    // Goes on to the corners and their lines, which tell how the shapes lie.
+    // Continues, because the log lines about the corners tell how the shapes lie.
     FP_LOG_ERROR(kTag, "[%s] Invalid scan points(%u, %u)", "NumOfPointsIn", nx, ny);
   }
   const bool all_points_in_s1 = ContainsCorners(s1, *this);
@@ -117,22 +118,22 @@ void Rect::NumOfPointsIn(IShape const& s1, IShape const& s2, unsigned int& in_s1
                      SampleAxis(top_left.y, bottom_right.y, ny)};
   const Counts counts =
       Count(grid, all_points_in_s1 ? nullptr : &s1, all_points_in_s2 ? nullptr : &s2);
-  // Added rather than stored: a caller may pass one counter for two.
+  // Added rather than assigned, because a caller may pass the same counter twice.
   in_s1 += counts.in_s1;
   in_s2 += counts.in_s2;
   in_both += counts.in_both;
 }
 
-float Rect::CoverageCoveredBy(IShape const& other) const {
+float Rect::CoverageCoveredBy(const IShape& other) const {
   return SampledCoverage(*this, *this, other);
 }
 
-float Circle::CoverageCoveredBy(IShape const& other) const {
+float Circle::CoverageCoveredBy(const IShape& other) const {
   const Rect box({center.x - radius, center.y - radius}, {center.x + radius, center.y + radius});
   return SampledCoverage(box, *this, other);
 }
 
-float Circle::CoverageCoveredBy(Circle const& other) const {
+float Circle::CoverageCoveredBy(const Circle& other) const {
   const float dx = other.center.x - center.x;
   const float dy = other.center.y - center.y;
   const float d = std::sqrt(dx * dx + dy * dy);

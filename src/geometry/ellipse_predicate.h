@@ -7,9 +7,9 @@
 
 namespace android::fp_utils {
 
-// Whether a point lies in an ellipse, with what does not depend on the point computed once. Every
-// rounding is part of the contract: offsets and their turn in single precision, the quotients in
-// double, their sum rounded back.
+// Ellipse::Contains() with everything that does not depend on the point computed once. Every
+// rounding is part of the contract: offsets and rotation are in single precision, the quotients in
+// double, and their sum is rounded to single.
 struct EllipsePredicate {
   explicit EllipsePredicate(const Ellipse& ellipse)
       : center_x(ellipse.center.x),
@@ -26,7 +26,7 @@ struct EllipsePredicate {
     const double v = dx * cosine + dy * sine;
     const double a = semi_major;
     const double b = semi_minor;
-    // A zero axis divides by zero: nothing is inside, the centre (0/0) neither.
+    // With a zero axis the sum is infinite, or NaN (0/0): nothing is inside, not even the centre.
     return static_cast<float>(u * u / (a * a) + v * v / (b * b)) <= 1.0F;
   }
 

@@ -8,11 +8,11 @@
 namespace android::fp_utils {
 namespace {
 
-// Half an ulp of one in single precision, and what two products can lose by underflow.
+// Half an ulp of 1 in single precision, and the largest error of two products that underflow.
 constexpr double kEpsilon = 0x1p-24;
 constexpr double kUnderflow = 0x1p-149;
 
-// Offsets up to here cannot overflow when they are turned.
+// Rotating offsets up to this size cannot overflow.
 constexpr float kLargestOffset = 1e37F;
 
 bool IsZeroOrNan(float axis) { return !(axis < 0 || axis > 0); }
@@ -27,9 +27,9 @@ EllipseRows::EllipseRows(const Ellipse& ellipse, double bound_factor)
   const double b = std::fabs(predicate_.semi_minor);
   if (IsZeroOrNan(predicate_.semi_major) || IsZeroOrNan(predicate_.semi_minor) ||
       std::isnan(sine)) {
-    answer_ = Answer::kEmpty;
+    method_ = Method::kEmpty;
   } else if (std::isinf(a) || std::isinf(b)) {
-    answer_ = Answer::kAsk;
+    method_ = Method::kUndecided;
   } else {
     const double speed2 = sine / a * (sine / a) + cosine / b * (cosine / b);
     speed_ = std::sqrt(speed2);
@@ -39,17 +39,17 @@ EllipseRows::EllipseRows(const Ellipse& ellipse, double bound_factor)
   }
 }
 
-void EllipseRows::Enter(const Columns& columns) {
+void EllipseRows::SetColumns(const Columns& columns) {
   columns_ = &columns;
-  columns_answer_ = answer_;
-  if (answer_ != Answer::kSolve) {
+  columns_method_ = method_;
+  if (method_ != Method::kSolve) {
     return;
   }
   first_dx_ = columns.First() - predicate_.center_x;
   const float last_dx = columns.Last() - predicate_.center_x;
   const float largest_dx = std::max(std::fabs(first_dx_), std::fabs(last_dx));
   if (!(largest_dx <= kLargestOffset)) {
-    columns_answer_ = Answer::kAsk;
+    columns_method_ = Method::kUndecided;
     return;
   }
   density_ =
@@ -60,7 +60,7 @@ void EllipseRows::Enter(const Columns& columns) {
   const double b = std::fabs(predicate_.semi_minor);
   const double error =
       kEpsilon * (1 + kEpsilon) * largest_dx * speed_ + kUnderflow * (1 / a + 1 / b);
-  const double edge = std::sqrt(1 + kEpsilon);  // the largest |w| of which the square rounds to 1
+  const double edge = std::sqrt(1 + kEpsilon);  // the largest |w| whose square rounds to 1
   inner_norm_ = (edge - bound_factor_ * error) / (1 + bound_factor_ * kEpsilon);
   outer_norm_ = (edge + bound_factor_ * error) / (1 - bound_factor_ * kEpsilon);
   if (inner_norm_ < 0) {
@@ -68,16 +68,17 @@ void EllipseRows::Enter(const Columns& columns) {
   }
 }
 
-void EllipseRows::Find(const RowBlock& rows, RowSpans* spans) const {
-  if (columns_answer_ == Answer::kEmpty) {
+void EllipseRows::FindSpans(const RowBlock& rows, RowSpans* spans) const {
+  if (columns_method_ == Method::kEmpty) {
     spans->FillExact(rows.count, 0, 0);
     return;
   }
   const auto is_near = [&](float y) {
     return std::fabs(y - predicate_.center_y) <= kLargestOffset;
   };
-  if (columns_answer_ == Answer::kAsk || !is_near(rows.y[0]) || !is_near(rows.y[rows.count - 1])) {
-    spans->FillOpen(rows.count, columns_->Count());
+  if (columns_method_ == Method::kUndecided || !is_near(rows.y[0]) ||
+      !is_near(rows.y[rows.count - 1])) {
+    spans->FillUndecided(rows.count, columns_->Count());
     return;
   }
   Roots roots;
@@ -85,17 +86,18 @@ void EllipseRows::Find(const RowBlock& rows, RowSpans* spans) const {
   Guess(roots, spans);
   spans->is_exact = true;
   for (uint32_t row = 0; row < rows.count; ++row) {
-    if (IsGuessed(roots, row, *spans)) {
+    if (IsGuessRight(roots, row, *spans)) {
       spans->outer_begin[row] = spans->begin[row];
       spans->outer_end[row] = spans->end[row];
     } else {
-      spans->Set(row, FindRow(roots, row, *spans));
+      spans->Set(row, CorrectSpan(roots, row, *spans));
     }
   }
-  spans->Finish(rows.count);
+  spans->ClearUnusedRows(rows.count);
 }
 
-// No branches, for vector code: the root of a negative number is the NaN that says there is none.
+// Without branches, so that the compiler can vectorize it. A row without roots gets the NaN that
+// the square root of a negative number gives.
 void EllipseRows::Solve(const RowBlock& rows, Roots* __restrict roots) const {
   const float center = predicate_.center_y;
   const float sine = predicate_.sine;
@@ -127,17 +129,18 @@ void EllipseRows::Guess(const Roots& roots, RowSpans* spans) const {
   }
 }
 
-// True of nearly every row: the guesses are right and no sample is open.
-inline bool EllipseRows::IsGuessed(const Roots& roots, uint32_t row, const RowSpans& guess) const {
+// True for nearly every row: the guessed range is exact and no sample is undecided.
+inline bool EllipseRows::IsGuessRight(const Roots& roots, uint32_t row,
+                                      const RowSpans& guess) const {
   const float center = predicate_.center_x;
   const float* const low = columns_->X() + guess.begin[row];
   const float* const high = columns_->X() + guess.end[row];
-  return AreAll(low[-1] - center < roots.outer_low[row], roots.inner_low[row] < low[0] - center,
-                high[-1] - center < roots.inner_high[row],
-                roots.outer_high[row] < high[0] - center);
+  return AllTrue(low[-1] - center < roots.outer_low[row], roots.inner_low[row] < low[0] - center,
+                 high[-1] - center < roots.inner_high[row],
+                 roots.outer_high[row] < high[0] - center);
 }
 
-RowSpan EllipseRows::FindRow(const Roots& roots, uint32_t row, const RowSpans& guess) const {
+RowSpan EllipseRows::CorrectSpan(const Roots& roots, uint32_t row, const RowSpans& guess) const {
   const float outer_low = roots.outer_low[row];
   const float outer_high = roots.outer_high[row];
   if (!(outer_low <= outer_high)) {
@@ -149,7 +152,7 @@ RowSpan EllipseRows::FindRow(const Roots& roots, uint32_t row, const RowSpans& g
       FirstIndex(0, count, guess.begin[row], [&](uint32_t i) { return Dx(i) >= outer_low; });
   span.outer_end = FirstIndex(span.outer_begin, count, std::max(span.outer_begin, guess.end[row]),
                               [&](uint32_t i) { return Dx(i) > outer_high; });
-  // What is passed here will be asked for one by one anyway.
+  // A linear search: each sample that it passes is undecided and needs a Contains() anyway.
   span.begin = span.outer_begin;
   while (span.begin < span.outer_end && !(Dx(span.begin) > roots.inner_low[row])) {
     ++span.begin;

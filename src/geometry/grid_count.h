@@ -9,20 +9,20 @@
 
 namespace android::fp_utils {
 
-// The samples: every x of `columns` for every y of `rows`. Neither axis is empty.
+// The samples are all pairs of an x of `columns` and a y of `rows`. Neither axis is empty.
 struct Grid {
   SampleAxis columns;
   SampleAxis rows;
 };
 
-// Samples in each shape and in both, modulo 2^32 as the callers' counters.
+// Samples in each shape and in both, modulo 2^32 like the caller's counters.
 struct Counts {
   uint32_t in_s1 = 0;
   uint32_t in_s2 = 0;
   uint32_t in_both = 0;
 };
 
-// For shapes of which the rows are known: counts by rows.
+// Counts the samples row by row, without a Contains() for each.
 Counts CountRows(Grid grid, const ShapeRows& s1, const ShapeRows& s2);
 
 }  // namespace android::fp_utils

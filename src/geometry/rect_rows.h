@@ -6,7 +6,7 @@
 
 namespace android::fp_utils {
 
-// The rows of a rectangle: all the same range of columns, or empty.
+// The rows of a rectangle: each is empty or the same range of columns.
 class RectRows {
  public:
   explicit RectRows(const Rect& rect)
@@ -15,14 +15,14 @@ class RectRows {
         right_(rect.bottom_right.x),
         bottom_(rect.bottom_right.y) {}
 
-  void Enter(const Columns& columns) {
+  void SetColumns(const Columns& columns) {
     const float* const x = columns.X();
     begin_ = FirstIndex(0, columns.Count(), 0, [&](uint32_t i) { return left_ <= x[i]; });
     end_ =
         FirstIndex(begin_, columns.Count(), begin_, [&](uint32_t i) { return !(x[i] <= right_); });
   }
 
-  void Find(const RowBlock& rows, RowSpans* spans) const {
+  void FindSpans(const RowBlock& rows, RowSpans* spans) const {
     spans->FillExact(rows.count, begin_, end_);
     for (uint32_t row = 0; row < rows.count; ++row) {
       if (!(top_ <= rows.y[row] && rows.y[row] <= bottom_)) {
@@ -38,7 +38,7 @@ class RectRows {
  private:
   float left_, top_, right_, bottom_;
 
-  // Of the columns entered.
+  // Set by SetColumns().
   uint32_t begin_ = 0, end_ = 0;
 };
 

@@ -9,15 +9,15 @@
 
 namespace android::fp_utils {
 
-// How many samples of a row, and how many rows, are dealt with at a time: what stays on the stack.
+// The columns and rows that are processed at a time. They bound the buffers on the stack.
 inline constexpr uint32_t kMaxColumns = 1024;
 inline constexpr uint32_t kBlockRows = 32;
 
-// Neighbouring columns of the grid, in ascending order; NaN only alone. Before and behind them
-// stand sentinels that lie in no shape, so that a look at a neighbour needs no test.
+// Adjacent columns of the grid, in ascending order. A NaN is always the only column. A sentinel
+// on either side, which lies in no shape, lets code look at a neighbour without a bounds check.
 class Columns {
  public:
-  // Fills with the next samples of an axis; returns how often they count.
+  // Takes the next samples of an axis. Returns their weight, as SampleAxis::TakeMerged() does.
   uint32_t TakeMerged(SampleAxis* axis) {
     const SampleAxis::Batch batch = axis->TakeMerged(x_ + 1, kMaxColumns);
     SetCount(batch.count);
@@ -43,8 +43,8 @@ class Columns {
   uint32_t count_ = 0;
 };
 
-// Neighbouring rows, in either order; NaN only alone. Places behind the last hold its number, so
-// that a loop can run over all of them.
+// Adjacent rows, in ascending or descending order. A NaN is always the only row. Unused elements
+// repeat the last row, so that a loop can run over all kBlockRows.
 struct RowBlock {
   float y[kBlockRows];
   uint32_t count;
@@ -62,23 +62,23 @@ struct RowBlock {
   }
 };
 
-// What is known about the samples of one row with respect to one convex shape: in the shape from
-// `begin` to `end`, outside it before `outer_begin` and from `outer_end` on, and open in between.
-// Ordered outer_begin <= begin <= end <= outer_end.
+// Where the samples of one row lie relative to one convex shape: columns `begin` to `end` are
+// inside, columns before `outer_begin` and from `outer_end` on are outside, and those in between
+// are undecided. outer_begin <= begin <= end <= outer_end.
 struct RowSpan {
   uint32_t outer_begin, begin, end, outer_end;
 
-  bool SurelyHas(uint32_t i) const { return i - begin < end - begin; }
-  bool MayHave(uint32_t i) const { return i - outer_begin < outer_end - outer_begin; }
+  bool IsInside(uint32_t i) const { return i - begin < end - begin; }
+  bool IsOutside(uint32_t i) const { return i - outer_begin >= outer_end - outer_begin; }
 
-  // `ask` decides where the sample is open.
+  // `contains` is called only if the sample is undecided.
   template <typename Predicate>
-  bool Has(uint32_t i, Predicate ask) const {
-    return SurelyHas(i) || (MayHave(i) && ask(i));
+  bool Contains(uint32_t i, Predicate contains) const {
+    return IsInside(i) || (!IsOutside(i) && contains(i));
   }
 
   template <typename Function>
-  void ForEachOpen(Function function) const {
+  void ForEachUndecided(Function function) const {
     for (uint32_t i = outer_begin; i < begin; ++i) {
       function(i);
     }
@@ -88,11 +88,11 @@ struct RowSpan {
   }
 };
 
-// The spans of the rows of a block. Places behind the last row hold empty ones.
+// The spans of the rows of a block. Unused elements are empty spans.
 struct RowSpans {
   uint32_t begin[kBlockRows], end[kBlockRows];
   uint32_t outer_begin[kBlockRows], outer_end[kBlockRows];  // unless is_exact
-  bool is_exact;                                            // no sample is open
+  bool is_exact;                                            // no sample is undecided
 
   RowSpan At(uint32_t row) const {
     return is_exact ? RowSpan{begin[row], begin[row], end[row], end[row]}
@@ -111,24 +111,24 @@ struct RowSpans {
     is_exact = true;
     std::fill_n(begin, rows, from);
     std::fill_n(end, rows, to);
-    Finish(rows);
+    ClearUnusedRows(rows);
   }
 
-  // All of `columns` samples are open.
-  void FillOpen(uint32_t rows, uint32_t columns) {
+  // All `columns` samples of each row are undecided.
+  void FillUndecided(uint32_t rows, uint32_t columns) {
     FillExact(rows, 0, 0);
     is_exact = false;
     std::fill_n(outer_begin, kBlockRows, 0);
     std::fill_n(outer_end, kBlockRows, columns);
   }
 
-  void Finish(uint32_t rows) {
+  void ClearUnusedRows(uint32_t rows) {
     std::fill(begin + rows, begin + kBlockRows, 0);
     std::fill(end + rows, end + kBlockRows, 0);
   }
 };
 
-// The whole number of columns nearest below `position`, from 0 to `limit`; 0 for NaN.
+// `position` rounded down and clamped to 0..`limit`; 0 for NaN.
 inline uint32_t ClampedColumn(float position, uint32_t limit) {
   const auto highest = static_cast<float>(limit);
   position = position > 0 ? position : 0;
@@ -136,14 +136,14 @@ inline uint32_t ClampedColumn(float position, uint32_t limit) {
   return static_cast<uint32_t>(static_cast<int32_t>(position));
 }
 
-// Without branches in between: where nearly all are true, one that is wrong once in a while costs
-// as much as all of the comparisons.
-inline bool AreAll(bool a, bool b, bool c, bool d) {
+// Evaluates all conditions without branches. They are nearly always true, and one mispredicted
+// branch would cost as much as all the comparisons.
+inline bool AllTrue(bool a, bool b, bool c, bool d) {
   return (int{a} & int{b} & int{c} & int{d}) != 0;
 }
 
-// The first index from `begin` to `end` from which on `holds` is true; it is false before. `guess`
-// lies in the same range, usually beside the spot.
+// The first index in `begin`..`end` for which `holds` is true; `holds` must be monotone. `guess`
+// lies in the same range and is usually close to the result.
 template <typename Predicate>
 uint32_t FirstIndex(uint32_t begin, uint32_t end, uint32_t guess, Predicate holds) {
   constexpr int kShortWalk = 4;

@@ -6,18 +6,18 @@
 
 namespace android::fp_utils {
 
-// The samples of one axis of the grid, handed out in batches: the low edge, then one step on at a
-// time. The steps accumulate in single precision, so the last sample meets the high edge up to
-// rounding.
+// The samples of one axis of the grid, taken in batches. They start at the low edge, and each is
+// the one before plus the step. The sum accumulates in single precision, so the last sample equals
+// the high edge up to rounding.
 class SampleAxis {
  public:
-  // A number of samples that all have the same effect `weight` times.
+  // `count` samples, each of which counts `weight` times.
   struct Batch {
     uint32_t count;
     uint32_t weight;
   };
 
-  // A count of 1 divides by zero, and one of 0 by 4294967295: no step is taken then.
+  // For a count of 1 the step is infinite or NaN, and for 0 it means nothing: it is not used.
   SampleAxis(float low, float high, uint32_t count)
       : next_(low), step_((high - low) / static_cast<float>(count - 1)), left_(count) {}
 
@@ -36,9 +36,10 @@ class SampleAxis {
     return count;
   }
 
-  // Likewise, but all the samples from which no step leads away any more come as one: a step below
-  // half an ulp, infinity and NaN would otherwise be walked four billion times. Samples of a batch
-  // are in order, and either none of them is NaN or it is alone.
+  // Like Take(), but once a step no longer changes the value, all samples that are left come as one
+  // with a weight. That happens with a step below half an ulp, at infinity and at NaN, and would
+  // otherwise take up to four billion steps. The samples of a batch are sorted, and a NaN is always
+  // the only sample of its batch.
   Batch TakeMerged(float* out, uint32_t capacity) {
     if (next_ + step_ == next_ || std::isnan(next_)) {
       *out = next_;

@@ -15,8 +15,8 @@ namespace android::fp_utils {
 // A shape that contains the whole grid.
 class FullRows {
  public:
-  void Enter(const Columns& columns) { count_ = columns.Count(); }
-  void Find(const RowBlock& rows, RowSpans* spans) const {
+  void SetColumns(const Columns& columns) { count_ = columns.Count(); }
+  void FindSpans(const RowBlock& rows, RowSpans* spans) const {
     spans->FillExact(rows.count, 0, count_);
   }
   bool Contains(float /*x*/, float /*y*/) const { return true; }
@@ -25,14 +25,12 @@ class FullRows {
   uint32_t count_ = 0;
 };
 
-// Knows the rows of a shape of which it knows the class. Each kind offers the same three
-// operations: Enter() neighbouring columns, Find() the spans of a block of rows in them, and
-// Contains() for the samples that a span leaves open, with the answer that the shape itself would
-// give.
+// Finds the rows of a shape of the library's own classes. Every alternative has three operations:
+// SetColumns() sets the columns to work on, FindSpans() finds the spans of a block of rows in them,
+// and Contains() decides an undecided sample as the shape's own Contains() would.
 using ShapeRows = std::variant<FullRows, CircleRows, EllipseRows, RectRows>;
 
-// None for a class that is not the library's own; a class derived from one of those may contain
-// something else.
+// None for any other class, also for one derived from the library's: it may contain other points.
 std::optional<ShapeRows> KnownRows(const IShape& shape);
 
 }  // namespace android::fp_utils

@@ -26,8 +26,8 @@ std::string Circle::Print() const {
   return Text("Circle(x:%.2f, y:%.2f, r:%.2f)", center.x, center.y, radius);
 }
 
-// The root is taken: squares would round elsewhere.
-bool Circle::Contains(Point const& p) const {
+// Compares the root, not the squares, which would round differently.
+bool Circle::Contains(const Point& p) const {
   const float dx = center.x - p.x;
   const float dy = center.y - p.y;
   return std::sqrt(dx * dx + dy * dy) <= radius;
@@ -38,14 +38,14 @@ std::string Ellipse::Print() const {
               minor_axis, orientation);
 }
 
-bool Ellipse::Contains(Point const& p) const { return EllipsePredicate(*this).Contains(p.x, p.y); }
+bool Ellipse::Contains(const Point& p) const { return EllipsePredicate(*this).Contains(p.x, p.y); }
 
 std::string Rect::Print() const {
   return Text("Rect(%.2f, %.2f - %.2f, %.2f)", top_left.x, top_left.y, bottom_right.x,
               bottom_right.y);
 }
 
-bool Rect::Contains(Point const& p) const {
+bool Rect::Contains(const Point& p) const {
   return top_left.x <= p.x && p.x <= bottom_right.x && top_left.y <= p.y && p.y <= bottom_right.y;
 }
 

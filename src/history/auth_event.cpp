@@ -12,9 +12,10 @@
 namespace android::fp_utils {
 namespace {
 
+constexpr char kTag[] = "AuthEvent";
 constexpr size_t kTextSize = 128;
 
-// AcquiredInfo names by value. Good (1) never asks for its name.
+// Names of AcquiredInfo, indexed by value. The one of 1 (good) is never printed.
 constexpr const char* kAcquisitionErrors[] = {
     "UNKNOWN",    "GOOD",     "PARTIAL",          "INSUFFICIENT",  "SENSOR_DIRTY",
     "TOO_SLOW",   "TOO_FAST", "VENDOR",           "START",         "TOO_DARK",
@@ -52,8 +53,8 @@ std::string AuthEvent::ToBackupString() const {
   return text.ToString();
 }
 
-// What is not converted by way of a temporary goes straight into the record, so that a damaged text
-// leaves there what was readable, as it always has.
+// Fields without a temporary are scanned straight into the record, so after a failure it holds
+// those that were readable. Callers rely on that.
 bool AuthEvent::LoadFromBackupString(std::string& text) {
   unsigned long long stored_time = 0;
   unsigned stored_info = 0;
@@ -61,15 +62,15 @@ bool AuthEvent::LoadFromBackupString(std::string& text) {
   if (sscanf(text.c_str(), "0x%llx,0x%x,0x%x,0x%x,0x%x,0x%x", &stored_time, &stored_info,
              &stored_success, AsUnsigned(&fid), AsUnsigned(&latency), AsUnsigned(&iq)) < 6) {
     LogParseFailure(
-        log_tag::kAuthEvent,
-        "virtual bool android::fp_utils::AuthEvent::LoadFromBackupString(std::string &)", text);
+        kTag, "virtual bool android::fp_utils::AuthEvent::LoadFromBackupString(std::string &)",
+        text);
     return false;
   }
   timestamp = static_cast<time_t>(stored_time);
   acquired_info = static_cast<int8_t>(stored_info);
   auth_successful = stored_success != 0;
-  // The pattern is stricter than the scan: a text that only the scan takes stays whole, and a
-  // derived record then fails on it.
+  // The pattern is stricter than the scan. A text that only the scan accepts is not shortened, and
+  // the derived record then fails to load.
   RemoveFirstMatch(text, "xxxxxx");
   return true;
 }

@@ -9,12 +9,13 @@
 namespace android::fp_utils {
 namespace {
 
+constexpr char kTag[] = "AuthEventG7";
 constexpr size_t kTextSize = 1024;
 constexpr int8_t kAcquiredPartial = 2;
 constexpr char kLoadSignature[] =
     "virtual bool android::fp_utils::AuthEventG7::LoadFromBackupString(std::string &)";
 
-// Result codes of the matcher that name the failure themselves.
+// Result codes of the matcher that determine the reason.
 constexpr uint32_t kRcTooDark = 1164;
 constexpr uint32_t kRcImagePartial = 1013;
 constexpr uint32_t kRcLowQuality = 1014;
@@ -22,14 +23,14 @@ constexpr uint32_t kRcSpoof = 1137;
 constexpr uint32_t kRcResidual = 1138;
 constexpr uint32_t kRcTooBright = 1513;
 
-// A raw mean this far below the reference is a dark image whatever the matcher says.
+// At or below this raw mean delta an image is too dark, whatever the matcher says.
 constexpr int32_t kDarkRawmeanDelta = -1001;
 
-// From this much of the third metric's A part on, the finger was on target and the cause is open.
+// If A of the third metric exceeds this, the finger was on target and the cause is unknown.
 constexpr uint32_t kOnTargetMetric = 119;
 
-// The three values of a packed metric. A negative value turns up as a very large one and so passes
-// every lower bound: the matcher's limits were tuned with that.
+// The three values of a packed metric. A negative value becomes a very large one and passes every
+// lower bound. The limits below were tuned with that.
 struct Metric {
   explicit Metric(int32_t packed)
       : a(static_cast<uint32_t>(packed / 1000000)),
@@ -54,7 +55,7 @@ const char* ReasonOfMetrics(const AuthEventG7& event) {
   return Metric(event.packed_metric_3).a > kOnTargetMetric ? "Unknown" : "Partial off target";
 }
 
-// The capitals differ from phrase to phrase; the tools that count reasons match them as they are.
+// The capitalization varies, but tools that count reasons search for exactly these texts.
 const char* Reason(const AuthEventG7& event) {
   if (event.rc == kRcTooDark || event.rawmean_delta <= kDarkRawmeanDelta) {
     return "Too Dark";
@@ -116,8 +117,7 @@ std::string AuthEventG7::ToBackupString() const {
 
 bool AuthEventG7::LoadFromBackupString(std::string& text) {
   if (!AuthEvent::LoadFromBackupString(text)) {
-    FP_LOG_ERROR(log_tag::kAuthEventG7, "[%s] AuthEvent failed to load '%s'", kLoadSignature,
-                 text.c_str());
+    FP_LOG_ERROR(kTag, "[%s] AuthEvent failed to load '%s'", kLoadSignature, text.c_str());
     return false;
   }
   constexpr int kFields = 21;
@@ -132,7 +132,7 @@ bool AuthEventG7::LoadFromBackupString(std::string& text) {
              AsUnsigned(&num[1]), AsUnsigned(&num[2]), AsUnsigned(&num[3]), AsUnsigned(&num[4]),
              AsUnsigned(&area[0]), AsUnsigned(&area[1]), AsUnsigned(&area[2]), AsUnsigned(&area[3]),
              AsUnsigned(&area[4])) != kFields) {
-    LogParseFailure(log_tag::kAuthEventG7, kLoadSignature, text);
+    LogParseFailure(kTag, kLoadSignature, text);
     return false;
   }
   return true;

@@ -13,19 +13,20 @@
 namespace android::fp_utils {
 namespace {
 
-constexpr BackupFile::Wording kWording = {
-    .tag = log_tag::kAuthStats,
+constexpr char kTag[] = "AuthStats";
+constexpr BackupFile::LogNames kLogNames = {
+    .tag = kTag,
     .create_operation = "Init",
     .save_operation = "SaveAttemptsToBackupFile",
     .load_operation = "LoadAttemptsFromBackupFile",
     .load_signature = "void android::fp_utils::AuthStats::LoadAttemptsFromBackupFile()",
 };
 
-// A single failed touch is not worth a write; from this many in a row on, each one is.
+// A single failed touch is not worth a write. From this many in a row on, each reject is saved.
 constexpr uint32_t kRejectsBeforeSave = 5;
 
-// Counts over all histories of the process: they see the same finger. Atomic because each history
-// only holds its own lock.
+// Counted over all histories of the process, because they see the same finger. Atomic, because each
+// history holds only its own lock.
 std::atomic<uint32_t> consecutive_rejects = 0;
 
 }  // namespace
@@ -39,9 +40,9 @@ AuthStats::AuthStats(std::string name, uint32_t max_attempts, bool backup_enable
 AuthStats::~AuthStats() = default;
 
 void AuthStats::Init() {
-  initialized = false;  // a save would cut off the file that is being loaded
+  initialized = false;  // a save would overwrite the file that is being loaded
   if (backup_enabled) {
-    backup_path = BackupFile::Prepare(kWording, kBackupDir, "AuthStats." + name);
+    backup_path = BackupFile::CreateDirectoryAndPath(kLogNames, kBackupDir, "AuthStats." + name);
     LoadAttemptsFromBackupFile();
   }
   initialized = true;
@@ -58,7 +59,7 @@ void AuthStats::Reset() {
 
 void AuthStats::AddAttempt(std::shared_ptr<AuthEvent> event) {
   if (event == nullptr) {
-    FP_LOG_ERROR(log_tag::kAuthStats, "[%s] AuthEvent is null, ignored", name.c_str());
+    FP_LOG_ERROR(kTag, "[%s] AuthEvent is null, ignored", name.c_str());
     return;
   }
   const std::lock_guard lock(mutex);
@@ -116,7 +117,7 @@ std::shared_ptr<AuthEvent> AuthStats::PopAttempt() {
 std::shared_ptr<AuthEvent> AuthStats::CreateAttempt() { return std::make_shared<AuthEvent>(); }
 
 void AuthStats::LoadAttemptsFromBackupFile() {
-  BackupFile(kWording, name.c_str(), backup_path).Load([this](std::string& record_text) {
+  BackupFile(kLogNames, name.c_str(), backup_path).Load([this](std::string& record_text) {
     std::shared_ptr<AuthEvent> event = CreateAttempt();
     if (event->LoadFromBackupString(record_text)) {
       AddAttempt(std::move(event));
@@ -125,7 +126,7 @@ void AuthStats::LoadAttemptsFromBackupFile() {
 }
 
 void AuthStats::SaveAttemptsToBackupFile() const {
-  BackupFile(kWording, name.c_str(), backup_path)
+  BackupFile(kLogNames, name.c_str(), backup_path)
       .Save(backup_content->Update<AuthEventG7, AuthEvent>(attempts));
 }
 

@@ -8,9 +8,10 @@
 namespace android::fp_utils {
 namespace {
 
+constexpr char kTag[] = "AuthStatsG7";
 constexpr char kRecordClass[] = "AuthEventG7";
 
-// AddAttempt() lets only AuthEventG7 records in; a base record pushed past it counts as 0.
+// AddAttempt() rejects other records. One that was pushed directly counts as 0.
 float RawmeanDelta(AuthEvent& event) {
   return event.GetClassName() != kRecordClass
              ? 0
@@ -28,7 +29,7 @@ void AuthStatsG7::Reset() {
 
 void AuthStatsG7::AddAttempt(std::shared_ptr<AuthEvent> event) {
   if (event != nullptr && event->GetClassName() != kRecordClass) {
-    FP_LOG_ERROR(log_tag::kAuthStatsG7, "[%s][%s] AuthEvent is not allowed!", GetName().c_str(),
+    FP_LOG_ERROR(kTag, "[%s][%s] AuthEvent is not allowed!", GetName().c_str(),
                  "virtual void android::fp_utils::AuthStatsG7::AddAttempt("
                  "std::shared_ptr<AuthEvent>)");
     return;

@@ -21,13 +21,13 @@
 namespace android::fp_utils {
 namespace {
 
-// Owner read and write without the search bit: on a device init has created the directory with its
-// real mode long before, and a service that finds none must not open it up.
+// Read and write for the owner only. On a device, init creates the directory with its real mode
+// before the service starts; a service that has to create it must not make it accessible.
 constexpr mode_t kDirectoryMode = 0600;
 
-constexpr mode_t kFileMode = 0666;  // less the umask
+constexpr mode_t kFileMode = 0666;  // before the umask
 
-// The longest record text that the reader takes.
+// The longest record text that the reader accepts.
 constexpr size_t kMaxRecordBytes = 1024;
 
 std::string FrameOf(const std::string& record_text) {
@@ -36,7 +36,7 @@ std::string FrameOf(const std::string& record_text) {
   return header.ToString() + record_text;
 }
 
-// Cuts a file that is longer.
+// Truncates a file that is longer than `length`.
 bool LimitLength(int file, size_t length) {
   struct stat status = {};
   return fstat(file, &status) == 0 && (static_cast<uint64_t>(status.st_size) <= length ||
@@ -50,7 +50,6 @@ using UniqueFile = std::unique_ptr<FILE, FileCloser>;
 
 }  // namespace
 
-// A history loses records at its front.
 void BackupContent::DropFramesBefore(const void* record) {
   size_t bytes = 0;
   while (!frames_.empty() && frames_.front().record != record) {
@@ -66,11 +65,11 @@ void BackupContent::SetText(Frame& frame, size_t at, const std::string& record_t
   frame.bytes = text.size();
 }
 
-std::string BackupFile::Prepare(const Wording& wording, const char* directory,
-                                const std::string& file_name) {
+std::string BackupFile::CreateDirectoryAndPath(const LogNames& names, const char* directory,
+                                               const std::string& file_name) {
   if (mkdir(directory, kDirectoryMode) != 0 && errno != EEXIST) {
-    FP_LOG_ERROR(wording.tag, "[%s] Failed to create directory \"%s\" with error %d.",
-                 wording.create_operation, directory, errno);
+    FP_LOG_ERROR(names.tag, "[%s] Failed to create directory \"%s\" with error %d.",
+                 names.create_operation, directory, errno);
   }
   std::string path = directory;
   if (path.empty() || path.back() != '/') {
@@ -80,39 +79,39 @@ std::string BackupFile::Prepare(const Wording& wording, const char* directory,
 }
 
 void BackupFile::LogOpenFailure(const char* operation) const {
-  FP_LOG_ERROR(wording_.tag, "[%s] Failed to open \"%s\" with error %d.", operation, path_.c_str(),
+  FP_LOG_ERROR(names_.tag, "[%s] Failed to open \"%s\" with error %d.", operation, path_.c_str(),
                errno);
 }
 
 void BackupFile::LogCrcMismatch() const {
   if (instance_ != nullptr) {
-    FP_LOG_ERROR(wording_.tag, "[%s][%s] Crc checksum didn't match!", instance_,
-                 wording_.load_signature);
+    FP_LOG_ERROR(names_.tag, "[%s][%s] Crc checksum didn't match!", instance_,
+                 names_.load_signature);
   } else {
-    FP_LOG_ERROR(wording_.tag, "[%s] Crc checksum didn't match!", wording_.load_signature);
+    FP_LOG_ERROR(names_.tag, "[%s] Crc checksum didn't match!", names_.load_signature);
   }
 }
 
 void BackupFile::LogOversize(unsigned long long length) const {
-  FP_LOG_ERROR(wording_.tag, "[%s][%s] Frame of %llu bytes is too long!",
-               instance_ != nullptr ? instance_ : wording_.tag, wording_.load_signature, length);
+  FP_LOG_ERROR(names_.tag, "[%s][%s] Frame of %llu bytes is too long!",
+               instance_ != nullptr ? instance_ : names_.tag, names_.load_signature, length);
 }
 
 void BackupFile::Save(std::string_view content) const {
   const base::unique_fd file(open(path_.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, kFileMode));
   if (file < 0 || !LimitLength(file, content.size())) {
-    LogOpenFailure(wording_.save_operation);
+    LogOpenFailure(names_.save_operation);
     return;
   }
-  // Unchecked: the records are still in memory, the next save writes them all again, and the next
-  // load stops at whatever a full disk cut off.
+  // Not checked: the records are still in memory, the next save writes all of them again, and a
+  // load stops at the frame that a full disk has truncated.
   base::WriteFully(file, content.data(), content.size());
 }
 
 void BackupFile::Load(const std::function<void(std::string& record_text)>& take) const {
   const UniqueFile file(fopen(path_.c_str(), "re"));
   if (file == nullptr) {
-    LogOpenFailure(wording_.load_operation);
+    LogOpenFailure(names_.load_operation);
     return;
   }
   char buffer[kMaxRecordBytes] = {};
@@ -123,7 +122,7 @@ void BackupFile::Load(const std::function<void(std::string& record_text)>& take)
       LogOversize(length);
       return;
     }
-    // A short read leaves the rest of the buffer as the record before it did; the CRC tells.
+    // After a short read the buffer ends in bytes of the record before; the CRC detects that.
     (void)!fread(buffer, length, 1, file.get());
     buffer[std::min<size_t>(length, sizeof buffer - 1)] = '\0';
     if (crc32(buffer, length) != crc) {
@@ -133,9 +132,9 @@ void BackupFile::Load(const std::function<void(std::string& record_text)>& take)
     std::string record_text(buffer, length);
     take(record_text);
   }
-  // A header that does not read as one is the normal end; a device that fails is not.
+  // Without a valid header the load ends quietly; a read error is logged.
   if (ferror(file.get()) != 0) {
-    FP_LOG_ERROR(wording_.tag, "[%s] Failed to read \"%s\" with error %d.", wording_.load_operation,
+    FP_LOG_ERROR(names_.tag, "[%s] Failed to read \"%s\" with error %d.", names_.load_operation,
                  path_.c_str(), errno);
   }
 }

@@ -9,21 +9,21 @@
 
 #include "common/exact_class.h"
 
-// The backup file of a history: frames laid end to end, each "0x<crc>,0x<length>,<record text>"
-// with the CRC-32 and the length in bytes of the text, lower-case hexadecimal. No separator, header
-// or trailer. docs/backup-file.md describes it for writers of other readers.
+// The backup file of a history is a sequence of frames "0x<crc>,0x<length>,<record text>", with the
+// CRC-32 and the length in bytes of the text in lower-case hexadecimal. It has no separators,
+// header or trailer. docs/backup-file.md describes the format.
 
 namespace android::fp_utils {
 
-// The content of a history's file as of its last save. Most records of the next save are the same
-// ones with the same fields, and their frames are not composed again.
+// The content of a history's file as of its last save. Most records have not changed by the next
+// save, and their frames are reused.
 class BackupContent {
  public:
-  // The frames of `records` in their order, valid until the next call. `Known` are the classes
-  // whose ToBackupString() depends on nothing but the fields; a record of any other class is asked
-  // for its text every time.
+  // Returns the frames of `records` in their order, valid until the next call. `Known` are the
+  // classes whose ToBackupString() depends on nothing but the fields. The frame of a record of any
+  // other class is composed every time.
   template <typename... Known, typename Records>
-  std::string_view Update(const Records& records) {
+  [[nodiscard]] std::string_view Update(const Records& records) {
     DropFramesBefore(records.empty() ? nullptr : records.front().get());
     size_t index = 0;
     size_t at = 0;
@@ -47,14 +47,14 @@ class BackupContent {
 
  private:
   struct Frame {
-    const void* record = nullptr;  // only tells which frames the history has dropped
+    const void* record = nullptr;  // only compared, to find the frames of dropped records
     std::string state;             // of the record when its frame was composed
     size_t bytes = 0;              // length of the frame
   };
 
-  // The bytes of a record whose class is one of Known itself, nothing of any other. Bytes, since
-  // fields that compare equal may have different texts: 0 and -0. Padding is among them; where it
-  // differs, a frame is composed again without need.
+  // The bytes of a record whose class is exactly one of Known; empty for any other class. Fields
+  // are not compared by value, because equal ones can have different texts (0 and -0). A difference
+  // in the padding only causes a frame to be composed again.
   template <typename... Known, typename Record>
   static std::string_view StateOf(const Record& record) {
     size_t size = 0;
@@ -62,6 +62,7 @@ class BackupContent {
     return {reinterpret_cast<const char*>(&record), size};
   }
 
+  // Removes the frames of the oldest records, which the history has dropped.
   void DropFramesBefore(const void* record);
   void SetText(Frame& frame, size_t at, const std::string& record_text);
 
@@ -69,12 +70,13 @@ class BackupContent {
   std::string content_;
 };
 
-// One history's reader and writer of its file, with the names under which the history logs.
+// Reads and writes the file of one history, and logs under the names of that history.
 class BackupFile {
  public:
-  struct Wording {
+  // The names that appear in the log lines of a history.
+  struct LogNames {
     const char* tag;
-    const char* create_operation;  // who creates the directory
+    const char* create_operation;  // creates the directory
     const char* save_operation;
     const char* load_operation;
     const char* load_signature;  // literal, so that every compiler logs the same text
@@ -82,19 +84,20 @@ class BackupFile {
 
   // `instance` is the history's name in the messages about damage; null where it has none. All
   // arguments are borrowed.
-  BackupFile(const Wording& wording, const char* instance, const std::string& path)
-      : wording_(wording), instance_(instance), path_(path) {}
+  BackupFile(const LogNames& names, const char* instance, const std::string& path)
+      : names_(names), instance_(instance), path_(path) {}
 
   // Creates `directory` if need be and returns the path of `file_name` in it. A failure is logged
   // and shows again when the file is opened.
-  static std::string Prepare(const Wording& wording, const char* directory,
-                             const std::string& file_name);
+  [[nodiscard]] static std::string CreateDirectoryAndPath(const LogNames& names,
+                                                          const char* directory,
+                                                          const std::string& file_name);
 
-  // Makes `content` the file's. On the way there the old content is not thrown away first: what a
-  // kill in between leaves is the front of the new content with the rest of the old one behind it.
+  // Replaces the content of the file. The file is not truncated first, so a process that is killed
+  // meanwhile leaves the start of the new content followed by the rest of the old one.
   void Save(std::string_view content) const;
 
-  // Hands the record texts to `take` up to the end of the file or the first damage.
+  // Calls `take` with each record text up to the end of the file or the first damage.
   void Load(const std::function<void(std::string& record_text)>& take) const;
 
  private:
@@ -102,7 +105,7 @@ class BackupFile {
   void LogCrcMismatch() const;
   void LogOversize(unsigned long long length) const;
 
-  const Wording& wording_;
+  const LogNames& names_;
   const char* instance_;
   const std::string& path_;
 };

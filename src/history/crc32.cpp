@@ -4,8 +4,8 @@
 #include <array>
 #include <cstddef>
 
-// Slicing-by-N after Kounavis and Berry, "Novel Table Lookup-Based Algorithms for High-Performance
-// CRC Generation" (IEEE Transactions on Computers, 2008): N bytes a step, one table per byte
+// Slicing-by-16 after Kounavis and Berry, "Novel Table Lookup-Based Algorithms for High-Performance
+// CRC Generation" (IEEE Transactions on Computers, 2008): 16 bytes per step and one table per byte
 // position, all derived from the usual 256-entry table.
 
 namespace android::fp_utils {
@@ -25,7 +25,7 @@ constexpr std::array<Table, kSlices> MakeTables() {
     }
     tables[0][byte] = value;
   }
-  // tables[k][b] is the effect of byte b after k more zero bytes have passed the register.
+  // tables[k][b] is the effect of byte b on the register after k more zero bytes.
   for (size_t k = 1; k < kSlices; ++k) {
     for (size_t byte = 0; byte < 256; ++byte) {
       const uint32_t previous = tables[k - 1][byte];
@@ -41,7 +41,7 @@ uint32_t LoadLittleEndian(const uint8_t* bytes) {
   return bytes[0] | bytes[1] << 8 | bytes[2] << 16 | static_cast<uint32_t>(bytes[3]) << 24;
 }
 
-// The part that the four bytes of `word` contribute when the last of them has `k` bytes behind it.
+// The contribution of the four bytes of `word` when `k` bytes follow them.
 uint32_t Slice(uint32_t word, size_t k) {
   return kTables[k + 3][word & 0xFF] ^ kTables[k + 2][word >> 8 & 0xFF] ^
          kTables[k + 1][word >> 16 & 0xFF] ^ kTables[k][word >> 24];
@@ -49,18 +49,18 @@ uint32_t Slice(uint32_t word, size_t k) {
 
 }  // namespace
 
-uint32_t crc32(void const* data, unsigned long length) {
+uint32_t crc32(const void* data, unsigned long length) {
   if (length == 0) {
     return 0;
   }
   const auto* bytes = static_cast<const uint8_t*>(data);
   uint32_t crc = 0xFFFFFFFF;
-  // What does not depend on the register is combined first: it need not wait for the step before.
+  // Bytes 4 to 15 do not depend on the register, so they need not wait for the previous step.
   for (; length >= 16; length -= 16, bytes += 16) {
-    const uint32_t behind = Slice(LoadLittleEndian(bytes + 4), 8) ^
-                            Slice(LoadLittleEndian(bytes + 8), 4) ^
-                            Slice(LoadLittleEndian(bytes + 12), 0);
-    crc = behind ^ Slice(LoadLittleEndian(bytes) ^ crc, 12);
+    const uint32_t rest = Slice(LoadLittleEndian(bytes + 4), 8) ^
+                          Slice(LoadLittleEndian(bytes + 8), 4) ^
+                          Slice(LoadLittleEndian(bytes + 12), 0);
+    crc = rest ^ Slice(LoadLittleEndian(bytes) ^ crc, 12);
   }
   if ((length & 8) != 0) {
     crc = Slice(LoadLittleEndian(bytes + 4), 0) ^ Slice(LoadLittleEndian(bytes) ^ crc, 4);

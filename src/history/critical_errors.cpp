@@ -13,6 +13,7 @@
 namespace android::fp_utils {
 namespace {
 
+constexpr char kTag[] = "CriticalErrors";
 constexpr uint32_t kMaxEvents = 100;
 
 }  // namespace
@@ -41,7 +42,7 @@ CriticalErrors::~CriticalErrors() = default;
 
 void CriticalErrors::AddErrorEvent(std::shared_ptr<ErrorEvent> event) {
   if (event == nullptr) {
-    FP_LOG_ERROR(log_tag::kCriticalErrors, "[%s] ErrorEvent is null, ignored", "AddErrorEvent");
+    FP_LOG_ERROR(kTag, "[%s] ErrorEvent is null, ignored", "AddErrorEvent");
     return;
   }
   const std::lock_guard lock(mutex);

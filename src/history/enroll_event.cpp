@@ -11,6 +11,7 @@
 namespace android::fp_utils {
 namespace {
 
+constexpr char kTag[] = "EnrollEvent";
 constexpr size_t kTextSize = 256;
 
 }  // namespace
@@ -40,8 +41,8 @@ std::string EnrollEvent::ToBackupString() const {
   return text.ToString();
 }
 
-// What is not converted by way of a temporary goes straight into the record, so that a damaged text
-// leaves there what was readable, as it always has.
+// Fields without a temporary are scanned straight into the record, so after a failure it holds
+// those that were readable. Callers rely on that.
 bool EnrollEvent::LoadFromBackupString(std::string& text) {
   unsigned long long stored_time = 0;
   int stored_op = 0;
@@ -50,15 +51,15 @@ bool EnrollEvent::LoadFromBackupString(std::string& text) {
              &stored_success, AsUnsigned(&gid), AsUnsigned(&fid), AsUnsigned(&capture_count),
              &iq_avg, AsUnsigned(&enrolled_fingers_count)) < 8) {
     LogParseFailure(
-        log_tag::kEnrollEvent,
-        "virtual bool android::fp_utils::EnrollEvent::LoadFromBackupString(std::string &)", text);
+        kTag, "virtual bool android::fp_utils::EnrollEvent::LoadFromBackupString(std::string &)",
+        text);
     return false;
   }
   timestamp = static_cast<time_t>(stored_time);
   op = static_cast<uint32_t>(stored_op);
   enroll_successful = stored_success != 0;
-  // The pattern is stricter than the scan: a text that only the scan takes stays whole, and a
-  // derived record then fails on it.
+  // The pattern is stricter than the scan. A text that only the scan accepts is not shortened, and
+  // the derived record then fails to load.
   RemoveFirstMatch(text, "xdxxxxfx");
   return true;
 }

@@ -12,8 +12,9 @@
 namespace android::fp_utils {
 namespace {
 
-constexpr BackupFile::Wording kWording = {
-    .tag = log_tag::kEnrollEventContainer,
+constexpr char kTag[] = "EnrollEventContainer";
+constexpr BackupFile::LogNames kLogNames = {
+    .tag = kTag,
     .create_operation = "Init",
     .save_operation = "SaveEventsToBackupFile",
     .load_operation = "LoadEventsFromBackupFile",
@@ -23,7 +24,7 @@ constexpr BackupFile::Wording kWording = {
 constexpr uint32_t kMaxEvents = 50;
 constexpr char kEventTypeG7[] = "EnrollEventG7";
 
-// The one file has no instance name, in its path as in its messages.
+// There is one file for all containers, so neither its path nor its log lines name an instance.
 constexpr const char* kNoInstance = nullptr;
 
 }  // namespace
@@ -32,10 +33,10 @@ EnrollEventContainer::EnrollEventContainer() : backup_content(std::make_unique<B
 
 EnrollEventContainer::~EnrollEventContainer() = default;
 
-void EnrollEventContainer::Init(char const* event_type) {
-  initialized = false;  // a save would cut off the file that is being loaded
+void EnrollEventContainer::Init(const char* event_type) {
+  initialized = false;  // a save would overwrite the file that is being loaded
   this->event_type = event_type != nullptr ? event_type : "";
-  backup_path = BackupFile::Prepare(kWording, kBackupDir, "EnrollEventContainer");
+  backup_path = BackupFile::CreateDirectoryAndPath(kLogNames, kBackupDir, "EnrollEventContainer");
   LoadEventsFromBackupFile();
   initialized = true;
 }
@@ -45,7 +46,7 @@ std::shared_ptr<EnrollEvent> EnrollEventContainer::CreateEvent() {
     return std::make_shared<EnrollEventG7>();
   }
   FP_LOG_ERROR(
-      log_tag::kEnrollEventContainer, "[%s] Unknown event_type:%s",
+      kTag, "[%s] Unknown event_type:%s",
       "std::shared_ptr<EnrollEvent> android::fp_utils::EnrollEventContainer::CreateEvent()",
       event_type.c_str());
   return nullptr;
@@ -53,7 +54,7 @@ std::shared_ptr<EnrollEvent> EnrollEventContainer::CreateEvent() {
 
 void EnrollEventContainer::AddEvent(std::shared_ptr<EnrollEvent> event) {
   if (event == nullptr) {
-    FP_LOG_ERROR(log_tag::kEnrollEventContainer, "[%s] EnrollEvent is null, ignored", "AddEvent");
+    FP_LOG_ERROR(kTag, "[%s] EnrollEvent is null, ignored", "AddEvent");
     return;
   }
   const std::lock_guard lock(mutex);
@@ -68,16 +69,15 @@ void EnrollEventContainer::AddEvent(std::shared_ptr<EnrollEvent> event) {
 
 // Called by AddEvent() with the lock held.
 void EnrollEventContainer::SaveEventsToBackupFile() const FP_NO_THREAD_SAFETY_ANALYSIS {
-  BackupFile(kWording, kNoInstance, backup_path)
+  BackupFile(kLogNames, kNoInstance, backup_path)
       .Save(backup_content->Update<EnrollEventG7, EnrollEvent>(events));
 }
 
 void EnrollEventContainer::LoadEventsFromBackupFile() {
-  BackupFile(kWording, kNoInstance, backup_path).Load([this](std::string& record_text) {
+  BackupFile(kLogNames, kNoInstance, backup_path).Load([this](std::string& record_text) {
     std::shared_ptr<EnrollEvent> event = CreateEvent();
     if (event == nullptr) {
-      FP_LOG_ERROR(log_tag::kEnrollEventContainer, "[%s] Failed to create event!",
-                   kWording.load_signature);
+      FP_LOG_ERROR(kTag, "[%s] Failed to create event!", kLogNames.load_signature);
     } else if (event->LoadFromBackupString(record_text)) {
       AddEvent(std::move(event));
     }

@@ -9,6 +9,7 @@
 namespace android::fp_utils {
 namespace {
 
+constexpr char kTag[] = "EnrollEventG7";
 constexpr size_t kPieceSize = 128;
 constexpr char kLoadSignature[] =
     "virtual bool android::fp_utils::EnrollEventG7::LoadFromBackupString(std::string &)";
@@ -43,7 +44,7 @@ std::string EnrollEventG7::ToDebugString() const {
 std::string EnrollEventG7::ToBackupString() const {
   const auto& num = stitch_img_num_;
   const auto& area = stitch_img_area_;
-  // The tail has always been limited to this buffer; readers of old and new files see the same.
+  // Truncated to this buffer, as in existing files.
   BoundedText<kPieceSize> text;
   text.Append(",0x%x,%.2f,0x%x,0x%x,0x%x,0x%x,0x%x,0x%x,0x%x,0x%x,0x%x,0x%x", rc, rawmean_delta,
               num[0], num[1], num[2], num[3], num[4], area[0], area[1], area[2], area[3], area[4]);
@@ -52,8 +53,7 @@ std::string EnrollEventG7::ToBackupString() const {
 
 bool EnrollEventG7::LoadFromBackupString(std::string& text) {
   if (!EnrollEvent::LoadFromBackupString(text)) {
-    FP_LOG_ERROR(log_tag::kEnrollEventG7, "[%s] EnrollEvent failed to load '%s'", kLoadSignature,
-                 text.c_str());
+    FP_LOG_ERROR(kTag, "[%s] EnrollEvent failed to load '%s'", kLoadSignature, text.c_str());
     return false;
   }
   constexpr int kFields = 12;
@@ -64,7 +64,7 @@ bool EnrollEventG7::LoadFromBackupString(std::string& text) {
              AsUnsigned(&num[2]), AsUnsigned(&num[3]), AsUnsigned(&num[4]), AsUnsigned(&area[0]),
              AsUnsigned(&area[1]), AsUnsigned(&area[2]), AsUnsigned(&area[3]),
              AsUnsigned(&area[4])) != kFields) {
-    LogParseFailure(log_tag::kEnrollEventG7, kLoadSignature, text);
+    LogParseFailure(kTag, kLoadSignature, text);
     return false;
   }
   return true;

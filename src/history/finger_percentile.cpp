@@ -11,8 +11,8 @@ namespace {
 
 constexpr uint32_t kSignBit = 0x80000000;
 
-// A float as an integer that sorts like it. Integers compare without branches, and give an order to
-// the NaN that a file may hold: beyond the infinity of its sign.
+// Maps a float to an integer with the same order. Integers compare without branches, and a NaN,
+// which a file may contain, sorts beyond the infinity of its sign.
 uint32_t ToKey(float value) {
   uint32_t bits = 0;
   memcpy(&bits, &value, sizeof bits);
@@ -26,8 +26,8 @@ float FromKey(uint32_t key) {
   return value;
 }
 
-// `position` as an index below `count`: cut towards zero, and into the range where the caller's
-// percentile lies outside 0 to 100.
+// `position` truncated to an index, and clamped below `count` in case the caller's percentile is
+// not within 0 to 100.
 size_t IndexOf(float position, size_t count) {
   if (!(position > 0)) {  // also NaN
     return 0;
@@ -53,8 +53,8 @@ float FingerSizes::GetPercentileValue(FingerSize::Axis axis, float percentile) {
   }
   const float position = percentile / 100.0F * static_cast<float>(count - 1);
   const size_t index = IndexOf(position, count);
-  // Two neighbours of the sorted order are wanted, not the order: select the first, and behind it
-  // the second is the smallest.
+  // Only two neighbours of the sorted order are needed: nth_element() selects the first, and the
+  // second is the smallest key after it.
   const auto lower = keys.begin() + static_cast<ptrdiff_t>(index);
   std::nth_element(keys.begin(), lower, keys.end());
   const float low = FromKey(*lower);

@@ -9,6 +9,7 @@
 namespace android::fp_utils {
 namespace {
 
+constexpr char kTag[] = "FingerSizes";
 constexpr size_t kTextSize = 128;
 
 }  // namespace
@@ -35,8 +36,8 @@ bool FingerSize::LoadFromBackupString(std::string& text) {
   int scanned_op = 0;
   if (sscanf(text.c_str(), "%d,%f,%f", &scanned_op, &major, &minor) != 3) {
     LogParseFailure(
-        log_tag::kFingerSizes,
-        "virtual bool android::fp_utils::FingerSize::LoadFromBackupString(std::string &)", text);
+        kTag, "virtual bool android::fp_utils::FingerSize::LoadFromBackupString(std::string &)",
+        text);
     return false;
   }
   op = scanned_op;

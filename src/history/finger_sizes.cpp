@@ -9,9 +9,10 @@
 namespace android::fp_utils {
 namespace {
 
-constexpr BackupFile::Wording kWording = {
-    .tag = log_tag::kFingerSizes,
-    .create_operation = log_tag::kFingerSizes,  // this class has always given its tag here
+constexpr char kTag[] = "FingerSizes";
+constexpr BackupFile::LogNames kLogNames = {
+    .tag = kTag,
+    .create_operation = kTag,  // existing log lines have the tag here
     .save_operation = "SaveFingersToBackupFile",
     .load_operation = "LoadFingersFromBackupFile",
     .load_signature = "void android::fp_utils::FingerSizes::LoadFingersFromBackupFile()",
@@ -25,7 +26,8 @@ FingerSizes::FingerSizes(std::string name, unsigned int max_fingers, bool backup
       backup_enabled(backup_enabled),
       backup_content(std::make_unique<BackupContent>()) {
   if (backup_enabled) {
-    backup_path = BackupFile::Prepare(kWording, kBackupDir, "FingerSizes." + this->name);
+    backup_path =
+        BackupFile::CreateDirectoryAndPath(kLogNames, kBackupDir, "FingerSizes." + this->name);
     LoadFingersFromBackupFile();
   }
 }
@@ -41,7 +43,7 @@ void FingerSizes::Reset() {
 
 void FingerSizes::AddFinger(std::shared_ptr<FingerSize> finger, bool save) {
   if (finger == nullptr) {
-    FP_LOG_ERROR(log_tag::kFingerSizes, "[%s] FingerSize is null, ignored", name.c_str());
+    FP_LOG_ERROR(kTag, "[%s] FingerSize is null, ignored", name.c_str());
     return;
   }
   const std::lock_guard lock(mutex);
@@ -76,7 +78,7 @@ std::shared_ptr<FingerSize> FingerSizes::PopFinger() {
 }
 
 void FingerSizes::LoadFingersFromBackupFile() {
-  BackupFile(kWording, name.c_str(), backup_path).Load([this](std::string& record_text) {
+  BackupFile(kLogNames, name.c_str(), backup_path).Load([this](std::string& record_text) {
     auto finger = std::make_shared<FingerSize>();
     if (finger->LoadFromBackupString(record_text)) {
       AddFinger(std::move(finger), false);
@@ -85,7 +87,8 @@ void FingerSizes::LoadFingersFromBackupFile() {
 }
 
 void FingerSizes::SaveFingersToBackupFile() const {
-  BackupFile(kWording, name.c_str(), backup_path).Save(backup_content->Update<FingerSize>(fingers));
+  BackupFile(kLogNames, name.c_str(), backup_path)
+      .Save(backup_content->Update<FingerSize>(fingers));
 }
 
 }  // namespace android::fp_utils

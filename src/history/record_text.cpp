@@ -12,8 +12,8 @@ namespace {
 constexpr char kDecimal[] = "0123456789";
 constexpr char kHex[] = "0123456789abcdefABCDEF";
 
-// The end of the field that begins at `at`, or null. No field can end with a character that could
-// belong to what follows it, so the longest match is the only one to try.
+// The end of the field that begins at `at`, or null. The next field starts after a comma, which no
+// field contains, so only the longest match has to be tried.
 const char* EndOfField(const char* at, char field) {
   if (field == 'x') {
     at += strncmp(at, "0x", 2) == 0 ? 2 : strlen(at);
@@ -29,7 +29,7 @@ const char* EndOfField(const char* at, char field) {
   return decimals == 0 ? at : at + 1 + decimals;
 }
 
-// Likewise for fields with commas in between.
+// The same for several fields with commas in between.
 const char* EndOfFields(const char* at, const char* fields) {
   at = EndOfField(at, *fields);
   while (at != nullptr && *++fields != '\0') {

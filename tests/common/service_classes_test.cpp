@@ -62,12 +62,12 @@ TEST_F(SERVICE_CLASSES, OfRecordsCountAndSaveTheirOwnText) {
 class LeftHalf : public IShape {
  public:
   std::string Print() const override { return "LeftHalf"; }
-  bool Contains(Point const& p) const override { return p.x < 5; }
+  bool Contains(const Point& p) const override { return p.x < 5; }
 };
 
 struct WideCircle : Circle {
   using Circle::Circle;
-  bool Contains(Point const& p) const override { return p.x < 5; }
+  bool Contains(const Point& p) const override { return p.x < 5; }
 };
 
 TEST_F(SERVICE_CLASSES, OfShapesAreAskedAtEverySample) {

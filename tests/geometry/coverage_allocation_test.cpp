@@ -15,11 +15,11 @@ TEST(CoverageAllocation, EstimatesDoNotAllocate) {
   const Circle sensor({540, 1800}, 100);
   const Ellipse touch({560, 1790}, 220, 160, 0.4F);
   const Rect area({400, 1700}, {3000, 1900});
-  sensor.CoverageCoveredBy(touch);
+  EXPECT_LT(0, sensor.CoverageCoveredBy(touch));
   const uint64_t before = Allocations();
   EXPECT_LT(0u, before) << "they are counted";
-  sensor.CoverageCoveredBy(touch);
-  area.CoverageCoveredBy(touch);
+  EXPECT_LT(0, sensor.CoverageCoveredBy(touch));
+  EXPECT_LT(0, area.CoverageCoveredBy(touch));
   EXPECT_EQ(before, Allocations());
 }
 

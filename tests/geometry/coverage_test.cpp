@@ -39,7 +39,7 @@ class TalkingShape : public IShape {
   TalkingShape(std::string name, std::function<bool(Point const&)> contains)
       : name_(std::move(name)), contains_(std::move(contains)) {}
   std::string Print() const override { return name_; }
-  bool Contains(Point const& p) const override {
+  bool Contains(const Point& p) const override {
     __android_log_print(ANDROID_LOG_INFO, name_.c_str(), "%g,%g", p.x, p.y);
     return contains_(p);
   }
@@ -63,8 +63,8 @@ std::vector<LogLine> operator+(std::vector<LogLine> lines, const std::vector<Log
 }
 
 TEST(Coverage, AsksUserShapesInOrder) {
-  const TalkingShape a("a", [](Point const& p) { return p.x < 1; });
-  const TalkingShape b("b", [](Point const& p) { return p.y > 0; });
+  const TalkingShape a("a", [](const Point& p) { return p.x < 1; });
+  const TalkingShape b("b", [](const Point& p) { return p.y > 0; });
   EXPECT_EQ((Counts{2, 2, 1}), CountIn(Rect({0, 0}, {1, 1}), a, b));
   EXPECT_EQ(Asked("a", {"0,0", "0,1", "1,0"}) + std::vector{CornerLine(1, false)} +
                 Asked("b", {"0,0"}) + std::vector{CornerLine(2, false)} + Asked("a", {"0,0"}) +
@@ -77,7 +77,7 @@ TEST(Coverage, AsksUserShapesInOrder) {
 
 TEST(Coverage, AsksNoMoreWhereCornersAreContained) {
   const TalkingShape all("all", [](Point const&) { return true; });
-  const TalkingShape left("left", [](Point const& p) { return p.x < 1; });
+  const TalkingShape left("left", [](const Point& p) { return p.x < 1; });
   EXPECT_EQ((Counts{4, 2, 2}), CountIn(Rect({0, 0}, {1, 1}), all, left));
   const std::vector<std::string> corners = {"0,0", "0,1", "1,0", "1,1"};
   EXPECT_EQ(Asked("all", corners) + std::vector{CornerLine(1, true)} +

@@ -10,14 +10,14 @@ using android::fp_utils::IShape;
 using android::fp_utils::Point;
 using android::fp_utils::Rect;
 
-bool PlainCircle::Contains(Point const& p) const {
+bool PlainCircle::Contains(const Point& p) const {
   const float dx = circle_.center.x - p.x;
   const float dy = circle_.center.y - p.y;
   const float distance = sqrtf(dx * dx + dy * dy);
   return distance <= circle_.radius;
 }
 
-bool PlainEllipse::Contains(Point const& p) const {
+bool PlainEllipse::Contains(const Point& p) const {
   float s = 0;
   float c = 0;
   sincosf(ellipse_.orientation, &s, &c);
@@ -33,7 +33,7 @@ bool PlainEllipse::Contains(Point const& p) const {
   return sum <= 1.0F;
 }
 
-bool PlainRect::Contains(Point const& p) const {
+bool PlainRect::Contains(const Point& p) const {
   return rect_.top_left.x <= p.x && p.x <= rect_.bottom_right.x && rect_.top_left.y <= p.y &&
          p.y <= rect_.bottom_right.y;
 }

@@ -16,7 +16,7 @@ class PlainCircle : public android::fp_utils::IShape {
  public:
   explicit PlainCircle(const android::fp_utils::Circle& circle) : circle_(circle) {}
   std::string Print() const override { return circle_.Print(); }
-  bool Contains(android::fp_utils::Point const& p) const override;
+  bool Contains(const android::fp_utils::Point& p) const override;
 
  private:
   android::fp_utils::Circle circle_;
@@ -26,7 +26,7 @@ class PlainEllipse : public android::fp_utils::IShape {
  public:
   explicit PlainEllipse(const android::fp_utils::Ellipse& ellipse) : ellipse_(ellipse) {}
   std::string Print() const override { return ellipse_.Print(); }
-  bool Contains(android::fp_utils::Point const& p) const override;
+  bool Contains(const android::fp_utils::Point& p) const override;
 
  private:
   android::fp_utils::Ellipse ellipse_;
@@ -36,7 +36,7 @@ class PlainRect : public android::fp_utils::IShape {
  public:
   explicit PlainRect(const android::fp_utils::Rect& rect) : rect_(rect) {}
   std::string Print() const override { return rect_.Print(); }
-  bool Contains(android::fp_utils::Point const& p) const override;
+  bool Contains(const android::fp_utils::Point& p) const override;
 
  private:
   android::fp_utils::Rect rect_;
