@@ -5,6 +5,7 @@
 
 #include <cstdlib>
 #include <limits>
+#include <map>
 
 #include "support/log_recorder.h"
 
@@ -14,10 +15,10 @@ namespace {
 using fp_test::Error;
 using fp_test::TakeLog;
 
-constexpr char kBaseSignature[] =
-    "virtual bool android::fp_utils::AuthEvent::LoadFromBackupString(std::string &)";
-constexpr char kG7Signature[] =
-    "virtual bool android::fp_utils::AuthEventG7::LoadFromBackupString(std::string &)";
+const std::string kBaseLoad =
+    "[virtual bool android::fp_utils::AuthEvent::LoadFromBackupString(std::string &)] ";
+const std::string kG7Load =
+    "[virtual bool android::fp_utils::AuthEventG7::LoadFromBackupString(std::string &)] ";
 
 // 2026-03-04 05:06:07 in UTC.
 constexpr time_t kTime = 1772600767;
@@ -66,35 +67,20 @@ TEST_F(AuthEventTest, LocalTimeFollowsTheProcessZone) {
 }
 
 TEST_F(AuthEventTest, DebugTextNamesTheOutcome) {
-  const struct {
-    int8_t acquired_info;
-    const char* text;
-  } kCases[] = {
-      {0, "acquisition_error:UNKNOWN"},
-      {1, "auth_successful:1, fid:3, latency:250, iq:80"},
-      {2, "acquisition_error:PARTIAL"},
-      {3, "acquisition_error:INSUFFICIENT"},
-      {4, "acquisition_error:SENSOR_DIRTY"},
-      {5, "acquisition_error:TOO_SLOW"},
-      {6, "acquisition_error:TOO_FAST"},
-      {7, "acquisition_error:VENDOR"},
-      {8, "acquisition_error:START"},
-      {9, "acquisition_error:TOO_DARK"},
-      {10, "acquisition_error:TOO_BRIGHT"},
-      {11, "acquisition_error:IMMOBILE"},
-      {12, "acquisition_error:RETRYING_CAPTURE"},
-      {13, "acquisition_error:LIFT_TOO_SOON"},
-      {14, "acquisition_error:POWER_PRESS"},
-      {15, "acquisition_error:15"},
-      {20, "acquisition_error:20"},
-      {-1, "acquisition_error:-1"},
-      {-128, "acquisition_error:-128"},
+  const std::map<int, std::string> kErrors = {
+      {0, "UNKNOWN"},  {2, "PARTIAL"},           {3, "INSUFFICIENT"},   {4, "SENSOR_DIRTY"},
+      {5, "TOO_SLOW"}, {6, "TOO_FAST"},          {7, "VENDOR"},         {8, "START"},
+      {9, "TOO_DARK"}, {10, "TOO_BRIGHT"},       {11, "IMMOBILE"},      {14, "POWER_PRESS"},
+      {-1, "-1"},      {12, "RETRYING_CAPTURE"}, {13, "LIFT_TOO_SOON"}, {15, "15"},
+      {-128, "-128"},
   };
-  for (const auto& test : kCases) {
-    AuthEventG7 event = Matched();
-    event.acquired_info = test.acquired_info;
-    event.auth_successful = true;
-    EXPECT_EQ(std::string("2026-03-04 05:06:07 ") + test.text, event.AuthEvent::ToDebugString());
+  AuthEventG7 event = Matched();
+  event.auth_successful = true;
+  EXPECT_EQ("2026-03-04 05:06:07 auth_successful:1, fid:3, latency:250, iq:80",
+            event.AuthEvent::ToDebugString());
+  for (const auto& [acquired_info, name] : kErrors) {
+    event.acquired_info = static_cast<int8_t>(acquired_info);
+    EXPECT_EQ("2026-03-04 05:06:07 acquisition_error:" + name, event.AuthEvent::ToDebugString());
   }
 }
 
@@ -207,10 +193,9 @@ TEST_F(AuthEventTest, FailedLoadsLogAndKeepWhatWasReadable) {
   EXPECT_EQ(7, event.fid) << "scanned straight into the record";
   EXPECT_EQ(8, event.latency);
   EXPECT_EQ(80, event.iq);
-  EXPECT_LOG(Error("AuthEvent", "[" + std::string(kBaseSignature) +
-                                    "] failed to parse str:'0x10,0x2,0x1,0x7,0x8' with error -5"),
-             Error("AuthEventG7", "[" + std::string(kG7Signature) +
-                                      "] AuthEvent failed to load '0x10,0x2,0x1,0x7,0x8'"));
+  EXPECT_LOG(
+      Error("AuthEvent", kBaseLoad + "failed to parse str:'0x10,0x2,0x1,0x7,0x8' with error -5"),
+      Error("AuthEventG7", kG7Load + "AuthEvent failed to load '0x10,0x2,0x1,0x7,0x8'"));
 
   text = "0x10,0x2,0x1,0x7,0x8,0x9,1.50,2.50,7,0x";
   errno = 0;
@@ -219,8 +204,7 @@ TEST_F(AuthEventTest, FailedLoadsLogAndKeepWhatWasReadable) {
   EXPECT_EQ(1.5F, event.t_cov);
   EXPECT_EQ(7u, event.lptw);
   EXPECT_EQ(2000, event.rawmean_delta);
-  EXPECT_LOG(Error("AuthEventG7", "[" + std::string(kG7Signature) +
-                                      "] failed to parse str:',1.50,2.50,7,0x' with error 0"));
+  EXPECT_LOG(Error("AuthEventG7", kG7Load + "failed to parse str:',1.50,2.50,7,0x' with error 0"));
 }
 
 }  // namespace
