@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// A backup file of any content, loaded by the history named FUZZED_HISTORY: no crash, and what was
-// loaded is saved and loaded again unchanged.
+// Loads arbitrary content as the backup file of the history FUZZED_HISTORY. It must not crash, and
+// the loaded records must be saved and loaded again unchanged.
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
@@ -27,7 +27,7 @@ const HistoryKind& Kind() {
   return kind;
 }
 
-// The record texts of what still looks like frames, whatever their CRC.
+// The record texts of everything that has the form of a frame, whatever its CRC.
 std::vector<std::string> FramedTexts(const std::string& file) {
   std::vector<std::string> texts;
   size_t at = 0;
@@ -54,8 +54,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   history->AddAndSave(1);
   const auto saved = history->RecordTexts();
   const auto loaded = Kind().start()->RecordTexts();
-  // A record that the scan takes may be written in a form that it does not take whole, so some may
-  // be missing; none may be new.
+  // The scan can accept a record whose rewritten text it does not accept, so records may be missing
+  // the second time, but none may be new.
   if (loaded.empty() || loaded.size() > saved.size() || loaded.back() != saved.back()) {
     abort();
   }
@@ -64,8 +64,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
 
 extern "C" size_t LLVMFuzzerMutate(uint8_t* data, size_t size, size_t max_size);
 
-// Mutations of the whole file seldom get past the CRC: half of the time one record is mutated and
-// its frame repaired.
+// A mutation of the whole file rarely passes the CRC check, so half of the mutations change one
+// record and give its frame a correct CRC.
 extern "C" size_t LLVMFuzzerCustomMutator(uint8_t* data, size_t size, size_t max_size,
                                           unsigned int random) {
   std::vector<std::string> texts =

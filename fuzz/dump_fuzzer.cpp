@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Dumps after any operations on the histories: each byte is an operation, with the bytes behind it
-// as its values.
+// Dumps the histories after arbitrary operations. Each byte is an operation, and the bytes after it
+// are its arguments.
 #include <fcntl.h>
 #include <unistd.h>
 

@@ -7,7 +7,7 @@
 
 namespace fp_fuzz {
 
-// A simulated device, booted once, and a log that nobody reads.
+// Boots a simulated device once and discards the log.
 inline void BootInMemory() {
   static const fp_host::ScratchDevice device("fp_fuzz");
   __android_log_set_minimum_priority(ANDROID_LOG_SILENT);

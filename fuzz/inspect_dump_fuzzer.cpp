@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// A dump of any content, read by fp_inspect: no crash, and every record reads again from the words
-// that it prints.
+// Makes fp_inspect read arbitrary content as a dump. It must not crash, and it must be able to read
+// the text that it prints for each record.
 #include <cstdint>
 #include <cstdlib>
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// A backup file of any content, read by fp_inspect: no crash, the records lie apart and within the
-// file, and a record that is salvaged stands there in an intact frame.
+// Makes fp_inspect read arbitrary content as a backup file. It must not crash, records must start
+// in the file in ascending order, and the frame of a salvaged record must have a correct CRC.
 #include <cstdint>
 #include <cstdlib>
 #include <string_view>

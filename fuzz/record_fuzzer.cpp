@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// A record text of any content, read by the class named FUZZED_RECORD: no crash, and one that was
-// taken prints and is written again without harm.
+// Makes the class FUZZED_RECORD load arbitrary text. It must not crash, neither then nor when it
+// prints and writes a loaded record.
 #include <cstdint>
 #include <string>
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Gives a fuzz target every file of the folders named on the command line, in an ordinary program.
+// Runs a fuzz target on every file of the folders given on the command line, as an ordinary
+// program.
 #include <cstdint>
 #include <cstdio>
 #include <filesystem>
@@ -10,7 +11,7 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size);
 
-// Of libFuzzer's run time; only mutators call it.
+// Stands in for libFuzzer's function, which only mutators call.
 extern "C" size_t LLVMFuzzerMutate(uint8_t* /*data*/, size_t size, size_t /*max_size*/) {
   return size;
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// A scenario of any content: read, or refused with its place.
+// Reads arbitrary content as a scenario. It must be accepted, or rejected with the place of the
+// error.
 #include <cstdint>
 #include <cstdlib>
 #include <sstream>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// A buffer of reports of any content, as the touch device might return it.
+// Decodes arbitrary content as a buffer of reports from the touch device.
 #include <cmath>
 #include <cstdint>
 #include <cstdlib>

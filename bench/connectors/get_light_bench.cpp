@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// AlsMonitor::GetLight() against a bare drain of a queue: poll and fetch until a fetch is not full.
-// An empty queue costs the poll's timeout in both. So does each batch of a full one but the first;
-// there, every poll returns at once instead, to leave what the drain itself costs.
+// Compares AlsMonitor::GetLight() with a plain loop that polls and fetches until a batch is not
+// full. With an empty queue, both wait for the timeout of the poll. With a full one they would wait
+// for it before each batch but the first; there, every poll returns at once, so that only the loop
+// itself is measured.
 #include <benchmark/benchmark.h>
 
 #include <chrono>
@@ -22,7 +23,7 @@ using android::fp_utils::AlsMonitor;
 
 constexpr size_t kBatch = 16;
 
-// The monitor's own part: it samples light, and has a sample.
+// Starts sampling and makes the monitor read a first sample.
 class Monitor {
  public:
   Monitor() {
@@ -68,7 +69,7 @@ class BareQueue {
       ASensorManager_createEventQueue(manager_, ALooper_prepare(0), 0, nullptr, nullptr);
 };
 
-// Times the drain alone, not the filling of the queue.
+// Measures only the reading, not the filling of the queue.
 template <typename Queue>
 void Run(benchmark::State& state) {
   const std::vector<float> readings(static_cast<size_t>(state.range(0)), 350);

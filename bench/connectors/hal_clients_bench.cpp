@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What the clients of the display and thermal HALs add to a call that is made by hand over the same
-// proxy.
+// Compares the clients of the display and thermal HALs with a plain call over the same proxy.
 #include <benchmark/benchmark.h>
 
 #include <memory>
@@ -27,7 +26,7 @@ using aidl::android::hardware::thermal::Temperature;
 using aidl::android::hardware::thermal::TemperatureType;
 using aidl::com::norvan::hardware::kestra::display::IDisplay;
 
-// The proxy of a service that has been put up for it.
+// Registers a service and returns a proxy for it.
 template <typename Interface, typename Service>
 std::shared_ptr<Interface> PutUp(Service& service) {
   ABinderProcess_startThreadPool();
@@ -59,7 +58,7 @@ void SetLhbm(benchmark::State& state) {
   }
 }
 
-// A phone has about twenty sensors, one of them for the skin.
+// A phone has about twenty temperature sensors, one of them for the skin.
 std::shared_ptr<IThermal> PutUpThermal(fp_host::ThermalService& service) {
   std::vector<Temperature> temperatures(20);
   for (Temperature& temperature : temperatures) {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// From a change of the light to the listener's callback against a bare thread that polls and
-// fetches.
+// Measures the time from a change of the light to the listener's callback, and compares it with a
+// plain thread that polls and fetches.
 #include <benchmark/benchmark.h>
 
 #include <atomic>
@@ -58,8 +58,8 @@ void LightToPoll(benchmark::State& state) {
 BENCHMARK(LightToCallback)->Iterations(5)->UseManualTime();
 BENCHMARK(LightToPoll)->Iterations(5)->UseManualTime();
 
-// Without a goal: whether the woken thread's core was asleep makes more of a difference than what
-// is compared.
+// Without a goal: it matters more whether the core of the woken thread was asleep than which of the
+// two is measured.
 const bool kPeer = Peer("light_event_over_bare_poll", "LightToCallback/iterations:5/manual_time",
                         "LightToPoll/iterations:5/manual_time");
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// From a report to the callback against a bare thread in poll() on a pipe, and full buffers of
-// reports against reading them without decoding.
+// Measures the time from a report to the callback, and compares it with a plain thread in poll() on
+// a pipe. Also compares reading full buffers of reports with reading them without decoding.
 #include <benchmark/benchmark.h>
 #include <fcntl.h>
 #include <poll.h>
@@ -65,7 +65,7 @@ void ByteToPoll(benchmark::State& state) {
   close(fds[0]);
 }
 
-// A full buffer of the device, sent and taken on one thread.
+// Sends and reads a full buffer of the device on one thread.
 template <typename Take>
 void TakeBuffers(benchmark::State& state, TouchNode& node, Take take) {
   const std::string buffer = fp_host::EncodeTouchRecords(std::vector<TouchRecord>(128));

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// How much of a sensor circle a touch covers: by whole rows, against the scan in its plainest form.
+// Compares the coverage of a sensor circle by a touch, counted by rows, with the plain scan.
 #include <benchmark/benchmark.h>
 
 #include "fp_utils/shapes.h"

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The same coverage from two geometry libraries: both shapes as polygons of 64 corners, made
-// beforehand, and the area of their intersection.
+// Computes the same coverage with two geometry libraries, as the area of the intersection of two
+// prepared polygons of 64 corners.
 #include <benchmark/benchmark.h>
 #include <geos_c.h>
 
@@ -29,7 +29,7 @@ struct Corner {
   double x, y;
 };
 
-// Clockwise with y upwards, closed.
+// Clockwise if y points up, and closed.
 std::vector<Corner> CornersOf(const android::fp_utils::Ellipse& ellipse) {
   constexpr int kCorners = 64;
   const double s = std::sin(static_cast<double>(ellipse.orientation));

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// A sensor of radius r and a finger on it: a little off the centre and turned, as they come.
+// A sensor of radius r and a typical touch: a little off the centre and rotated.
 #pragma once
 
 #include <benchmark/benchmark.h>
@@ -18,7 +18,7 @@ inline android::fp_utils::Ellipse Touch(float r) {
   return {{540 + 0.3F * r, 1800 - 0.2F * r}, 2.2F * r, 1.6F * r, 0.4F};
 }
 
-// The share of the sensor's area under the finger, in percent: the common part of the two chords,
+// The share of the sensor's area under the finger, in percent: the overlap of the two chords,
 // summed over a hundred thousand rows in double precision.
 inline double ExactCoverage(float radius) {
   constexpr int kRows = 100000;
@@ -44,7 +44,7 @@ inline double ExactCoverage(float radius) {
   return area * (2 * sensor_r / kRows) / (M_PI * sensor_r * sensor_r) * 100;
 }
 
-// Puts how far a method's answer is from the exact area, in percent of the sensor, beside its time.
+// Adds the difference from the exact area, in percent of the sensor, to the benchmark's output.
 inline void ReportError(benchmark::State& state, double coverage) {
   state.counters["error"] = coverage - ExactCoverage(static_cast<float>(state.range(0)));
 }

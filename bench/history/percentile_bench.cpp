@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// A percentile of N finger sizes against copying and sorting them, over many different histories so
-// that no branch predictor learns one by heart.
+// Compares a percentile of N finger sizes with copying and sorting them. Uses many different
+// histories, so that the branch predictor cannot learn one of them.
 #include <benchmark/benchmark.h>
 
 #include <algorithm>

@@ -18,7 +18,7 @@ inline constexpr std::array<uint32_t, 256> kPlainTable = [] {
   return table;
 }();
 
-// The usual form: one table, one byte a step.
+// The usual implementation: one table, one byte per step.
 inline uint32_t PlainCrc32(const void* data, size_t length) {
   const auto* bytes = static_cast<const uint8_t*>(data);
   uint32_t crc = 0xFFFFFFFF;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Parsing a record text against removing the base's part by a regular expression that is built for
-// each record; both scan alike.
+// Compares parsing a record text with the same scan followed by a regular expression, built for
+// each record, that removes the base's part.
 #include <benchmark/benchmark.h>
 
 #include <regex>

@@ -13,7 +13,7 @@ inline int32_t FingerId(int number) {
   return static_cast<int32_t>(2654435769U * (number + 1) >> 1);
 }
 
-// A record as a service fills it; the number varies it.
+// A record as a service fills it. Different numbers give different records.
 template <typename Record>
 std::shared_ptr<Record> Sample(int number);
 

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Saving a history of N records as a service does, which adds one and drops the oldest each time,
-// against the plain way: every record printed, one fprintf per frame into a file of mode "w".
+// Compares saves of a history of N records, to which a service adds one and drops the oldest each
+// time, with the plain way: format every record and call fprintf for each frame, into a file opened
+// with mode "w".
 #include <benchmark/benchmark.h>
 #include <fcntl.h>
 #include <malloc.h>
@@ -27,9 +28,9 @@ using android::fp_utils::AuthStatsG7;
 using android::fp_utils::EnrollEventContainer;
 using android::fp_utils::EnrollEventG7;
 
-constexpr int64_t kEnrollments = 50;  // as many as a container holds
+constexpr int64_t kEnrollments = 50;  // the capacity of a container
 
-// A history of `records` that has found no file.
+// A history of `records` that was created without a file.
 std::unique_ptr<AuthStatsG7> AuthHistory(int64_t records) {
   DeviceInMemory();
   std::filesystem::remove(fp_host::HostPath("/data/vendor/fingerprint/AuthStats.bench"));
@@ -64,7 +65,7 @@ void SavePlainly(const std::string& path, const Records& records) {
   fclose(file);
 }
 
-// Also tells the memory of the records and of what a save leaves for the next one.
+// Also reports the memory that the records and the cached content of the last save take.
 void AuthSave(benchmark::State& state) {
   const size_t before = mallinfo2().uordblks;
   const auto stats = AuthHistory(state.range(0));
@@ -84,7 +85,8 @@ void AuthSavePlain(benchmark::State& state) {
   }
 }
 
-// Containers that drop the oldest event; one that is not initialised saves nothing itself.
+// Full containers, which drop the oldest event. One that is not initialised does not save by
+// itself.
 void EnrollSave(benchmark::State& state) {
   DeviceInMemory();
   EnrollEventContainer container;
@@ -111,7 +113,7 @@ void EnrollSavePlain(benchmark::State& state) {
   }
 }
 
-// The content of a saved history, written with these flags and no composing.
+// Only writes the content of a saved history, to a file opened with these flags.
 void WriteOnly(benchmark::State& state, int flags) {
   const auto stats = AuthHistory(state.range(0));
   stats->SaveAttemptsToBackupFile();
@@ -128,7 +130,7 @@ void WriteOnly(benchmark::State& state, int flags) {
 
 void BareWrite(benchmark::State& state) { WriteOnly(state, 0); }
 
-// Puts the device beside this program, on the disk of the build folder.
+// Places the device next to this program, on the disk of the build folder.
 class DeviceOnDisk {
  public:
   DeviceOnDisk()

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The same job given to a database: keep the newest 100 records, durable after each.
+// The same task with a database: keep the newest 100 records, and commit after each.
 #include <benchmark/benchmark.h>
 #include <sqlite3.h>
 

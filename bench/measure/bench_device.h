@@ -7,8 +7,8 @@
 
 namespace fp_bench {
 
-// Boots a simulated device in memory, so that files cost what the file system's code costs and no
-// disk; removed at exit. Returns its root.
+// Boots a simulated device in memory, so that no benchmark includes the cost of a disk, and removes
+// it at exit. Returns its root.
 inline const std::string& DeviceInMemory() {
   static const fp_host::ScratchDevice device("fp_bench");
   return device.GetRoot();

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The benchmarks' main program: runs them interleaved and repeated, takes the fastest repetition of
-// each, which noise from outside disturbs least, and closes with the table of ratios.
+// The main program of the benchmarks. Runs them repeatedly and interleaved, takes the fastest
+// repetition of each, which other programs disturb least, and ends with the table of ratios.
 #include "measure/ratios.h"
 
 #include <benchmark/benchmark.h>

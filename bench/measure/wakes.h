@@ -10,8 +10,8 @@
 
 namespace fp_bench {
 
-// Measures how long another thread takes to wake: the median over many calls of `wake`, each of
-// which makes that thread store its argument in `seen`. A pause before each lets it fall asleep.
+// Measures how long another thread takes to wake, as the median of many calls of `wake`. Each call
+// makes that thread store the argument in `seen`. A pause before each call lets the thread sleep.
 template <typename Wake>
 void MeasureWakes(benchmark::State& state, std::atomic<uint32_t>& seen, Wake wake) {
   using Clock = std::chrono::steady_clock;
