@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Classes of a service, which is built with or without run-time type information: so is this file.
+// Classes of a service. Services are built with or without RTTI, so this file is built both ways.
 #include <memory>
 
 #include "common/exact_class.h"
@@ -22,7 +22,7 @@ namespace {
 
 class SERVICE_CLASSES : public fp_test::DeviceTest {};
 
-// At any length.
+// Its text is longer than any of the library's.
 template <typename Record>
 struct Own : Record {
   std::string ToBackupString() const override { return "own" + std::string(3000, 'x'); }

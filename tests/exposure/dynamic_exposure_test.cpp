@@ -57,7 +57,7 @@ class DynamicExposureTest : public ::testing::Test {
     return DumpText([this](int fd) { controller_->Dump(fd); });
   }
 
-  // With these settings and no sample yet.
+  // The dump with these settings and an empty sample.
   static std::string DumpWith(const std::array<int32_t, 8>& settings) {
     constexpr const char* kNames[] = {"NumberOfAttempts",     "ExpoChangeUnitDenominator",
                                       "FrrThreshold",         "IqThreshold",
@@ -142,8 +142,8 @@ TEST_F(DynamicExposureTest, RefusedStepKeepsStepAndSample) {
   }
 }
 
-// Calibration outside the bounds: a step back towards them is never refused, nor is a
-// recalculation.
+// If the calibration is outside the bounds, neither a step towards them nor a recalculation is
+// refused.
 TEST_F(DynamicExposureTest, BoundsHoldOnlyInTheDirectionOfTheStep) {
   DynamicExposure& controller = Calibrated(200.0F, 100.0F);
   controller.AdjustExposure(StepAdjustment::kDown);
@@ -235,8 +235,8 @@ TEST_F(DynamicExposureTest, NewCalibrationRecalculatesOnlyAfterSteps) {
   EXPECT_EQ(0u, Sample().find("  Stats of last 0 attempts:\n"));
 }
 
-// What a tuning engineer may set by mistake. 0 and the largest value are accepted, without
-// undefined behaviour; what is not a number in 32 bits gives the default.
+// Settings that a tuning engineer may make by mistake. 0 and the largest value are accepted without
+// undefined behaviour. A value that is not a number of 32 bits gives the default.
 TEST_F(DynamicExposureTest, OddSettings) {
   Set("number_of_attempts", "0");
   Set("expo_change_unit_denominator", "0");

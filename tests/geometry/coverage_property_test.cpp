@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Counting by rows against the scan that asks at every sample.
+// Counting by rows gives the counts of a scan that calls Contains() at every sample.
 #include <gtest/gtest.h>
 
 #include "fp_utils/shapes.h"
@@ -16,7 +16,7 @@ using fp_reference::PlainCounts;
 using fp_reference::PlainScan;
 using namespace fp_test;
 
-// Draws `count` cases from a numbered stream.
+// Checks `count` random cases of a numbered stream.
 void ExpectScanCounts(uint64_t stream, int count) {
   MuteLog(true);
   CoverageCaseGenerator cases(stream);
@@ -33,7 +33,7 @@ void ExpectScanCounts(uint64_t stream, int count) {
     }
     partly_covered += expected.in_both != 0 && expected.in_both != c.nx * c.ny ? 1 : 0;
   }
-  EXPECT_GT(partly_covered, static_cast<uint64_t>(count) / 10) << "too few edges to mean much";
+  EXPECT_GT(partly_covered, static_cast<uint64_t>(count) / 10) << "too few cases with an edge";
 }
 
 TEST(CoverageProperty, RowsCountWhatTheScanCounts) { ExpectScanCounts(1, Share(200000)); }
@@ -44,8 +44,8 @@ TEST(LongCoverageProperty, RowsCountWhatTheScanCounts) {
   }
 }
 
-// Whether rows found with this multiple of the bound count an ellipse of the cases wrong. `change`
-// is applied to each case first.
+// Whether the rows of every random ellipse, found with this multiple of the bound, have the right
+// count. `change` is applied to each case first.
 bool IsExactWith(
     double bound_factor, int count,
     void (*change)(const Ellipse&, CoverageCase*) = [](auto&, auto*) {}) {
@@ -61,7 +61,7 @@ bool IsExactWith(
                        SampleAxis(c.grid.top_left.y, c.grid.bottom_right.y, c.ny)};
     const uint32_t counted = CountRows(grid, EllipseRows(*ellipse, bound_factor), FullRows()).in_s1;
     const PlainCounts scanned = PlainScan(c.grid, c.nx, c.ny, *ellipse, *ellipse);
-    // Where all corners are in, the scan does not look at the samples.
+    // If the ellipse contains all corners, the scan does not test the samples.
     if (counted != scanned.in_s1 && scanned.in_s1 != c.nx * c.ny) {
       return false;
     }
@@ -69,13 +69,14 @@ bool IsExactWith(
   return true;
 }
 
-// The cases are hard enough to tell a bound that is too small.
+// The cases include some that a bound which is too small counts wrong.
 TEST(CoverageProperty, HalfTheBoundIsNoticed) {
   EXPECT_TRUE(IsExactWith(EllipseRows::kBoundFactor, Share(200000)));
   EXPECT_FALSE(IsExactWith(EllipseRows::kBoundFactor / 4, 200000)) << "half the bound";
 }
 
-// The bound grows with the offset from the centre's column. Here the first column has none.
+// The bound depends on the largest offset from the centre's column, even if that of the first
+// column is 0.
 TEST(CoverageProperty, TheLargestOffsetMakesTheBound) {
   EXPECT_TRUE(IsExactWith(EllipseRows::kBoundFactor, 200000, [](const Ellipse& e, CoverageCase* c) {
     c->grid.top_left.x = e.center.x;

@@ -33,10 +33,10 @@ LogLine CornerLine(int shape, bool inside) {
                base::StringPrintf("[NumOfPointsIn] all_points_in_s%d:%d", shape, inside));
 }
 
-// Writes every question into the log, where its place among the library's lines shows.
-class TalkingShape : public IShape {
+// Logs every call of Contains(), so that its order among the library's log lines is visible.
+class LoggingShape : public IShape {
  public:
-  TalkingShape(std::string name, std::function<bool(Point const&)> contains)
+  LoggingShape(std::string name, std::function<bool(Point const&)> contains)
       : name_(std::move(name)), contains_(std::move(contains)) {}
   std::string Print() const override { return name_; }
   bool Contains(const Point& p) const override {
@@ -49,7 +49,7 @@ class TalkingShape : public IShape {
   std::function<bool(Point const&)> contains_;
 };
 
-std::vector<LogLine> Asked(const std::string& name, const std::vector<std::string>& points) {
+std::vector<LogLine> CallsOf(const std::string& name, const std::vector<std::string>& points) {
   std::vector<LogLine> lines;
   for (const std::string& point : points) {
     lines.push_back(Info(name, point));
@@ -62,31 +62,31 @@ std::vector<LogLine> operator+(std::vector<LogLine> lines, const std::vector<Log
   return lines;
 }
 
-TEST(Coverage, AsksUserShapesInOrder) {
-  const TalkingShape a("a", [](const Point& p) { return p.x < 1; });
-  const TalkingShape b("b", [](const Point& p) { return p.y > 0; });
+TEST(Coverage, CallsUserShapesInOrder) {
+  const LoggingShape a("a", [](const Point& p) { return p.x < 1; });
+  const LoggingShape b("b", [](const Point& p) { return p.y > 0; });
   EXPECT_EQ((Counts{2, 2, 1}), CountIn(Rect({0, 0}, {1, 1}), a, b));
-  EXPECT_EQ(Asked("a", {"0,0", "0,1", "1,0"}) + std::vector{CornerLine(1, false)} +
-                Asked("b", {"0,0"}) + std::vector{CornerLine(2, false)} + Asked("a", {"0,0"}) +
-                Asked("b", {"0,0"}) + Asked("a", {"1,0"}) + Asked("b", {"1,0"}) +
-                Asked("a", {"0,1"}) + Asked("b", {"0,1"}) + Asked("a", {"1,1"}) +
-                Asked("b", {"1,1"}),
+  EXPECT_EQ(CallsOf("a", {"0,0", "0,1", "1,0"}) + std::vector{CornerLine(1, false)} +
+                CallsOf("b", {"0,0"}) + std::vector{CornerLine(2, false)} + CallsOf("a", {"0,0"}) +
+                CallsOf("b", {"0,0"}) + CallsOf("a", {"1,0"}) + CallsOf("b", {"1,0"}) +
+                CallsOf("a", {"0,1"}) + CallsOf("b", {"0,1"}) + CallsOf("a", {"1,1"}) +
+                CallsOf("b", {"1,1"}),
             TakeLog())
       << "corners column by column, samples row by row, b even where a does not contain";
 }
 
-TEST(Coverage, AsksNoMoreWhereCornersAreContained) {
-  const TalkingShape all("all", [](Point const&) { return true; });
-  const TalkingShape left("left", [](const Point& p) { return p.x < 1; });
+TEST(Coverage, StopsAtCornersThatAreContained) {
+  const LoggingShape all("all", [](Point const&) { return true; });
+  const LoggingShape left("left", [](const Point& p) { return p.x < 1; });
   EXPECT_EQ((Counts{4, 2, 2}), CountIn(Rect({0, 0}, {1, 1}), all, left));
   const std::vector<std::string> corners = {"0,0", "0,1", "1,0", "1,1"};
-  EXPECT_EQ(Asked("all", corners) + std::vector{CornerLine(1, true)} +
-                Asked("left", {"0,0", "0,1", "1,0"}) + std::vector{CornerLine(2, false)} +
-                Asked("left", {"0,0", "1,0", "0,1", "1,1"}),
+  EXPECT_EQ(CallsOf("all", corners) + std::vector{CornerLine(1, true)} +
+                CallsOf("left", {"0,0", "0,1", "1,0"}) + std::vector{CornerLine(2, false)} +
+                CallsOf("left", {"0,0", "1,0", "0,1", "1,1"}),
             TakeLog());
   EXPECT_EQ((Counts{4, 4, 4}), CountIn(Rect({0, 0}, {1, 1}), Circle({0, 0}, 9), all));
   EXPECT_EQ(
-      std::vector{CornerLine(1, true)} + Asked("all", corners) + std::vector{CornerLine(2, true)},
+      std::vector{CornerLine(1, true)} + CallsOf("all", corners) + std::vector{CornerLine(2, true)},
       TakeLog());
 }
 
@@ -113,7 +113,7 @@ TEST(Coverage, CountsAndLogs) {
   EXPECT_EQ(45.454548F, ten.CoverageCoveredBy(Rect({0, 0}, {4, 10})));
 }
 
-// Nothing is walked: the other axis has up to 4,294,967,295 samples.
+// The samples of the other axis, up to 4,294,967,295, are not visited.
 TEST(Coverage, NoScanPoints) {
   const Rect ten({0, 0}, {10, 10});
   const struct {
@@ -123,17 +123,17 @@ TEST(Coverage, NoScanPoints) {
     const char* why;
   } rows[] = {
       {ten, "0", "", "Invalid scan points(0, 11)", "no columns"},
-      {ten, "0", "4294967295", "Invalid scan points(0, 4294967295)", "no columns, endless rows"},
-      {ten, "4294967295", "0", "Invalid scan points(4294967295, 0)", "no rows, endless columns"},
+      {ten, "0", "4294967295", "Invalid scan points(0, 4294967295)", "no columns, most rows"},
+      {ten, "4294967295", "0", "Invalid scan points(4294967295, 0)", "no rows, most columns"},
       {Rect({0, 0}, {-1, 3e38F}), "", "", "Invalid scan points(0, 4294967295)", "inverted"},
       {Rect({0, 0}, {kNan, 1}), "", "", "Invalid scan points(0, 2)", "NaN"},
   };
-  const TalkingShape user("user", [](Point const&) { return false; });
+  const LoggingShape user("user", [](Point const&) { return false; });
   for (const auto& row : rows) {
     TuneScanPoints(row.x_points, row.y_points);
     EXPECT_EQ((Counts{0, 0, 0}), CountIn(row.grid, user, Circle({0, 0}, 1))) << row.why;
     EXPECT_EQ((std::vector{Error("Geometry", std::string("[NumOfPointsIn] ") + row.error)} +
-               Asked("user", {"0,0"}) + std::vector{CornerLine(1, false), CornerLine(2, false)}),
+               CallsOf("user", {"0,0"}) + std::vector{CornerLine(1, false), CornerLine(2, false)}),
               TakeLog())
         << row.why;
     EXPECT_TRUE(std::isnan(row.grid.CoverageCoveredBy(row.grid))) << row.why;
@@ -141,7 +141,7 @@ TEST(Coverage, NoScanPoints) {
   }
 }
 
-// Axes on which steps lead nowhere any more are not walked either.
+// Samples that a step no longer changes are not visited one by one either.
 TEST(Coverage, EndlessAxes) {
   MuteLog(true);
   const unsigned int all = 4294967295;
@@ -153,16 +153,16 @@ TEST(Coverage, EndlessAxes) {
       << "steps of 7e28";
   const Rect wide({0x1p32F, 0}, {0x1p33F, 0});
   EXPECT_EQ((Counts{all, 0, 0}), CountIn(wide, wide, Circle({0, 0}, 1)))
-      << "2^32 of them are one more than there can be";
+      << "2^32 samples do not fit into 32 bits";
   TuneScanPoints("4294967295", "4294967295");
   EXPECT_EQ((Counts{1, 1, 1}),
             CountIn(Rect({0, 0}, {9, 9}), Circle({5, 5}, 99), Circle({4, 4}, 99)))
-      << "contained: the product, which wraps";
+      << "contained: the product of the numbers, which wraps";
   EXPECT_EQ((Counts{1, 0, 0}),
             CountIn(Rect({1000, 1000}, {1010, 1010}), Circle({1000, 1000}, 1), Circle({9, 9}, 1)))
       << "no step leaves 1000";
 
-  // From 0 on, sixteen million steps are made before they are lost.
+  // Starting at 0, sixteen million steps change the value before they become too small.
   TuneScanPoints("4294967295", "1");
   const float step = 10.0F / static_cast<float>(all - 1);
   unsigned int columns = 0;
@@ -175,7 +175,7 @@ TEST(Coverage, EndlessAxes) {
             CountIn(Rect({0, 0}, {10, 10}), Circle({0, 0}, 0.0125F), Rect({0, 0}, {10, 10})));
 }
 
-TEST(Coverage, OneCounterForTwoGetsTheSum) {
+TEST(Coverage, AddsUpInACounterThatIsPassedTwice) {
   unsigned int both = 3;
   unsigned int in_s2 = 3;
   Rect({0, 0}, {2, 2}).NumOfPointsIn(Circle({0, 0}, 1), Circle({1, 1}, 1), both, in_s2, both);

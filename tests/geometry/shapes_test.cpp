@@ -49,10 +49,10 @@ TEST(Shapes, Contain) {
   } rows[] = {
       {circle, {3, 4}, true, "on the edge"},
       {circle, {3, 4.01F}, false, "just outside"},
-      {circle, {kNan, 0}, false, "NaN is nowhere"},
-      {Circle({1, 2}, 0), {1, 2}, true, "a radius of 0 leaves the centre"},
+      {circle, {kNan, 0}, false, "NaN lies in no shape"},
+      {Circle({1, 2}, 0), {1, 2}, true, "a radius of 0 contains the centre"},
       {Circle({1, 2}, -0.0F), {1, 2}, true, "as does -0"},
-      {Circle({1, 2}, -1), {1, 2}, false, "a negative radius leaves nothing"},
+      {Circle({1, 2}, -1), {1, 2}, false, "a negative radius contains nothing"},
       {Circle({0, 0}, 1), {up, 0}, false, "one ulp beyond"},
       {Circle({0, 0}, 1), {0x1p-12F, 1}, true, "the square is beyond, its root rounds to 1"},
       {Circle({0, 0}, INFINITY),
@@ -64,7 +64,7 @@ TEST(Shapes, Contain) {
       {rect, {10, 0}, true, "corners belong to it"},
       {rect, {10.001F, 5}, false, "right of it"},
       {rect, {5, -0.001F}, false, "above it"},
-      {Rect({10, 10}, {0, 0}), {5, 5}, false, "swapped corners hold nothing"},
+      {Rect({10, 10}, {0, 0}), {5, 5}, false, "swapped corners contain nothing"},
       {Rect({0, 0}, {kNan, 20}), {5, 5}, false, "NaN corner"},
       {upright, {0, 10}, true, "lower end of the major axis"},
       {upright, {0, -10}, true, "upper end of the major axis"},
@@ -79,7 +79,7 @@ TEST(Shapes, Contain) {
       {Ellipse({0, 0}, -20, 10, 0), {0, 9}, true, "axes count by their squares"},
       {Ellipse({0, 0}, 0, 10, 0), {0, 0}, false, "0/0 at the centre of a flat one"},
       {Ellipse({0, 0}, 0, 10, 0), {1, 0}, false, "0/0 on the axis of a flat one"},
-      {Ellipse({0, 0}, INFINITY, 10, 0), {5, 1e30F}, true, "an endless strip"},
+      {Ellipse({0, 0}, INFINITY, 10, 0), {5, 1e30F}, true, "an infinite strip"},
       {Ellipse({0, 0}, 20, 10, INFINITY), {0, 0}, false, "no orientation"},
       {Ellipse({kNan, 0}, 20, 10, 0), {0, 0}, false, "no centre"},
   };
@@ -89,7 +89,7 @@ TEST(Shapes, Contain) {
   }
 }
 
-// The rounding of each step, at samples near edges.
+// Tests the rounding of each step with samples near edges.
 TEST(Shapes, ContainToTheLastBit) {
   fp_test::CoverageCaseGenerator cases(11);
   int inside = 0;

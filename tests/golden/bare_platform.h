@@ -13,7 +13,7 @@ namespace fp_golden {
 
 void MuteLog();
 
-// A property that is not in here has its default.
+// A property that is not in the map has its default.
 inline std::map<std::string, uint32_t> properties;
 
 }  // namespace fp_golden

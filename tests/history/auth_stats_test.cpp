@@ -39,7 +39,7 @@ std::string Statistics(int total, const std::string& matched, const std::string&
 
 class AuthStatsTest : public DeviceTest {
  protected:
-  // A history that has found its file missing.
+  // A history without a file yet.
   static std::unique_ptr<AuthStatsG7> Fresh(uint32_t capacity = AuthStats::kUnbounded) {
     auto stats = std::make_unique<AuthStatsG7>("0", capacity, true);
     stats->Init();
@@ -75,7 +75,7 @@ TEST_F(AuthStatsTest, KeepsTheNewestAndTheirAverages) {
             stats.ToDebugString());
 }
 
-// The averages are the incremental single-precision ones, drift included: bit for bit.
+// The averages are updated incrementally in single precision and include its rounding errors.
 TEST_F(AuthStatsTest, AveragesAreIncrementalInSinglePrecision) {
   AuthStatsG7 stats("0", 7, false);
   stats.Init();
@@ -163,7 +163,7 @@ TEST_F(AuthStatsTest, LoadingCountsAndTakesBaseRecordsFromTheFront) {
   EXPECT_EQ(5u, base.GetTotalAttempts()) << "the base records are the front of the G7 ones";
 }
 
-// A service may start another program while it loads.
+// The service may start another program during a load.
 TEST_F(AuthStatsTest, LoadsFromADescriptorThatOtherProgramsDoNotInherit) {
   struct Probe : AuthStatsG7 {
     using AuthStatsG7::AuthStatsG7;

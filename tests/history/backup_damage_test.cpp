@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Damaged backup files of every kind of history: no crash, no hang, no wrong record, what stands
-// before the damage is kept, the log tells at most once, and the history goes on and saves.
+// Damaged backup files of every kind of history. A load must not crash, hang or return a wrong
+// record. It keeps the records before the damage and logs at most one line. The history can still
+// save.
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -39,7 +40,8 @@ class BackupDamage : public DeviceTest, public ::testing::WithParamInterface<His
     return GetParam().start()->RecordTexts();
   }
 
-  // The file, damaged from `first_damaged` on, loads the records before it and no wrong one.
+  // Loads a file that is damaged from `first_damaged` on: all records before that, and no wrong
+  // one.
   void ExpectSoundPrefix(const std::string& content, size_t first_damaged) {
     const Texts loaded = Load(content);
     const size_t intact = static_cast<size_t>(
@@ -93,7 +95,7 @@ TEST_P(BackupDamage, OddLengths) {
     const char* why;
     std::string frame;
     const char* log;  // part of the one line, or null for none
-    bool goes_on;     // with the frame behind it
+    bool goes_on;     // the load, with the next frame
   } kCases[] = {
       {"empty text: its CRC holds, the record does not parse", Frame(""), "failed to parse", true},
       {"1023 bytes", Frame(long_text.substr(1)), "failed to parse", true},
@@ -145,8 +147,7 @@ TEST_P(BackupDamage, OddFiles) {
   EXPECT_EQ(2u, TakeLog().size()) << "a directory can be neither read nor written";
 }
 
-// The n-th call fails, for every n that there is: what was read before it is kept, and the next
-// save writes everything again.
+// Each call of a function fails in turn. The records that were read before are kept.
 TEST_P(BackupDamage, FailingSystemCalls) {
   const struct {
     const char* function;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// A service killed at a random moment of back-to-back saves. Belongs to `make check`.
+// Kills a service at a random moment of continuous saves. Belongs to `make check`.
 #include <sys/mman.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -33,7 +33,7 @@ constexpr int32_t kCapacity = 100;
   }
 }
 
-// What the next start finds, when `last` records had been added.
+// What the next start finds after `last` records were added.
 std::string Found(int32_t last) {
   AuthStatsG7 stats("0", kCapacity, true);
   stats.Init();

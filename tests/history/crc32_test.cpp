@@ -27,7 +27,7 @@ TEST(Crc32, KnownValues) {
   EXPECT_EQ(0u, crc32(nullptr, 0)) << "no data is read";
 }
 
-// Every way in which the slices and the tail can meet, at every alignment.
+// Covers every combination of 16-byte steps and remaining bytes, at every alignment.
 TEST(Crc32, EqualsTheDefinitionAtEveryLengthAndAlignment) {
   std::vector<uint8_t> data(2048);
   std::mt19937 random(1);

@@ -18,7 +18,7 @@ std::shared_ptr<EnrollEventG7> Event(int32_t fid) {
 
 class EnrollEventContainerTest : public DeviceTest {
  protected:
-  // A container as at the service's start.
+  // Creates a container as a service does at its start.
   static std::unique_ptr<EnrollEventContainer> Started(const char* event_type = "EnrollEventG7") {
     auto container = std::make_unique<EnrollEventContainer>();
     container->Init(event_type);

@@ -100,7 +100,7 @@ TEST_F(FingerSizesTest, KnownPercentiles) {
   EXPECT_EQ(4.0F, sizes.GetFingers().front()->major) << "the history stays in its order";
 }
 
-// Outside 0 to 100 the result means nothing, but it is a result.
+// The result for a percentile outside 0 to 100 is unspecified, but the call must be safe.
 TEST_F(FingerSizesTest, OddPercentilesAndSizesDoNoHarm) {
   constexpr float kInfinity = std::numeric_limits<float>::infinity();
   constexpr float kNan = std::numeric_limits<float>::quiet_NaN();

@@ -16,7 +16,7 @@ using namespace fp_test;
 
 class Histories : public DeviceTest, public ::testing::WithParamInterface<HistoryKind> {
  protected:
-  // A history as at the service's start, without the lines that this logs.
+  // Creates a history as a service does at its start, and discards the log lines.
   static std::unique_ptr<HistoryUnderTest> Start() {
     auto history = GetParam().start();
     TakeLog();
@@ -78,8 +78,8 @@ TEST_P(Histories, LogUnderTheirOwnNames) {
   EXPECT_LOG(LineAbout(kind.damage_prefix + std::string(" Crc checksum didn't match!")));
 }
 
-// Most frames of a save are those of the save before. The file has to be the one that composing
-// every record would make, whatever happened to the records in between.
+// Most frames of a save are reused from the one before. The file must be the same as if every
+// record were composed again, whatever happened to the records in between.
 TEST_P(Histories, SaveWhatComposingEveryRecordWouldSave) {
   constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
   constexpr float kFloats[] = {0.0F, -0.0F, kNan, -kNan, 1.5F, -1e30F};

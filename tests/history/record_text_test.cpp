@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Reading record texts: what is written is read, and what a base record removes is what a regular
-// expression would.
+// Reading record texts. A written record is read completely, and a base record removes the same
+// text as a regular expression.
 #include <algorithm>
 #include <iterator>
 #include <random>
@@ -22,8 +22,8 @@ constexpr char kEnrollText[] =
     "0x69a7bdbf,1,0x1,0x2,0xfffffffd,0x4,41.25,0x5,0xfffffff9,-12.50,0x1,0x2,0x3,0x4,0x5,0x6,0x7,"
     "0x8,0x9,0xa";
 
-// A text with one field in an odd spelling that scanf may take and a writer never makes, or with
-// characters changed, dropped or put in, or with another text behind its front.
+// Changes a text: replaces one field by a spelling that scanf may accept but no writer uses,
+// inserts the start of the text before it, or changes, removes or inserts characters.
 class TextMutator {
  public:
   std::string Mutate(std::string text) {
@@ -83,8 +83,8 @@ void ExpectReadAsByRegularExpression(const std::string& written, const char* pat
     ASSERT_LE(taken_whole, taken_by_base);
     taken += taken_by_base ? 1 : 0;
   }
-  EXPECT_GT(taken, texts / 5) << "too few valid texts to mean much";
-  EXPECT_LT(taken, texts * 4 / 5) << "too few damaged texts to mean much";
+  EXPECT_GT(taken, texts / 5) << "too few valid texts";
+  EXPECT_LT(taken, texts * 4 / 5) << "too few damaged texts";
   G7 loaded;
   std::string text = written;
   EXPECT_TRUE(loaded.LoadFromBackupString(text));
@@ -104,7 +104,7 @@ TEST(RecordText, OfEnrollments) {
       "-?[0-9]+([.][0-9]+)?,0x[0-9a-fA-F]+");
 }
 
-// A text far longer than any record, as a damaged caller might pass it: no recursion, no overflow.
+// A text that is much longer than any record must not cause recursion or an overflow.
 TEST(RecordText, MayBeAMegabyteOfAnything) {
   fp_test::MuteLog(true);
   for (const char* piece : {"0x1,", "1", "0x", ",", "0x1,0x1,0x1,0x1,0x1,", "f", " "}) {

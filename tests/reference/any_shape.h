@@ -23,12 +23,12 @@ std::unique_ptr<android::fp_utils::IShape> AsPlainShape(const AnyShape& shape);
 // Every float of a shape, in the order of its constructor.
 std::vector<float*> FieldsOf(AnyShape& shape);
 
-// A shape as golden/coverage.txt has it: its name and its fields, in hexadecimal where they are
-// written.
+// A shape in the form of golden/coverage.txt: its name and its fields. TextOf() writes the fields
+// in hexadecimal.
 std::string TextOf(AnyShape shape);
 AnyShape ReadShape(std::istream& in);
 
-// By the library.
+// Counts with the library.
 PlainCounts CountIn(const android::fp_utils::Rect& grid, const android::fp_utils::IShape& s1,
                     const android::fp_utils::IShape& s2);
 

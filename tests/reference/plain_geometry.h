@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Containment and the grid scan in the plainest form, as a reference for the library's: every
-// sample is asked for, and every question starts from the fields of the shape.
+// Containment and the grid scan in the plainest form, as a reference for the library's. Every
+// sample is tested, and every test computes everything from the fields of the shape.
 #pragma once
 
 #include <cstdint>
@@ -11,7 +11,7 @@
 
 namespace fp_reference {
 
-// Classes of their own, so the library takes them for a user's.
+// Separate classes, so that the library treats them as a user's.
 class PlainCircle : public android::fp_utils::IShape {
  public:
   explicit PlainCircle(const android::fp_utils::Circle& circle) : circle_(circle) {}

@@ -125,7 +125,7 @@ TEST_F(FingerStateTest, LptwFollowsTheFinger) {
 }
 
 // The callback on the touch worker and another thread change the finger state while the handler is
-// stopped, so that the locks of both are taken in both orders.
+// stopped, so the locks of finger state and handler are taken in both orders.
 void FingerStateTest::StopWhileCallbacksRun(int rounds) {
   fp_test::MuteLog(true);
   FpsTouchHandler& handler = FpsTouchHandler::GetInstance();

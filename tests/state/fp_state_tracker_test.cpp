@@ -24,7 +24,7 @@ constexpr fp_state_t State(uint32_t value) { return fp_state_t{value}; }
 
 class FpStateTrackerTest : public ::testing::Test {
  protected:
-  // Waits until threads have logged `count` times in all that they begin to wait.
+  // Waits until threads have logged in total `count` times that they begin to wait.
   void AwaitWaiters(size_t count) {
     ASSERT_TRUE(Eventually([&] {
       for (const LogLine& line : TakeLog()) {
