@@ -193,12 +193,11 @@ TEST_F(DynamicExposureTest, SampleDecides) {
 TEST_F(DynamicExposureTest, CrossedThresholdsGoUp) {
   Set("high_raw_mean_threshold", "1000");
   Set("low_raw_mean_threshold", "4000");
-  Calibrated(60.0F, 300.0F);
-  Feed(10, false, 20, 3000);
-  EXPECT_EQ(1, controller_->GetStep());
-  Calibrated(60.0F, 300.0F);
-  Feed(10, false, 20, 4000);
-  EXPECT_EQ(-1, controller_->GetStep());
+  for (const auto& [raw_mean, step] : {std::pair(3000, 1), {4000, -1}}) {
+    Calibrated(60.0F, 300.0F);
+    Feed(10, false, 20, raw_mean);
+    EXPECT_EQ(step, controller_->GetStep());
+  }
 }
 
 TEST_F(DynamicExposureTest, NeedsCalibrationAndCallback) {

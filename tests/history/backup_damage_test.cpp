@@ -182,11 +182,10 @@ TEST_P(BackupDamage, FailingSystemCalls) {
 }
 
 TEST_P(BackupDamage, GoesOnAndSavesAgain) {
-  struct Mishap {
+  const struct {
     const char* why;
     fp_host::Fault fault;
-  };
-  const Mishap kMishaps[] = {
+  } kMishaps[] = {
       {"no rights", {.function = "open", .error = EACCES}},
       {"no space at all",
        {.function = "write", .calls = fp_host::Fault::kForever, .error = ENOSPC}},
@@ -194,7 +193,7 @@ TEST_P(BackupDamage, GoesOnAndSavesAgain) {
       {"short writes", {.function = "write", .calls = fp_host::Fault::kForever, .shorten_to = 7}},
   };
   int number = GetParam().full_size;
-  for (const Mishap& mishap : kMishaps) {
+  for (const auto& mishap : kMishaps) {
     WriteFile(GetParam().path, content_);
     auto history = GetParam().start();
     fp_host::SetFault(mishap.fault);

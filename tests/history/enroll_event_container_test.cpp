@@ -47,12 +47,11 @@ TEST_F(EnrollEventContainerTest, UnknownTypeLoadsNothingAndStillSaves) {
   for (const char* type :
        {"EnrollEvent", "EnrollEventG70", "", static_cast<const char*>(nullptr)}) {
     EXPECT_TRUE(Started(type)->GetEvents().empty());
-    const std::string name = type == nullptr ? "" : type;
     const LogLine unknown = Error(
         "EnrollEventContainer",
         "[std::shared_ptr<EnrollEvent> android::fp_utils::EnrollEventContainer::CreateEvent()] "
         "Unknown event_type:" +
-            name);
+            std::string(type == nullptr ? "" : type));
     const LogLine failed = Error(
         "EnrollEventContainer",
         "[void android::fp_utils::EnrollEventContainer::LoadEventsFromBackupFile()] Failed to "

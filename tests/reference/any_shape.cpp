@@ -23,14 +23,6 @@ std::vector<float*> Fields(Rect& r) {
   return {&r.top_left.x, &r.top_left.y, &r.bottom_right.x, &r.bottom_right.y};
 }
 
-std::unique_ptr<IShape> Plain(const Circle& circle) {
-  return std::make_unique<PlainCircle>(circle);
-}
-std::unique_ptr<IShape> Plain(const Ellipse& ellipse) {
-  return std::make_unique<PlainEllipse>(ellipse);
-}
-std::unique_ptr<IShape> Plain(const Rect& rect) { return std::make_unique<PlainRect>(rect); }
-
 }  // namespace
 
 const IShape& AsShape(const AnyShape& shape) {
@@ -38,7 +30,8 @@ const IShape& AsShape(const AnyShape& shape) {
 }
 
 std::unique_ptr<IShape> AsPlainShape(const AnyShape& shape) {
-  return std::visit([](const auto& s) { return Plain(s); }, shape);
+  return std::visit([](const auto& s) { return std::unique_ptr<IShape>(new PlainShape(s)); },
+                    shape);
 }
 
 std::vector<float*> FieldsOf(AnyShape& shape) {

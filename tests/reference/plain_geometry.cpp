@@ -10,32 +10,35 @@ using android::fp_utils::IShape;
 using android::fp_utils::Point;
 using android::fp_utils::Rect;
 
+template <>
 bool PlainCircle::Contains(const Point& p) const {
-  const float dx = circle_.center.x - p.x;
-  const float dy = circle_.center.y - p.y;
+  const float dx = shape_.center.x - p.x;
+  const float dy = shape_.center.y - p.y;
   const float distance = sqrtf(dx * dx + dy * dy);
-  return distance <= circle_.radius;
+  return distance <= shape_.radius;
 }
 
+template <>
 bool PlainEllipse::Contains(const Point& p) const {
   float s = 0;
   float c = 0;
-  sincosf(ellipse_.orientation, &s, &c);
-  const float dx = p.x - ellipse_.center.x;
-  const float dy = p.y - ellipse_.center.y;
+  sincosf(shape_.orientation, &s, &c);
+  const float dx = p.x - shape_.center.x;
+  const float dy = p.y - shape_.center.y;
   const float u = dx * s - dy * c;
   const float v = dx * c + dy * s;
-  const float a = ellipse_.major_axis * 0.5F;
-  const float b = ellipse_.minor_axis * 0.5F;
+  const float a = shape_.major_axis * 0.5F;
+  const float b = shape_.minor_axis * 0.5F;
   const double along_major = static_cast<double>(u) * u / (static_cast<double>(a) * a);
   const double along_minor = static_cast<double>(v) * v / (static_cast<double>(b) * b);
   const auto sum = static_cast<float>(along_major + along_minor);
   return sum <= 1.0F;
 }
 
+template <>
 bool PlainRect::Contains(const Point& p) const {
-  return rect_.top_left.x <= p.x && p.x <= rect_.bottom_right.x && rect_.top_left.y <= p.y &&
-         p.y <= rect_.bottom_right.y;
+  return shape_.top_left.x <= p.x && p.x <= shape_.bottom_right.x && shape_.top_left.y <= p.y &&
+         p.y <= shape_.bottom_right.y;
 }
 
 std::ostream& operator<<(std::ostream& out, const PlainCounts& counts) {

@@ -11,36 +11,28 @@
 
 namespace fp_reference {
 
-// Separate classes, so that the library treats them as a user's.
-class PlainCircle : public android::fp_utils::IShape {
+// The same shape as a separate class, so that the library treats it as a user's.
+template <typename Shape>
+class PlainShape : public android::fp_utils::IShape {
  public:
-  explicit PlainCircle(const android::fp_utils::Circle& circle) : circle_(circle) {}
-  std::string Print() const override { return circle_.Print(); }
+  explicit PlainShape(const Shape& shape) : shape_(shape) {}
+  std::string Print() const override { return shape_.Print(); }
   bool Contains(const android::fp_utils::Point& p) const override;
 
  private:
-  android::fp_utils::Circle circle_;
+  Shape shape_;
 };
 
-class PlainEllipse : public android::fp_utils::IShape {
- public:
-  explicit PlainEllipse(const android::fp_utils::Ellipse& ellipse) : ellipse_(ellipse) {}
-  std::string Print() const override { return ellipse_.Print(); }
-  bool Contains(const android::fp_utils::Point& p) const override;
+using PlainCircle = PlainShape<android::fp_utils::Circle>;
+using PlainEllipse = PlainShape<android::fp_utils::Ellipse>;
+using PlainRect = PlainShape<android::fp_utils::Rect>;
 
- private:
-  android::fp_utils::Ellipse ellipse_;
-};
-
-class PlainRect : public android::fp_utils::IShape {
- public:
-  explicit PlainRect(const android::fp_utils::Rect& rect) : rect_(rect) {}
-  std::string Print() const override { return rect_.Print(); }
-  bool Contains(const android::fp_utils::Point& p) const override;
-
- private:
-  android::fp_utils::Rect rect_;
-};
+template <>
+bool PlainCircle::Contains(const android::fp_utils::Point& p) const;
+template <>
+bool PlainEllipse::Contains(const android::fp_utils::Point& p) const;
+template <>
+bool PlainRect::Contains(const android::fp_utils::Point& p) const;
 
 struct PlainCounts {
   uint32_t in_s1 = 0, in_s2 = 0, in_both = 0;
