@@ -182,11 +182,11 @@ TEST(InspectSummary, CountsAndCrossChecks) {
   attempts.push_back(Attempt(kStart + 20600, {.acquired = 9}));
   Contents dump = Dump(attempts);
   dump.bring_up = "Unexpected state:1";
-  dump.exposure.emplace();
-  dump.exposure->sample_size = 10;
-  dump.exposure->frr = 50;
-  dump.exposure->avg_iq = 20;
-  dump.exposure->avg_raw_mean = 1000;
+  dump.exposures.emplace_back();
+  dump.exposures[0].sample_size = 10;
+  dump.exposures[0].frr = 50;
+  dump.exposures[0].avg_iq = 20;
+  dump.exposures[0].avg_raw_mean = 1000;
   const Device device =
       Merge({std::move(dump), Dump({Error(kStart + 20000, "failed to enable lhbm")})});
   const Summary summary = Summarise(device, By::kBurst, Zone());

@@ -89,7 +89,7 @@ TEST_F(InspectProgram, ExitCodesAndMessages) {
     const char* output;  // a part of it
   } kCases[] = {
       {"--help", 0, "Exit codes: 0 done"},
-      {"", 2, "summary, list, verify or fleet"},
+      {"", 2, "summary, list, verify, fleet or replay"},
       {"summary", 2, "inputs is required"},
       {"list good --where nose=1", 2, "\"nose\" is no field with numbers"},
       {"list good --where reason", 2, "as t_cov<60"},
@@ -97,6 +97,14 @@ TEST_F(InspectProgram, ExitCodesAndMessages) {
       {"summary good --tz Mars/Crater", 2, "is no time zone"},
       {"summary good --format csv", 2, "--format"},
       {"fleet good -j 0", 2, "--jobs"},
+      {"replay good --set nose=1", 2, "reads no \"nose\", but number_of_attempts"},
+      {"replay good --set frr_threshold=4294967296", 2, "does not take \"4294967296\""},
+      {"replay good --set frr_threshold", 2, "does not take \"\""},
+      {"replay good --set upper_bound_us=1", 2, "--calibration"},
+      {"replay good --sweep frr_threshold=40:10:5", 2, "is no NAME=FROM:TO:BY"},
+      {"replay good --sweep frr_threshold=10:40:0", 2, "is no NAME=FROM:TO:BY"},
+      {"replay good --calibration 60:-1", 2, "is no MS:BASE"},
+      {"replay good --check", 3, "no dump has a bring-up"},
       {"summary good", 0, "no image 1; rejected 1 of 2\n"},
       {"summary - <good", 0, "rejected 1 of 2\n"},
       {"summary good good tree", 0, "3 attempts, 2026-03-04 05:06 to 2026-03-04 05:06\n"},

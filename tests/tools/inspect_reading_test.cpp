@@ -184,12 +184,12 @@ TEST_F(InspectDump, SettingsOfTheExposure) {
       "x: DynamicExposure:\nI dump:   kNumberOfAttempts: 12\n  kIqThreshold: -1\n  Stats of last "
       "12 "
       "attempts:\n    FRR: 41.67%\n    Avg IQ: 20.50\n    Avg raw mean: 2600.25\n  \n");
-  ASSERT_TRUE(contents.exposure);
-  EXPECT_EQ(12u, contents.exposure->settings.at("kNumberOfAttempts"));
-  EXPECT_EQ(4294967295u, contents.exposure->settings.at("kIqThreshold")) << "printed as signed";
-  EXPECT_EQ(12u, contents.exposure->sample_size);
-  EXPECT_EQ(41.67, contents.exposure->frr);
-  EXPECT_EQ(2600.25, contents.exposure->avg_raw_mean);
+  ASSERT_EQ(1u, contents.exposures.size());
+  EXPECT_EQ(12u, contents.exposures[0].settings.at("kNumberOfAttempts"));
+  EXPECT_EQ(4294967295u, contents.exposures[0].settings.at("kIqThreshold")) << "printed as signed";
+  EXPECT_EQ(12u, contents.exposures[0].sample_size);
+  EXPECT_EQ(41.67, contents.exposures[0].frr);
+  EXPECT_EQ(2600.25, contents.exposures[0].avg_raw_mean);
 }
 
 // Backup files of every history, damaged in every way that storage damages them.

@@ -11,6 +11,7 @@
 #include <filesystem>
 #include <thread>
 
+#include "model/replay.h"
 #include "model/timeline.h"
 #include "output/output.h"
 #include "reading/dump_line.h"
@@ -293,6 +294,31 @@ int RunFleet(const Options& options) {
   fleet.Finish();
   output->PutFleet(fleet, options.top);
   return outcome.Code();
+}
+
+int RunReplay(const Options& options) {
+  const auto output = MakeOutput(options.format);
+  Outcome outcome(*output);
+  const Device device = ReadDevice(options, &outcome);
+  Replay replay = ReplayRecorded(device, options.calibration, options.model);
+  if (options.model && !replay.fit) {
+    Complain("--model: the images are too few, or their quality has no maximum over the raw mean");
+    return kFailed;
+  }
+  for (const Settings& settings : options.variants) {
+    AddVariant(settings, &replay);
+  }
+  output->PutReplay(replay, device, options.check, Zone(device.zone));
+  TellDamage(device);
+  const int code = outcome.Code();
+  if (code != kDone) {
+    return code;
+  }
+  if (replay.runs.empty() || (options.check && replay.checks == 0)) {
+    Complain("no dump has a bring-up, the controller and its attempts");
+    return kNoRecord;
+  }
+  return options.check && !replay.Agrees() ? kDiffers : kDone;
 }
 
 }  // namespace fp_inspect

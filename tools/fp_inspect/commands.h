@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "model/exposure_controller.h"
 #include "model/fields.h"
 #include "model/summary.h"
 #include "reading/record.h"
@@ -23,14 +25,19 @@ struct Options {
   Filter filter;
   unsigned jobs = 0;  // 0: one a processor
   size_t top = 20;
+  std::optional<Calibration> calibration;
+  std::vector<Settings> variants;
+  bool check = false;
+  bool model = false;
 };
 
-enum ExitCode { kDone = 0, kFailed = 1, kUsage = 2, kNoRecord = 3, kDamaged = 4 };
+enum ExitCode { kDone = 0, kFailed = 1, kUsage = 2, kNoRecord = 3, kDamaged = 4, kDiffers = 5 };
 
 int RunSummary(const Options& options);
 int RunList(const Options& options);
 int RunVerify(const Options& options);
 int RunFleet(const Options& options);
+int RunReplay(const Options& options);
 
 // Whether a text is a moment for `since` and `until`: "2026-03-04", with " 05:06[:07]", or "@" and
 // seconds since the epoch.

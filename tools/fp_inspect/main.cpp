@@ -25,7 +25,7 @@ constexpr char kFooter[] =
     "IN is a dump, a bug report, a backup file of a history, a folder of these, or - for the\n"
     "standard input.\n\n"
     "Exit codes: 0 done, 1 failed, 2 wrong options, 3 no record in any input, 4 damage seen (the\n"
-    "output is complete as far as readable).";
+    "output is complete as far as readable), 5 a check of replay disagrees.";
 
 CLI::Validator Refuse(const std::string& name, bool (*is_good)(const std::string&)) {
   return CLI::Validator(
@@ -57,9 +57,19 @@ void AddFormat(CLI::App* command, Options* options, const std::vector<std::strin
       ->default_str("text");
 }
 
-void AddPeriod(CLI::App* command, Options* options) {
+void AddDevice(CLI::App* command, Options* options) {
   command->add_flag("--salvage", options->salvage,
                     "take the records too that read behind a damage");
+  command
+      ->add_option("--tz", options->zone,
+                   "zone of the device's local times, as Europe/Berlin; else what a bug report "
+                   "says, else the machine's")
+      ->check(Refuse("time zone", Zone::Exists))
+      ->type_name("ZONE");
+}
+
+void AddPeriod(CLI::App* command, Options* options) {
+  AddDevice(command, options);
   command
       ->add_option("--since", options->since,
                    "leave out what is before; 2026-03-04, 2026-03-04 05:06[:07] or @epoch")
@@ -68,12 +78,6 @@ void AddPeriod(CLI::App* command, Options* options) {
   command->add_option("--until", options->until, "leave out this moment and what is behind")
       ->check(Refuse("time", IsMoment))
       ->type_name("TIME");
-  command
-      ->add_option("--tz", options->zone,
-                   "zone of the device's local times, as Europe/Berlin; else what a bug report "
-                   "says, else the machine's")
-      ->check(Refuse("time zone", Zone::Exists))
-      ->type_name("ZONE");
 }
 
 void AddSummary(CLI::App* app, Options* options) {
@@ -130,6 +134,77 @@ void AddFleet(CLI::App* app, Options* options) {
       ->type_name("N");
 }
 
+// What `replay` is given as text.
+struct ReplayTexts {
+  std::string calibration;
+  std::vector<std::string> settings;
+  std::string sweep;
+};
+
+void AddReplay(CLI::App* app, Options* options, ReplayTexts* texts) {
+  CLI::App* const command = app->add_subcommand(
+      "replay",
+      "Exposure steps from the recorded attempts, and the first other one if settings "
+      "had been others.");
+  AddInputs(command, options);
+  AddDevice(command, options);
+  AddFormat(command, options, {"text", "jsonl"});
+  command
+      ->add_option("--calibration", texts->calibration,
+                   "the sensor's exposure in ms and its base, as 60:300; without it bounds are "
+                   "not applied")
+      ->type_name("MS:BASE");
+  command
+      ->add_option("--set", texts->settings,
+                   "another setting of the controller, as frr_threshold=10; repeatable, all apply")
+      ->type_name("NAME=VALUE")
+      ->allow_extra_args(false);
+  command->add_option("--sweep", texts->sweep, "each of several values, as frr_threshold=10:40:5")
+      ->type_name("NAME=FROM:TO:BY");
+  command->add_flag("--check", options->check, "compare the sample with the one in each dump");
+  command->add_flag("--model", options->model,
+                    "fit the sensor and model what is behind the first other step");
+}
+
+void ParseReplay(const ReplayTexts& texts, Options* options) {
+  if (!texts.calibration.empty()) {
+    options->calibration = Calibration::Parse(texts.calibration);
+    if (!options->calibration) {
+      throw CLI::ValidationError("--calibration", "is no MS:BASE, as 60:300");
+    }
+  }
+  std::string why;
+  Settings settings;
+  for (const std::string& text : texts.settings) {
+    const auto setting = ParseSetting(text, &why);
+    if (!setting) {
+      throw CLI::ValidationError("--set", why);
+    }
+    settings.insert_or_assign(setting->first, setting->second);
+  }
+  if (!texts.sweep.empty()) {
+    const auto values = ParseSweep(texts.sweep, &why);
+    if (values.empty()) {
+      throw CLI::ValidationError("--sweep", why);
+    }
+    for (const auto& [name, value] : values) {
+      options->variants.push_back(settings);
+      options->variants.back().insert_or_assign(name, value);
+    }
+  } else if (!settings.empty()) {
+    options->variants.push_back(settings);
+  }
+  const bool sets_bound =
+      !options->variants.empty() && (options->variants.front().contains("upper_bound_us") ||
+                                     options->variants.front().contains("lower_bound_us"));
+  if (!options->calibration && (options->model || sets_bound)) {
+    throw CLI::RequiredError("--calibration, for --model and for bounds");
+  }
+  if (options->model && options->variants.empty()) {
+    throw CLI::RequiredError("--set or --sweep, for --model");
+  }
+}
+
 void ParseConditions(const std::vector<std::string>& conditions, Filter* filter) {
   for (const std::string& text : conditions) {
     std::string why;
@@ -144,6 +219,7 @@ void ParseConditions(const std::vector<std::string>& conditions, Filter* filter)
 int Main(int argc, char** argv) {
   Options options;
   std::vector<std::string> conditions;
+  ReplayTexts replay;
   std::string form;
   CLI::App app("reads fingerprint dumps and histories, and says why unlocks fail");
   app.footer(kFooter);
@@ -151,17 +227,19 @@ int Main(int argc, char** argv) {
   AddList(&app, &options, &conditions);
   AddVerify(&app, &options);
   AddFleet(&app, &options);
+  AddReplay(&app, &options, &replay);
   app.add_option("--describe", form)->check(CLI::IsMember({"man", "bash", "zsh"}))->group("");
   app.require_subcommand(0, 1);
   try {
     app.parse(argc, argv);
     ParseConditions(conditions, &options.filter);
+    ParseReplay(replay, &options);
     if (!form.empty()) {
       fmt::print("{}", Describe(app, form));
       return kDone;
     }
     if (app.get_subcommands().empty()) {
-      throw CLI::RequiredError("summary, list, verify or fleet");
+      throw CLI::RequiredError("summary, list, verify, fleet or replay");
     }
   } catch (const CLI::ParseError& error) {
     return app.exit(error) == 0 ? kDone : kUsage;
@@ -169,8 +247,11 @@ int Main(int argc, char** argv) {
   // The machine's zone by name: without one each conversion looks whether the file has changed.
   setenv("TZ", ":/etc/localtime", 0);
   __android_log_set_minimum_priority(ANDROID_LOG_SILENT);  // damage is told in the tool's own words
-  const std::map<std::string, int (*)(const Options&)> commands = {
-      {"summary", RunSummary}, {"list", RunList}, {"verify", RunVerify}, {"fleet", RunFleet}};
+  const std::map<std::string, int (*)(const Options&)> commands = {{"summary", RunSummary},
+                                                                   {"list", RunList},
+                                                                   {"verify", RunVerify},
+                                                                   {"fleet", RunFleet},
+                                                                   {"replay", RunReplay}};
   try {
     return commands.at(app.get_subcommands().front()->get_name())(options);
   } catch (const std::exception& error) {

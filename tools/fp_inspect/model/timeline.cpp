@@ -8,6 +8,8 @@
 #include <unordered_map>
 #include <utility>
 
+#include "reading/dump_line.h"
+
 namespace fp_inspect {
 namespace {
 
@@ -197,6 +199,34 @@ void MakeAbsolute(Snapshot* snapshot, const Zone& zone) {
 
 }  // namespace
 
+void DeviceBuilder::AddDumps(const Contents& contents, const Zone& zone) {
+  constexpr std::string_view kSuccess = "Initialization successful, start_time:";
+  size_t from = 0;
+  for (const Exposure& exposure : contents.exposures) {
+    // A service may print its attempts behind the controller. In the only dump they are its own.
+    const size_t to =
+        contents.exposures.size() == 1 ? contents.snapshots.size() : exposure.snapshots;
+    ControllerDump dump = {.exposure = exposure,
+                           .source = static_cast<uint32_t>(device_.sources.size())};
+    for (; from < to; ++from) {
+      const Snapshot& snapshot = contents.snapshots[from];
+      if (snapshot.kind == RecordKind::kAttempt) {
+        const int64_t last = snapshot.records.back().time;
+        dump.last = snapshot.times_are_local ? zone.ToEpoch(last) : last;
+        dump.in_last_second = static_cast<size_t>(
+            std::count_if(snapshot.records.begin(), snapshot.records.end(),
+                          [&](const Record& record) { return record.time == last; }));
+      }
+    }
+    if (exposure.whole && exposure.bring_up.starts_with(kSuccess)) {
+      if (const auto begin = ReadWallTime(exposure.bring_up.substr(kSuccess.size()))) {
+        dump.begin = zone.ToEpoch(*begin);
+        device_.dumps.push_back(std::move(dump));
+      }
+    }
+  }
+}
+
 void DeviceBuilder::Add(Contents contents) {
   int64_t newest = INT64_MIN;
   const auto source = static_cast<uint32_t>(device_.sources.size());
@@ -205,6 +235,7 @@ void DeviceBuilder::Add(Contents contents) {
   if (!zone.empty()) {
     device_.zone = zone;
   }
+  AddDumps(contents, Zone(zone));
   device_.sources.push_back(contents.name);
   for (Snapshot& snapshot : contents.snapshots) {
     if (!salvage_) {
@@ -229,7 +260,8 @@ void DeviceBuilder::Add(Contents contents) {
   device_.damage_count += contents.damage_count;
   if (contents.kind == InputKind::kDump && newest >= newest_) {
     newest_ = newest;
-    device_.exposure = std::move(contents.exposure);
+    device_.exposure =
+        contents.exposures.empty() ? std::nullopt : std::optional(contents.exposures.back());
     device_.bring_up = std::move(contents.bring_up);
   }
 }

@@ -28,6 +28,15 @@ struct Timeline {
   bool full = false;   // the first history probably was, so that earlier records are gone
 };
 
+// What a dump says of the exposure controller, and when.
+struct ControllerDump {
+  Exposure exposure;
+  uint32_t source = 0;               // number of the input
+  int64_t begin = 0;                 // of the bring-up, seconds since the epoch
+  std::optional<int64_t> last = {};  // time of the newest attempt in it
+  size_t in_last_second = 0;         // attempts in it that have this time
+};
+
 struct Device {
   const Timeline& Of(RecordKind kind) const { return timelines[static_cast<size_t>(kind)]; }
   Timeline& Of(RecordKind kind) { return timelines[static_cast<size_t>(kind)]; }
@@ -36,7 +45,8 @@ struct Device {
   std::vector<std::string> sources;
   std::vector<Damage> damage;  // the first ones, each text with its input
   size_t damage_count = 0;
-  std::optional<Exposure> exposure;  // of the newest dump that has it
+  std::optional<Exposure> exposure;   // of the newest dump that has it
+  std::vector<ControllerDump> dumps;  // that tell of a bring-up without an error
   std::string bring_up;
   std::string zone;  // in which local times were read; "" is the machine's
 };
@@ -57,6 +67,8 @@ class DeviceBuilder {
   std::string zone_;
   bool salvage_;
   Device device_;
+  void AddDumps(const Contents& contents, const Zone& zone);
+
   int64_t newest_ = INT64_MIN;  // the last record of the dump that exposure and bring-up are from
   std::vector<Snapshot> snapshots_;
 };

@@ -103,6 +103,95 @@ json SummaryJson(const char* type, const Device& device, const Summary& summary,
   return object;
 }
 
+json StepJson(const Run& run, const std::optional<ExposureStep>& step, const Zone& zone) {
+  if (!step) {
+    return nullptr;
+  }
+  const Sample& sample = step->sample;
+  json object = {{"direction", step->up ? "up" : "down"},
+                 {"attempt", step->at + 1},
+                 {"step", step->step},
+                 {"expo_ms", step->expo},
+                 {"attempts", sample.last - sample.first + 1},
+                 {"images", sample.images},
+                 {"rejected", sample.rejected},
+                 {"avg_iq", sample.avg_iq},
+                 {"avg_raw_mean", sample.avg_raw_mean}};
+  AddTime(&object, "first", run.times[sample.first], zone);
+  AddTime(&object, "last", run.times[sample.last], zone);
+  return object;
+}
+
+json StepsJson(const Run& run, const Course& course, const Zone& zone) {
+  json steps = json::array();
+  for (const ExposureStep& step : course.steps) {
+    steps.push_back(StepJson(run, step, zone));
+  }
+  return steps;
+}
+
+json ExposureJson(const Exposure& exposure) {
+  return {{"attempts", exposure.sample_size},
+          {"frr", exposure.frr},
+          {"avg_iq", exposure.avg_iq},
+          {"avg_raw_mean", exposure.avg_raw_mean}};
+}
+
+json RunJson(const Run& run, const Device& device, bool check, const Zone& zone) {
+  json object = Object("run");
+  AddTime(&object, "begin", run.begin, zone);
+  object["attempts"] = run.attempts.size();
+  object["rejected"] = run.recorded.rejected;
+  object["unknown"] = run.unknown.empty() ? json(nullptr) : json(run.unknown);
+  object["settings"] = run.settings;
+  object["steps"] = StepsJson(run, run.recorded, zone);
+  for (size_t i = 0; check && i < run.checks.size(); ++i) {
+    const ReplayCheck& of_dump = run.checks[i];
+    object["checks"].push_back({{"input", device.sources[of_dump.source]},
+                                {"attempts", of_dump.attempts},
+                                {"agrees", of_dump.Agrees()},
+                                {"dumped", ExposureJson(of_dump.dumped)},
+                                {"replayed", ExposureJson(of_dump.replayed)}});
+  }
+  return object;
+}
+
+json VariantJson(const Variant& variant, const Replay& replay, const Zone& zone) {
+  json object = Object("variant");
+  object["settings"] = variant.settings;
+  object["departures"] = json::array();
+  for (const Departure& departure : variant.departures) {
+    const Run& run = replay.runs[departure.run];
+    json entry = {{"attempt", departure.at + 1}};
+    AddTime(&entry, "begin", run.begin, zone);
+    AddTime(&entry, "time", run.times[departure.at], zone);
+    entry["recorded"] = StepJson(run, departure.recorded, zone);
+    entry["other"] = StepJson(run, departure.other, zone);
+    entry["modelled"] = nullptr;
+    if (departure.modelled) {
+      entry["modelled"] = {{"rejected", departure.modelled->rejected},
+                           {"steps", StepsJson(run, *departure.modelled, zone)}};
+    }
+    object["departures"].push_back(std::move(entry));
+  }
+  return object;
+}
+
+json FitJson(const SensorFit& fit) {
+  json object = Object("fit");
+  object.update({{"images", fit.images},
+                 {"raw_per_ms", fit.raw_per_ms},
+                 {"raw_error", fit.raw_error},
+                 {"best_quality", fit.best_quality},
+                 {"best_raw", fit.best_raw},
+                 {"falloff", fit.falloff},
+                 {"quality_error", fit.quality_error},
+                 {"iq_cut", fit.iq_cut},
+                 {"covered", fit.covered},
+                 {"wrong", fit.wrong}});
+  return object;
+}
+
 class JsonlOutput : public Output {
  public:
   void PutSummary(const Device& device, const Summary& summary, const Zone& zone) override {
@@ -139,6 +228,19 @@ class JsonlOutput : public Output {
     object["source"] = device.sources[record.source];
     object["offset"] = record.offset;
     Put(object);
+  }
+
+  void PutReplay(const Replay& replay, const Device& device, bool check,
+                 const Zone& zone) override {
+    for (const Run& run : replay.runs) {
+      Put(RunJson(run, device, check, zone));
+    }
+    if (replay.fit) {
+      Put(FitJson(*replay.fit));
+    }
+    for (const Variant& variant : replay.variants) {
+      Put(VariantJson(variant, replay, zone));
+    }
   }
 
   void PutVerified(const Contents& contents) override {

@@ -9,6 +9,7 @@
 
 #include "model/fields.h"
 #include "model/fleet.h"
+#include "model/replay.h"
 #include "model/summary.h"
 
 namespace fp_inspect {
@@ -35,6 +36,9 @@ class Output {
   virtual void PutRecord(const Record& /*record*/, const Device& /*device*/,
                          const Thresholds& /*thresholds*/, const Zone& /*zone*/) {}
   virtual void EndList(const Device& /*device*/) {}
+  // `check` also asks for what the dumps say.
+  virtual void PutReplay(const Replay& /*replay*/, const Device& /*device*/, bool /*check*/,
+                         const Zone& /*zone*/) {}
   virtual void PutVerified(const Contents& /*contents*/) {}
   virtual void PutDevice(const std::string& /*name*/, const Device& /*device*/,
                          const Summary& /*summary*/, const Zone& /*zone*/) {}
@@ -51,6 +55,8 @@ std::unique_ptr<Output> MakeOutput(const std::string& format);
 std::unique_ptr<Output> MakeTextOutput();
 std::unique_ptr<Output> MakeJsonlOutput();
 std::unique_ptr<Output> MakeCsvOutput();
+
+void PrintReplay(const Replay& replay, const Device& device, bool check, const Zone& zone);
 
 // Text of a device without the control characters that a terminal would obey.
 std::string Printable(std::string text);

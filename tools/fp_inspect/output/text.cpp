@@ -71,6 +71,11 @@ class TextOutput : public Output {
     fmt::print("{} {}{}\n", time, Printable(Words(record)), record.salvaged ? " (salvaged)" : "");
   }
 
+  void PutReplay(const Replay& replay, const Device& device, bool check,
+                 const Zone& zone) override {
+    PrintReplay(replay, device, check, zone);
+  }
+
   void PutVerified(const Contents& contents) override {
     size_t salvaged = 0;
     size_t records = 0;

@@ -104,8 +104,17 @@ class DumpReader {
       contents_.bring_up = std::exchange(near_bring_up_, {});
     }
     if (section == Section::kExposure) {
-      contents_.exposure.emplace();
+      BeginExposure();
     }
+  }
+
+  void BeginExposure() {
+    constexpr size_t kBringUpKept = 80;  // enough for its time
+    if (!contents_.exposures.empty() && !contents_.exposures.back().whole) {
+      contents_.exposures.pop_back();
+    }
+    contents_.exposures.push_back({.bring_up = contents_.bring_up.substr(0, kBringUpKept),
+                                   .snapshots = contents_.snapshots.size()});
   }
 
   void TakeBringUp(std::string_view line) {
@@ -141,7 +150,7 @@ class DumpReader {
   }
 
   void TakeExposure(std::string_view line) {
-    Exposure& exposure = *contents_.exposure;
+    Exposure& exposure = contents_.exposures.back();
     if (const size_t name = line.find("  k"); name != line.npos) {
       const std::string_view setting = line.substr(name + 2);
       int64_t value = 0;
@@ -154,7 +163,7 @@ class DumpReader {
     NumberBehind(line, "Stats of last ", &exposure.sample_size);
     NumberBehind(line, "    FRR: ", &exposure.frr);
     NumberBehind(line, "    Avg IQ: ", &exposure.avg_iq);
-    NumberBehind(line, "    Avg raw mean: ", &exposure.avg_raw_mean);
+    exposure.whole |= NumberBehind(line, "    Avg raw mean: ", &exposure.avg_raw_mean);
   }
 
   static std::optional<Record> Read(RecordKind kind, std::string_view words) {

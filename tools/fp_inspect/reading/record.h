@@ -55,13 +55,17 @@ struct Damage {
   std::string text;
 };
 
-// Settings of the exposure controller by the names in the dump, and the sample that it decides on.
+// Of a dump: settings of the exposure controller by the names there, and the sample that it decides
+// on.
 struct Exposure {
-  std::map<std::string, uint32_t> settings;
+  std::map<std::string, uint32_t> settings = {};
   uint32_t sample_size = 0;
   double frr = 0;  // percent
   double avg_iq = 0;
   double avg_raw_mean = 0;
+  std::string bring_up;  // the line about it in the same dump
+  size_t snapshots = 0;  // so many of the input's stand ahead of it
+  bool whole = false;    // read to its last line
 };
 
 enum class InputKind { kNone, kDump, kBackup };
@@ -76,9 +80,9 @@ struct Contents {
   std::vector<Snapshot> snapshots;  // without empty ones
   size_t sections = 0;              // of dumps, empty ones too
   size_t loaded = 0;                // records of a backup file that the service would load
-  std::optional<Exposure> exposure;
-  std::string bring_up;   // the line about it
-  std::string time_zone;  // of the device, where a bug report names it
+  std::vector<Exposure> exposures;  // one a dump
+  std::string bring_up;             // the newest line about it
+  std::string time_zone;            // of the device, where a bug report names it
   std::vector<Damage> damage;
   size_t damage_count = 0;
 };

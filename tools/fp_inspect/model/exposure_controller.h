@@ -1,0 +1,61 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "fp_utils/dynamic_exposure.h"
+#include "reading/record.h"
+
+namespace fp_inspect {
+
+// Settings of the exposure controller by the last part of their property's name
+// ("frr_threshold"). What is left out has the library's default.
+using Settings = std::map<std::string, uint32_t>;
+
+// Of a dump, which has other names for them.
+Settings SettingsOf(const Exposure& exposure);
+
+// "frr_threshold=10", and "frr_threshold=10:40:5" for 10, 15 and so on up to 40. Without a result
+// if no class reads the name or would not take the value; `why` then says so.
+std::optional<std::pair<std::string, uint32_t>> ParseSetting(const std::string& text,
+                                                             std::string* why);
+std::vector<std::pair<std::string, uint32_t>> ParseSweep(const std::string& text, std::string* why);
+
+struct Calibration {
+  // "60:300": milliseconds and the base.
+  static std::optional<Calibration> Parse(const std::string& text);
+
+  float expo = 0;
+  float base = 0;
+};
+
+// The library's controller as in a service that has just started. Without a calibration it knows
+// no bounds and tells no exposure.
+//
+// Threading:  settings are properties of the process, so one thread makes controllers.
+class ExposureController {
+ public:
+  ExposureController(const Settings& settings, const std::optional<Calibration>& calibration);
+  ExposureController(const ExposureController&) = delete;
+  ExposureController& operator=(const ExposureController&) = delete;
+
+  void Feed(const AuthEventG7& attempt);
+  int32_t GetStep() const { return controller_->GetStep(); }
+  float GetExpo() const { return expo_; }  // milliseconds; NaN without a calibration
+
+  // The settings and the sample, as a dump of it shows them.
+  Exposure Dump() const;
+
+ private:
+  std::unique_ptr<android::fp_utils::DynamicExposure> controller_;
+  const bool is_calibrated_;
+  float expo_;
+};
+
+}  // namespace fp_inspect

@@ -1,0 +1,218 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "model/replay.h"
+
+#include <algorithm>
+#include <map>
+#include <tuple>
+
+namespace fp_inspect {
+namespace {
+
+using Records = std::vector<Record>;
+
+// The first record that is not before `time`.
+size_t PositionAt(const Records& records, int64_t time) {
+  const auto at =
+      std::lower_bound(records.begin(), records.end(), time,
+                       [](const Record& record, int64_t time) { return record.time < time; });
+  return static_cast<size_t>(at - records.begin());
+}
+
+// The first attempt that a run from `begin` on made; empty if attempts may be missing ahead of it.
+std::optional<size_t> FirstOf(const Timeline& timeline, int64_t begin) {
+  const size_t first = PositionAt(timeline.records, begin);
+  const bool in_gap = std::any_of(timeline.gaps.begin(), timeline.gaps.end(), [&](const Gap& gap) {
+    return gap.from < begin && gap.to >= begin;
+  });
+  if (in_gap || (first == 0 && timeline.full)) {
+    return std::nullopt;
+  }
+  return first;
+}
+
+Run MakeRun(const Timeline& timeline, const std::vector<const ControllerDump*>& dumps) {
+  Run run = {.begin = dumps.front()->begin, .settings = SettingsOf(dumps.front()->exposure)};
+  const auto first = FirstOf(timeline, run.begin);
+  if (!first) {
+    run.unknown = "attempts ahead of the first recorded one are missing";
+    return run;
+  }
+  size_t end = *first;
+  for (const ControllerDump* dump : dumps) {
+    if (dump->last) {
+      const size_t behind =
+          std::max(PositionAt(timeline.records, *dump->last) + dump->in_last_second, *first);
+      run.checks.push_back(
+          {.source = dump->source, .attempts = behind - *first, .dumped = dump->exposure});
+      end = std::min(std::max(end, behind), timeline.records.size());
+    }
+  }
+  for (size_t i = *first; i < end; ++i) {
+    const Record& record = timeline.records[i];
+    const bool is_behind_gap =
+        std::any_of(timeline.gaps.begin(), timeline.gaps.end(), [&](const Gap& gap) {
+          return i > *first && gap.to == record.time && gap.from == timeline.records[i - 1].time;
+        });
+    if (is_behind_gap || !record.g7) {
+      run.unknown = is_behind_gap ? "attempts are missing behind the last one here"
+                                  : "the next attempt lacks the fields that the controller reads";
+      break;
+    }
+    run.attempts.push_back(*record.Attempt());
+    run.times.push_back(record.time);
+  }
+  std::erase_if(run.checks,
+                [&](const ReplayCheck& check) { return check.attempts > run.attempts.size(); });
+  run.images = static_cast<size_t>(
+      std::count_if(run.attempts.begin(), run.attempts.end(), [](const AuthEventG7& attempt) {
+        return attempt.acquired_info == AuthEventG7::kAcquiredGood;
+      }));
+  return run;
+}
+
+// The last attempts of `fed`, those behind `begin` at most.
+Sample SampleOf(const std::vector<AuthEventG7>& fed, size_t begin, size_t size) {
+  Sample sample = {.first = std::max(begin, fed.size() - std::min(fed.size(), size)),
+                   .last = fed.size() - 1};
+  for (size_t i = sample.first; i < fed.size(); ++i) {
+    if (fed[i].acquired_info == AuthEventG7::kAcquiredGood) {
+      ++sample.images;
+      sample.rejected += IsRejected(fed[i]) ? 1 : 0;
+      sample.avg_iq += fed[i].iq;
+      sample.avg_raw_mean += fed[i].rawmean_delta;
+    }
+  }
+  const auto images = static_cast<double>(std::max<size_t>(sample.images, 1));
+  sample.avg_iq /= images;
+  sample.avg_raw_mean /= images;
+  return sample;
+}
+
+// Leads a controller through the run. Attempts at another exposure than the recorded one are
+// modelled if there is a fit, and else fed as they were recorded.
+Course Play(const Run& run, const Settings& settings, const std::optional<Calibration>& calibration,
+            const SensorFit* fit, std::vector<ReplayCheck>* checks = nullptr) {
+  Course course;
+  ExposureController controller(settings, calibration);
+  std::vector<AuthEventG7> fed;
+  const auto size = settings.find("number_of_attempts");
+  size_t begin = 0;  // of the sample
+  for (size_t i = 0; i <= run.attempts.size(); ++i) {
+    for (size_t j = 0; checks != nullptr && j < checks->size(); ++j) {
+      if ((*checks)[j].attempts == i) {
+        (*checks)[j].replayed = controller.Dump();
+      }
+    }
+    if (i == run.attempts.size()) {
+      break;
+    }
+    course.expo.push_back(controller.GetExpo());
+    fed.push_back(fit == nullptr
+                      ? run.attempts[i]
+                      : fit->At(run.attempts[i], controller.GetExpo() / run.recorded.expo[i]));
+    course.rejected += IsRejected(fed.back()) ? 1 : 0;
+    const int32_t before = controller.GetStep();
+    controller.Feed(fed.back());
+    if (controller.GetStep() != before) {
+      course.steps.push_back(
+          {.at = i,
+           .step = controller.GetStep(),
+           .expo = controller.GetExpo(),
+           .up = controller.GetStep() > before,
+           .sample = SampleOf(fed, begin, size != settings.end() ? size->second : 10)});
+      begin = i + 1;
+    }
+  }
+  return course;
+}
+
+// The first step that only one course has, or that leads to another exposure.
+std::optional<Departure> DepartureOf(const Course& recorded, const Course& other,
+                                     bool has_same_unit) {
+  for (size_t i = 0; i < std::max(recorded.steps.size(), other.steps.size()); ++i) {
+    const auto in = [i](const Course& course) {
+      return i < course.steps.size() ? std::optional(course.steps[i]) : std::nullopt;
+    };
+    Departure departure = {.recorded = in(recorded), .other = in(other)};
+    auto& [run, at, a, b, modelled] = departure;
+    if (a && b && a->at == b->at && a->step == b->step && has_same_unit) {
+      continue;
+    }
+    at = std::min(a ? a->at : SIZE_MAX, b ? b->at : SIZE_MAX);
+    a = a && a->at == at ? a : std::nullopt;
+    b = b && b->at == at ? b : std::nullopt;
+    return departure;
+  }
+  return std::nullopt;
+}
+
+void Fit(Replay* replay) {
+  std::vector<SensorFit::Image> images;
+  for (const Run& run : replay->runs) {
+    for (size_t i = 0; i < run.attempts.size(); ++i) {
+      if (run.attempts[i].acquired_info == AuthEventG7::kAcquiredGood) {
+        images.push_back({&run.attempts[i], run.recorded.expo[i]});
+      }
+    }
+  }
+  replay->fit = SensorFit::Of(images);
+}
+
+}  // namespace
+
+// Both were printed by the library with two decimals.
+bool ReplayCheck::Agrees() const {
+  const auto key = [](const Exposure& e) {
+    return std::tuple(e.sample_size, e.frr, e.avg_iq, e.avg_raw_mean);
+  };
+  return key(dumped) == key(replayed);
+}
+
+bool Replay::Agrees() const {
+  return std::all_of(runs.begin(), runs.end(), [](const Run& run) {
+    return std::all_of(run.checks.begin(), run.checks.end(),
+                       [](const ReplayCheck& check) { return check.Agrees(); });
+  });
+}
+
+Replay ReplayRecorded(const Device& device, const std::optional<Calibration>& calibration,
+                      bool model) {
+  std::map<int64_t, std::vector<const ControllerDump*>> dumps;
+  for (const ControllerDump& dump : device.dumps) {
+    dumps[dump.begin].push_back(&dump);
+  }
+  Replay replay = {.calibration = calibration};
+  for (const auto& [begin, of_run] : dumps) {
+    Run run = MakeRun(device.Of(RecordKind::kAttempt), of_run);
+    run.recorded = Play(run, run.settings, calibration, nullptr, &run.checks);
+    replay.checks += run.checks.size();
+    replay.runs.push_back(std::move(run));
+  }
+  if (model) {
+    Fit(&replay);
+  }
+  return replay;
+}
+
+void AddVariant(const Settings& settings, Replay* replay) {
+  Variant variant = {.settings = settings};
+  constexpr char kUnit[] = "expo_change_unit_denominator";
+  for (size_t i = 0; i < replay->runs.size(); ++i) {
+    const Run& run = replay->runs[i];
+    Settings of_run = settings;
+    of_run.insert(run.settings.begin(), run.settings.end());
+    const auto unit = [&](const Settings& in) { return in.contains(kUnit) ? in.at(kUnit) : 60; };
+    auto departure = DepartureOf(run.recorded, Play(run, of_run, replay->calibration, nullptr),
+                                 unit(of_run) == unit(run.settings));
+    if (departure) {
+      departure->run = i;
+      if (replay->fit) {
+        departure->modelled = Play(run, of_run, replay->calibration, &*replay->fit);
+      }
+      variant.departures.push_back(std::move(*departure));
+    }
+  }
+  replay->variants.push_back(std::move(variant));
+}
+
+}  // namespace fp_inspect

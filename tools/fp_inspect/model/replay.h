@@ -1,0 +1,94 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "model/causes.h"
+#include "model/exposure_controller.h"
+#include "model/sensor_fit.h"
+#include "model/timeline.h"
+
+namespace fp_inspect {
+
+// The attempts behind a decision. `first` and `last` are positions in the run.
+struct Sample {
+  size_t first = 0;
+  size_t last = 0;
+  size_t images = 0;
+  size_t rejected = 0;
+  double avg_iq = 0;
+  double avg_raw_mean = 0;
+};
+
+struct ExposureStep {
+  size_t at = 0;     // position in the run of the attempt that led to it
+  int32_t step = 0;  // in force from then on, counted from the calibration
+  float expo = 0;    // milliseconds; NaN without a calibration
+  bool up = false;
+  Sample sample = {};
+};
+
+// What a dump says of the sample, and what the replay has there.
+struct ReplayCheck {
+  bool Agrees() const;
+
+  uint32_t source = 0;
+  size_t attempts = 0;  // of the run, that were made before the dump
+  Exposure dumped = {};
+  Exposure replayed = {};
+};
+
+// One course of the controller through the attempts of a run.
+struct Course {
+  std::vector<ExposureStep> steps;
+  std::vector<float> expo;  // in force at each attempt
+  size_t rejected = 0;
+};
+
+// A service from its bring-up to the last dump of it. What came later may belong to another.
+struct Run {
+  int64_t begin = 0;
+  std::vector<AuthEventG7> attempts = {};
+  std::vector<int64_t> times = {};
+  std::string unknown = {};  // why it, or its end, is not replayed
+  Settings settings = {};
+  Course recorded = {};
+  std::vector<ReplayCheck> checks = {};
+  size_t images = 0;
+};
+
+// Where a run with other settings would have left its recorded course.
+struct Departure {
+  size_t run = 0;
+  size_t at = 0;                              // position of the attempt
+  std::optional<ExposureStep> recorded = {};  // the steps made there
+  std::optional<ExposureStep> other = {};
+  std::optional<Course> modelled = {};  // the whole run, modelled behind that attempt
+};
+
+struct Variant {
+  Settings settings = {};  // that differ from those of the device
+  std::vector<Departure> departures = {};
+};
+
+struct Replay {
+  bool Agrees() const;
+
+  std::optional<Calibration> calibration = {};
+  std::vector<Run> runs = {};
+  std::vector<Variant> variants = {};
+  std::optional<SensorFit> fit = {};
+  size_t checks = 0;
+};
+
+// The recorded course of every run; with `model` also the fit, if there is one.
+Replay ReplayRecorded(const Device& device, const std::optional<Calibration>& calibration,
+                      bool model);
+
+// Adds the departures that `settings` on top of the device's lead to.
+void AddVariant(const Settings& settings, Replay* replay);
+
+}  // namespace fp_inspect

@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+#include "reading/record.h"
+
+namespace fp_inspect {
+
+// The sensor, as recorded images show it: raw mean proportional to the exposure, quality a
+// parabola of the raw mean, and an image that the finger covers rejected below a quality.
+struct SensorFit {
+  struct Image {
+    const AuthEventG7* attempt;
+    float expo;  // milliseconds, in force at the capture
+  };
+  // By least squares. Without a result for fewer than 20 images, and for images whose quality has
+  // no maximum over the raw mean.
+  static std::optional<SensorFit> Of(const std::vector<Image>& images);
+
+  double Quality(double raw) const;
+
+  // What the attempt would have been with `ratio` times the exposure. Its own deviations from the
+  // fit stay with it, and its outcome changes where its quality crosses `iq_cut`.
+  AuthEventG7 At(const AuthEventG7& attempt, double ratio) const;
+
+  size_t images = 0;
+  double raw_per_ms = 0;
+  double raw_error = 0;  // standard deviation from the fit, over the mean
+  double best_quality = 0;
+  double best_raw = 0;
+  double falloff = 0;  // per (1000 raw)^2
+  double quality_error = 0;
+  int32_t iq_cut = 0;
+  size_t covered = 0;  // images with enough of the finger
+  size_t wrong = 0;    // of these, with another outcome than the cut says
+};
+
+}  // namespace fp_inspect
