@@ -30,7 +30,7 @@ using android::fp_utils::EnrollEventG7;
 
 constexpr int64_t kEnrollments = 50;  // the capacity of a container
 
-// A history of `records` that was created without a file.
+// A history of so many records, created without a file.
 std::unique_ptr<AuthStatsG7> AuthHistory(int64_t records) {
   DeviceInMemory();
   std::filesystem::remove(fp_host::HostPath("/data/vendor/fingerprint/AuthStats.bench"));
@@ -42,7 +42,7 @@ std::unique_ptr<AuthStatsG7> AuthHistory(int64_t records) {
   return stats;
 }
 
-void Renew(AuthStatsG7& stats, int number) {
+void ReplaceOldest(AuthStatsG7& stats, int number) {
   stats.PopAttempt();
   stats.PushAttempt(Sample<AuthEventG7>(number));
 }
@@ -50,7 +50,7 @@ void Renew(AuthStatsG7& stats, int number) {
 void SaveNew(benchmark::State& state, AuthStatsG7& stats) {
   auto number = static_cast<int>(stats.GetTotalAttempts());
   for (auto _ : state) {
-    Renew(stats, number++);
+    ReplaceOldest(stats, number++);
     stats.SaveAttemptsToBackupFile();
   }
 }
@@ -72,7 +72,7 @@ void AuthSave(benchmark::State& state) {
   const size_t unsaved = mallinfo2().uordblks;
   stats->SaveAttemptsToBackupFile();
   state.counters["history_bytes"] = static_cast<double>(unsaved - before);
-  state.counters["remembered_bytes"] = static_cast<double>(mallinfo2().uordblks - unsaved);
+  state.counters["cached_bytes"] = static_cast<double>(mallinfo2().uordblks - unsaved);
   SaveNew(state, *stats);
 }
 
@@ -80,13 +80,11 @@ void AuthSavePlain(benchmark::State& state) {
   const auto stats = AuthHistory(state.range(0));
   auto number = static_cast<int>(state.range(0));
   for (auto _ : state) {
-    Renew(*stats, number++);
+    ReplaceOldest(*stats, number++);
     SavePlainly(stats->GetBackupPath(), stats->GetAttempts());
   }
 }
 
-// Full containers, which drop the oldest event. One that is not initialised does not save by
-// itself.
 void EnrollSave(benchmark::State& state) {
   DeviceInMemory();
   EnrollEventContainer container;
@@ -102,7 +100,7 @@ void EnrollSave(benchmark::State& state) {
 
 void EnrollSavePlain(benchmark::State& state) {
   const std::string path = DeviceInMemory() + "/data/vendor/fingerprint/EnrollEventContainer";
-  EnrollEventContainer container;
+  EnrollEventContainer container;  // not initialised, so it does not save by itself
   int number = 0;
   for (; number < kEnrollments; ++number) {
     container.AddEvent(Sample<EnrollEventG7>(number));

@@ -39,8 +39,8 @@ class FP_UTILS_EXPORT Thermal {
   Thermal(const Thermal&) = delete;
   Thermal& operator=(const Thermal&) = delete;
 
-  // The throttling severity, 0 (none) to 6 (shutdown), of the first skin sensor; 0 also when the
-  // HAL fails or knows no such sensor. -ENODEV while not connected.
+  // The throttling severity, 0 (none) to 6 (shutdown), of the first skin sensor; 0 also if the
+  // HAL fails or has no skin sensor. -ENODEV while not connected.
   int32_t GetCpuSeverity();
 
  private:

@@ -4,8 +4,8 @@
 namespace android::fp_utils {
 
 std::string LocalTimeText(time_t seconds) {
-  // localtime_r() need not read the time zone again, so tzset() does. localtime() would, but its
-  // result is shared between threads, and several may dump at once.
+  // Takes over a change of the time zone, which localtime_r() need not do. localtime() does, but
+  // its result is shared between threads, and several may dump at once.
   tzset();
   tm parts = {};
   if (localtime_r(&seconds, &parts) == nullptr) {

@@ -34,9 +34,9 @@ long long MillisecondsSince(Clock::time_point start) {
   return std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start).count();
 }
 
-// A notification of death can still be delivered after its recipient was deleted, with a cookie
-// that is no controller any more. So the cookie is only a key: this finds the controller's guard.
-// The instance is never destroyed, because notifications come until the process is gone.
+// Finds the guard of a controller. A death notification can arrive after its recipient was deleted,
+// when the controller in its cookie may no longer exist, so the cookie is used only as a key. The
+// instance is never destroyed, because notifications can arrive until the process ends.
 class LiveControllers {
  public:
   static LiveControllers& Get() {
@@ -49,7 +49,7 @@ class LiveControllers {
     guards_[controller] = std::make_shared<LivenessGuard>();
   }
 
-  // Null if there is no such controller.
+  // Null if the controller does not exist.
   std::shared_ptr<LivenessGuard> Find(const void* controller) {
     const std::lock_guard lock(mutex_);
     const auto entry = guards_.find(controller);
@@ -105,13 +105,13 @@ int DisplayController::SetLhbm(bool on, unsigned int* elapsed) {
 }
 
 bool DisplayController::Switch(bool on) {
-  // On a device without a display service there is no connection: the switch has failed.
+  // On a device without a display service there is no connection, so the switch fails.
   if (display_ != nullptr && display_->setLhbmState(on).isOk()) {
     return true;
   }
   FP_LOG_ERROR(kTag, "[%s] Failed to setLhbmState %d", "SetLhbm", static_cast<int>(on));
   if (on) {
-    // Only this spoils a capture. A display that stays bright is visible to the user.
+    // Only a failed switch-on spoils a capture. A display that stays bright is visible to the user.
     CriticalErrors::GetInstance().AddErrorEvent(
         std::make_shared<ErrorEvent>("failed to enable lhbm"));
   }

@@ -78,7 +78,7 @@ int32_t SensorListener::StartSampling(SensorType type) {
 }
 
 int32_t SensorListener::StopSampling(SensorType type) {
-  // The thread that ends the worker ends all sampling, too.
+  // Without the lock: the thread that is ending the worker also ends all sampling.
   if (!IsKnown(type) || !LockUnlessEnding()) {
     return 0;
   }
@@ -114,7 +114,7 @@ bool SensorListener::IsOnOwnWorker() const {
   return sensor_polling_worker_thread_ != nullptr && sensor_polling_worker_thread_->IsCurrent();
 }
 
-// Not on the worker, which cannot wait for itself.
+// Does nothing on the worker, which cannot wait for itself.
 void SensorListener::StopWorker() {
   if (sensor_polling_worker_thread_ != nullptr && !IsOnOwnWorker()) {
     sensor_polling_worker_thread_->Stop();
@@ -122,7 +122,7 @@ void SensorListener::StopWorker() {
   }
 }
 
-// On the worker it gives up once the worker has to end.
+// False, without the lock, only on a worker that has to end.
 bool SensorListener::LockUnlessEnding() {
   if (!SensorPollingWorkerThread::IsCurrentOf(this)) {
     mutex_.lock();
