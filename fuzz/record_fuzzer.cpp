@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Makes the class FUZZED_RECORD load arbitrary text. It must not crash, neither then nor when it
-// prints and writes a loaded record.
+// Makes the class FUZZED_RECORD load arbitrary text, and print and write the loaded record. None of
+// this may crash.
 #include <cstdint>
 #include <string>
 

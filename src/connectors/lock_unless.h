@@ -10,8 +10,8 @@
 namespace android::fp_utils {
 
 // Waits for the lock, but gives up and returns false once `gives_up()` is true. The owner of a
-// worker holds its lock while it waits for the worker to end, so a thread that the worker may be
-// waiting for, or the worker itself, must not wait for that lock in turn.
+// worker holds its lock while it waits for the worker to end. The worker, and any thread for which
+// the worker may be waiting, would deadlock if it waited for that lock.
 template <typename GivesUp>
 [[nodiscard]] bool LockUnless(std::mutex& mutex, GivesUp gives_up) FP_TRY_ACQUIRE(true, mutex) {
   // Not a timed lock, whose deadline follows the wall clock.
