@@ -17,17 +17,17 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const auto contents = fp_inspect::ReadInput(input, "x", fp_inspect::InputKind::kBackup);
   size_t not_salvaged = 0;
   for (const auto& snapshot : contents.snapshots) {
-    uint64_t end = 0;
+    uint64_t lowest_offset = 0;
     for (const auto& record : snapshot.records) {
       unsigned crc = 0;
       unsigned long length = 0;
       int header = 0;
       const char* const frame = file.c_str() + record.offset;
-      if (record.offset < end || record.offset >= size ||
+      if (record.offset < lowest_offset || record.offset >= size ||
           sscanf(frame, "0x%x,0x%lx%n", &crc, &length, &header) != 2) {
         abort();
       }
-      end = record.offset + 1;
+      lowest_offset = record.offset + 1;
       not_salvaged += record.salvaged ? 0 : 1;
       const uint64_t text = record.offset + static_cast<uint64_t>(header) + 1;
       if (record.salvaged && length <= size && text + length <= size && file[text - 1] == ',' &&

@@ -34,7 +34,7 @@ constexpr int32_t kCapacity = 100;
 }
 
 // What the next start finds after `last` records were added.
-std::string Found(int32_t last) {
+std::string OutcomeOfStart(int32_t last) {
   AuthStatsG7 stats("0", kCapacity, true);
   stats.Init();
   if (stats.GetAttempts().empty()) {
@@ -50,7 +50,7 @@ std::string Found(int32_t last) {
     }
   }
   if (stats.GetTotalAttempts() < kCapacity) {
-    return "the front of a save";
+    return "the first part of a save";
   }
   return twice == 1 ? "one record twice" : number >= last ? "the last save" : "wrong records";
 }
@@ -78,7 +78,7 @@ TEST_F(LongBackupKill, LeavesSoundRecords) {
     }
     kill(child, SIGKILL);
     waitpid(child, nullptr, 0);
-    ++outcomes[Found(added)];
+    ++outcomes[OutcomeOfStart(added)];
   }
   for (const auto& [outcome, times] : outcomes) {
     printf("%6d times %s\n", times, outcome.c_str());
