@@ -17,12 +17,12 @@ namespace {
 using android::fp_utils::FingerSize;
 using android::fp_utils::FingerSizes;
 
-constexpr size_t kSamplesInAll = 200000;
+constexpr size_t kTotalSamples = 200000;
 
 std::vector<std::unique_ptr<FingerSizes>> Histories(int64_t samples) {
   std::mt19937 random(1);
   std::vector<std::unique_ptr<FingerSizes>> histories;
-  for (size_t left = kSamplesInAll; left >= static_cast<size_t>(samples);
+  for (size_t left = kTotalSamples; left >= static_cast<size_t>(samples);
        left -= static_cast<size_t>(samples)) {
     histories.push_back(std::make_unique<FingerSizes>("bench", FingerSizes::kUnbounded, false));
     for (int64_t i = 0; i < samples; ++i) {

@@ -42,11 +42,12 @@ class EllipseRows {
   EllipsePredicate predicate_;
   double bound_factor_;
 
+  Method method_ = Method::kSolve;
+
   // With p = dy * cosine and q = dy * sine, the row at dy is the straight line
   //   w(dx) = ((dx * sine - p) / a, (dx * cosine + q) / b),
-  // and the ellipse contains its part with |w| <= 1.
-  Method method_ = Method::kSolve;
-  double speed_ = 0;  // growth of w per dx
+  // and the ellipse contains its part with |w| <= 1. w moves by speed_ per dx.
+  double speed_ = 0;
   // |w| is smallest at dx = nearest_by_p_ * p - nearest_by_q_ * q, where it is
   // smallest_scale_ * (sine * q + cosine * p).
   double nearest_by_p_ = 0;

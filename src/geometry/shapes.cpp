@@ -12,7 +12,7 @@ namespace {
 constexpr size_t kPrintSize = 128;
 
 template <typename... Arguments>
-std::string Text(const char* format, Arguments... arguments) {
+std::string Format(const char* format, Arguments... arguments) {
   BoundedText<kPrintSize> text;
   text.Append(format, arguments...);
   return text.ToString();
@@ -20,10 +20,10 @@ std::string Text(const char* format, Arguments... arguments) {
 
 }  // namespace
 
-std::string Point::Print() const { return Text("Point(%.2f, %.2f)", x, y); }
+std::string Point::Print() const { return Format("Point(%.2f, %.2f)", x, y); }
 
 std::string Circle::Print() const {
-  return Text("Circle(x:%.2f, y:%.2f, r:%.2f)", center.x, center.y, radius);
+  return Format("Circle(x:%.2f, y:%.2f, r:%.2f)", center.x, center.y, radius);
 }
 
 // Compares the root, not the squares, which would round differently.
@@ -34,15 +34,15 @@ bool Circle::Contains(const Point& p) const {
 }
 
 std::string Ellipse::Print() const {
-  return Text("Ellipse(x:%.2f, y:%.2f, M:%.2f, m:%.2f, o:%.2f)", center.x, center.y, major_axis,
-              minor_axis, orientation);
+  return Format("Ellipse(x:%.2f, y:%.2f, M:%.2f, m:%.2f, o:%.2f)", center.x, center.y, major_axis,
+                minor_axis, orientation);
 }
 
 bool Ellipse::Contains(const Point& p) const { return EllipsePredicate(*this).Contains(p.x, p.y); }
 
 std::string Rect::Print() const {
-  return Text("Rect(%.2f, %.2f - %.2f, %.2f)", top_left.x, top_left.y, bottom_right.x,
-              bottom_right.y);
+  return Format("Rect(%.2f, %.2f - %.2f, %.2f)", top_left.x, top_left.y, bottom_right.x,
+                bottom_right.y);
 }
 
 bool Rect::Contains(const Point& p) const {

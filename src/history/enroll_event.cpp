@@ -41,8 +41,8 @@ std::string EnrollEvent::ToBackupString() const {
   return text.ToString();
 }
 
-// Fields without a temporary are scanned straight into the record, so after a failure it holds
-// those that were readable. Callers rely on that.
+// Fields without a temporary are scanned straight into the record. After a failure it holds those
+// that were readable.
 bool EnrollEvent::LoadFromBackupString(std::string& text) {
   unsigned long long stored_time = 0;
   int stored_op = 0;

@@ -15,9 +15,9 @@ namespace {
 using fp_test::Error;
 using fp_test::TakeLog;
 
-const std::string kBaseLoad =
+const std::string kBaseSignature =
     "[virtual bool android::fp_utils::AuthEvent::LoadFromBackupString(std::string &)] ";
-const std::string kG7Load =
+const std::string kG7Signature =
     "[virtual bool android::fp_utils::AuthEventG7::LoadFromBackupString(std::string &)] ";
 
 // 2026-03-04 05:06:07 in UTC.
@@ -84,7 +84,7 @@ TEST_F(AuthEventTest, DebugTextNamesTheOutcome) {
   }
 }
 
-TEST_F(AuthEventTest, G7DebugTextAddsWhatTheOutcomeCallsFor) {
+TEST_F(AuthEventTest, G7DebugTextAddsTheDiagnosticsOfTheOutcome) {
   AuthEventG7 event = Matched();
   const std::string lptw = ", lptw:4000000000";
   const std::string touch = ", t_cov:88%, t_dist:1.2mm";
@@ -190,8 +190,9 @@ TEST_F(AuthEventTest, FailedLoadsLogAndKeepWhatWasReadable) {
   EXPECT_EQ(8, event.latency);
   EXPECT_EQ(80, event.iq);
   EXPECT_LOG(
-      Error("AuthEvent", kBaseLoad + "failed to parse str:'0x10,0x2,0x1,0x7,0x8' with error -5"),
-      Error("AuthEventG7", kG7Load + "AuthEvent failed to load '0x10,0x2,0x1,0x7,0x8'"));
+      Error("AuthEvent",
+            kBaseSignature + "failed to parse str:'0x10,0x2,0x1,0x7,0x8' with error -5"),
+      Error("AuthEventG7", kG7Signature + "AuthEvent failed to load '0x10,0x2,0x1,0x7,0x8'"));
 
   text = "0x10,0x2,0x1,0x7,0x8,0x9,1.50,2.50,7,0x";
   errno = 0;
@@ -200,7 +201,8 @@ TEST_F(AuthEventTest, FailedLoadsLogAndKeepWhatWasReadable) {
   EXPECT_EQ(1.5F, event.t_cov);
   EXPECT_EQ(7u, event.lptw);
   EXPECT_EQ(2000, event.rawmean_delta);
-  EXPECT_LOG(Error("AuthEventG7", kG7Load + "failed to parse str:',1.50,2.50,7,0x' with error 0"));
+  EXPECT_LOG(
+      Error("AuthEventG7", kG7Signature + "failed to parse str:',1.50,2.50,7,0x' with error 0"));
 }
 
 }  // namespace

@@ -40,8 +40,8 @@ class BackupDamage : public DeviceTest, public ::testing::WithParamInterface<His
     return GetParam().start()->RecordTexts();
   }
 
-  // Loads a file that is damaged from `first_damaged` on: all records before that, and no wrong
-  // one.
+  // Expects a file that is damaged from `first_damaged` on to give all records before that, and no
+  // wrong one.
   void ExpectSoundPrefix(const std::string& content, size_t first_damaged) {
     const Texts loaded = Load(content);
     const size_t intact = static_cast<size_t>(
@@ -95,7 +95,7 @@ TEST_P(BackupDamage, OddLengths) {
     const char* why;
     std::string frame;
     const char* log;  // part of the one line, or null for none
-    bool goes_on;     // the load, with the next frame
+    bool continues;   // the load, with the next frame
   } kCases[] = {
       {"empty text: its CRC holds, the record does not parse", Frame(""), "failed to parse", true},
       {"1023 bytes", Frame(long_text.substr(1)), "failed to parse", true},
@@ -108,12 +108,12 @@ TEST_P(BackupDamage, OddLengths) {
       {"a negative length", "0x1,0x-1,x", "is too long", false},
       {"no header", "hello", nullptr, false},
       {"half a header", "0x12", nullptr, false},
-      {"no comma behind the length", "0x0,0x0;", nullptr, false},
+      {"no comma after the length", "0x0,0x0;", nullptr, false},
   };
   for (const auto& test : kCases) {
     const Texts loaded = Load(first + test.frame + Frame(texts_[1]));
     const std::vector<LogLine> log = TakeLog();
-    EXPECT_EQ(test.goes_on ? 2u : 1u, loaded.size()) << test.why;
+    EXPECT_EQ(test.continues ? 2u : 1u, loaded.size()) << test.why;
     EXPECT_EQ(texts_[0], loaded[0]) << test.why;
     size_t about_it = 0;
     for (const LogLine& line : log) {
@@ -181,27 +181,27 @@ TEST_P(BackupDamage, FailingSystemCalls) {
   }
 }
 
-TEST_P(BackupDamage, GoesOnAndSavesAgain) {
+TEST_P(BackupDamage, ContinuesAndSavesAgain) {
   const struct {
     const char* why;
     fp_host::Fault fault;
-  } kMishaps[] = {
-      {"no rights", {.function = "open", .error = EACCES}},
+  } kCases[] = {
+      {"permission denied", {.function = "open", .error = EACCES}},
       {"no space at all",
        {.function = "write", .calls = fp_host::Fault::kForever, .error = ENOSPC}},
       {"no space after a page", {.function = "write", .first_call = 2, .error = ENOSPC}},
       {"short writes", {.function = "write", .calls = fp_host::Fault::kForever, .shorten_to = 7}},
   };
   int number = GetParam().full_size;
-  for (const auto& mishap : kMishaps) {
+  for (const auto& test : kCases) {
     WriteFile(GetParam().path, content_);
     auto history = GetParam().start();
-    fp_host::SetFault(mishap.fault);
+    fp_host::SetFault(test.fault);
     history->AddAndSave(++number);
     fp_host::ClearFaults();
-    EXPECT_EQ(texts_.size(), history->RecordTexts().size()) << mishap.why;
+    EXPECT_EQ(texts_.size(), history->RecordTexts().size()) << test.why;
     history->AddAndSave(++number);
-    EXPECT_EQ(history->RecordTexts(), GetParam().start()->RecordTexts()) << mishap.why;
+    EXPECT_EQ(history->RecordTexts(), GetParam().start()->RecordTexts()) << test.why;
   }
   WriteFile(GetParam().path, content_.substr(0, content_.size() / 2) + "damaged");
   auto history = GetParam().start();

@@ -13,7 +13,7 @@ namespace {
 using fp_test::Error;
 using fp_test::TakeLog;
 
-const std::string kG7Load =
+const std::string kG7Signature =
     "[virtual bool android::fp_utils::EnrollEventG7::LoadFromBackupString(std::string &)] ";
 
 class EnrollEventTest : public ::testing::Test {
@@ -89,8 +89,8 @@ TEST_F(EnrollEventTest, FailedLoadsLog) {
   EXPECT_LOG(Error("EnrollEvent",
                    "[virtual bool android::fp_utils::EnrollEvent::LoadFromBackupString(std::string "
                    "&)] failed to parse str:'0x10,1,0x0,0x1' with error 0"),
-             Error("EnrollEventG7", kG7Load + "EnrollEvent failed to load '0x10,1,0x0,0x1'"),
-             Error("EnrollEventG7", kG7Load + "failed to parse str:'' with error 0"));
+             Error("EnrollEventG7", kG7Signature + "EnrollEvent failed to load '0x10,1,0x0,0x1'"),
+             Error("EnrollEventG7", kG7Signature + "failed to parse str:'' with error 0"));
 }
 
 }  // namespace
