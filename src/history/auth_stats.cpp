@@ -143,7 +143,7 @@ std::string AuthStats::ToDebugString() {
   return text.ToString();
 }
 
-void AuthStats::Dump(int fd, char const** /*args*/, unsigned int /*num_args*/) {
+void AuthStats::Dump(int fd, const char** /*args*/, unsigned int /*num_args*/) {
   dprintf(fd, "Auth Stats:\n");
   dprintf(fd, "  %s\n", ToDebugString().c_str());
   if (total_attempts != 0) {

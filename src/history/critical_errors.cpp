@@ -52,7 +52,7 @@ void CriticalErrors::AddErrorEvent(std::shared_ptr<ErrorEvent> event) {
   events.push_back(std::move(event));
 }
 
-void CriticalErrors::Dump(int fd, char const** /*args*/, unsigned int /*num_args*/) {
+void CriticalErrors::Dump(int fd, const char** /*args*/, unsigned int /*num_args*/) {
   const std::lock_guard lock(mutex);
   dprintf(fd, "Critical Errors:\n");
   DumpRecords(fd, events);

@@ -84,7 +84,7 @@ void EnrollEventContainer::LoadEventsFromBackupFile() {
   });
 }
 
-void EnrollEventContainer::Dump(int fd, char const** /*args*/, unsigned int /*num_args*/) {
+void EnrollEventContainer::Dump(int fd, const char** /*args*/, unsigned int /*num_args*/) {
   const std::lock_guard lock(mutex);
   dprintf(fd, "Enroll Events:\n");
   DumpRecords(fd, events);

@@ -16,7 +16,8 @@ using namespace fp_reference;
 
 namespace {
 
-// Sets the property of an axis to what the case asks for; a dash leaves the samples to the grid.
+// Sets the property of an axis to the number in the case, or clears it for a dash. Returns the
+// number of samples.
 uint32_t ReadScanPoints(std::istream& in, const std::string& axis, float low, float high) {
   const std::string property = "persist.vendor.udfps.geometry.rect." + axis + "_axis_scan_points";
   fp_golden::properties.erase(property);
@@ -41,13 +42,13 @@ bool RecountCase(const std::string& line) {
   const auto plain1 = AsPlainShape(s1);
   const auto plain2 = AsPlainShape(s2);
   const PlainCounts by_rows = CountIn(grid, AsShape(s1), AsShape(s2));
-  const PlainCounts asked = CountIn(grid, *plain1, *plain2);
+  const PlainCounts by_samples = CountIn(grid, *plain1, *plain2);
   const PlainCounts plain = PlainScan(grid, nx, ny, *plain1, *plain2);
   std::cout << text << ' ' << by_rows << '\n';
-  if (by_rows == plain && asked == plain) {
+  if (by_rows == plain && by_samples == plain) {
     return true;
   }
-  std::cerr << text << ": by rows " << by_rows << ", each sample asked " << asked << ", plain scan "
+  std::cerr << text << ": by rows " << by_rows << ", by samples " << by_samples << ", plain scan "
             << plain << '\n';
   return false;
 }

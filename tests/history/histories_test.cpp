@@ -32,7 +32,7 @@ class Histories : public DeviceTest, public ::testing::WithParamInterface<Histor
   }
 };
 
-TEST_P(Histories, KeepTheNewestAndFindThemAgain) {
+TEST_P(Histories, KeepTheNewestAndLoadThemAgain) {
   auto history = Start();
   std::vector<std::string> texts;
   for (int number = 1; number <= GetParam().full_size + 3; ++number) {
@@ -46,7 +46,7 @@ TEST_P(Histories, KeepTheNewestAndFindThemAgain) {
   EXPECT_EQ(texts, Start()->RecordTexts());
   EXPECT_EQ(saved, Saved()) << "loading does not save";
 
-  // A file from a build that kept more: the last ones are loaded.
+  // A file from a build with a larger capacity: the newest records are loaded.
   WriteFile(GetParam().path, saved + saved);
   EXPECT_EQ(texts, GetParam().start()->RecordTexts());
   EXPECT_LOG();
@@ -109,7 +109,7 @@ TEST_P(Histories, SaveWhatComposingEveryRecordWouldSave) {
   }
 }
 
-TEST_P(Histories, AreAddedToFromAnyThread) {
+TEST_P(Histories, AcceptRecordsFromAnyThread) {
   auto history = Start();
   const auto add = [&history](int first) {
     for (int number = first; number < first + GetParam().full_size; ++number) {
