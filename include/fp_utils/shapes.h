@@ -63,7 +63,7 @@ class FP_UTILS_EXPORT Circle : public IShape {
   template <typename Derived>
   requires std::is_convertible_v<const Derived*, const Circle*>
   [[nodiscard]] float CoverageCoveredBy(const Derived& other) const {
-    return CoverageCoveredBy(static_cast<IShape const&>(other));
+    return CoverageCoveredBy(static_cast<const IShape&>(other));
   }
 
   Point center;

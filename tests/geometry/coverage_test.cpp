@@ -36,7 +36,7 @@ LogLine CornerLine(int shape, bool inside) {
 // Logs every call of Contains(), so that its order among the library's log lines is visible.
 class LoggingShape : public IShape {
  public:
-  LoggingShape(std::string name, std::function<bool(Point const&)> contains)
+  LoggingShape(std::string name, std::function<bool(const Point&)> contains)
       : name_(std::move(name)), contains_(std::move(contains)) {}
   std::string Print() const override { return name_; }
   bool Contains(const Point& p) const override {
@@ -46,7 +46,7 @@ class LoggingShape : public IShape {
 
  private:
   std::string name_;
-  std::function<bool(Point const&)> contains_;
+  std::function<bool(const Point&)> contains_;
 };
 
 std::vector<LogLine> CallsOf(const std::string& name, const std::vector<std::string>& points) {
@@ -76,7 +76,7 @@ TEST(Coverage, CallsUserShapesInOrder) {
 }
 
 TEST(Coverage, StopsAtCornersThatAreContained) {
-  const LoggingShape all("all", [](Point const&) { return true; });
+  const LoggingShape all("all", [](const Point&) { return true; });
   const LoggingShape left("left", [](const Point& p) { return p.x < 1; });
   EXPECT_EQ((Counts{4, 2, 2}), CountIn(Rect({0, 0}, {1, 1}), all, left));
   const std::vector<std::string> corners = {"0,0", "0,1", "1,0", "1,1"};
@@ -128,7 +128,7 @@ TEST(Coverage, NoScanPoints) {
       {Rect({0, 0}, {-1, 3e38F}), "", "", "Invalid scan points(0, 4294967295)", "inverted"},
       {Rect({0, 0}, {kNan, 1}), "", "", "Invalid scan points(0, 2)", "NaN"},
   };
-  const LoggingShape user("user", [](Point const&) { return false; });
+  const LoggingShape user("user", [](const Point&) { return false; });
   for (const auto& row : rows) {
     TuneScanPoints(row.x_points, row.y_points);
     EXPECT_EQ((Counts{0, 0, 0}), CountIn(row.grid, user, Circle({0, 0}, 1))) << row.why;
