@@ -51,19 +51,6 @@ TEST(Binder, LocalBinderKeepsItsImplementationAlive) {
   EXPECT_TRUE(weak.expired());
 }
 
-TEST(Binder, WaitingEndsWhenTheServiceManagerFails) {
-  DisplayService service;
-  service.Declare();
-  EXPECT_TRUE(AServiceManager_isDeclared(service.GetInstance().c_str())) << "though not running";
-  SpAIBinder found;
-  std::thread waiting([&] { found = Find(service); });
-  EXPECT_TRUE(fp_host::WaitForWaitingThreads(1));
-  fp_host::SetServiceManagerFailing(true);
-  waiting.join();
-  EXPECT_EQ(nullptr, found.get());
-  EXPECT_FALSE(AServiceManager_isDeclared(service.GetInstance().c_str()));
-}
-
 TEST(Binder, DeadProxyStaysDead) {
   DisplayService service;
   service.Start();

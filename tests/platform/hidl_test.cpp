@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The rules of HIDL that the stand-in enforces: failures must be checked, indices be valid, proxies
-// be compared by their object, and one-way calls arrive in order.
+// The rules of HIDL that the stand-in enforces: failures must be checked, proxies be compared by
+// their object, and one-way calls arrive in order.
 #include <gtest/gtest.h>
 
 #include <utility>
@@ -34,13 +34,6 @@ TEST(HidlDeathTest, UncheckedFailureAborts) {
   EXPECT_DEATH(Return<void>(std::move(moved)), "");
   EXPECT_FALSE(moved.isOk());
   Void();  // an unchecked success is no error
-}
-
-TEST(HidlDeathTest, WrongIndexAborts) {
-  hidl_array<float, 7> array = {};
-  EXPECT_DEATH(array[7] = 1, "");
-  const hidl_vec<int> vector = {1, 2};
-  EXPECT_DEATH(static_cast<void>(vector[2]), "");
 }
 
 TEST(HidlInterfaces, AreEqualByTheObjectBehindThem) {

@@ -91,23 +91,6 @@ TEST_F(SensorBridgeTest, WakesOneWaitingThread) {
   second.join();
 }
 
-TEST_F(SensorBridgeTest, ManagerAndItsListStayUntilTheServiceRestarts) {
-  ASensorList list = nullptr, again = nullptr;
-  EXPECT_EQ(2, ASensorManager_getSensorList(manager_, &list));
-  fp_host::SetSensors({fp_host::LightSensor("other")});
-  EXPECT_EQ(manager_, ASensorManager_getInstanceForPackage(nullptr));
-  EXPECT_EQ(2, ASensorManager_getSensorList(manager_, &again));
-  EXPECT_EQ(list, again);
-  QueueOf(ASENSOR_TYPE_LIGHT);
-  SetLux(1);
-  fp_host::RestartSensorService();
-  EXPECT_EQ(ALOOPER_POLL_TIMEOUT, Poll()) << "queues and their events are gone, too";
-  EXPECT_EQ(fp_host::SensorUsage(), fp_host::GetSensorUsage());
-  ASensorManager* const next = ASensorManager_getInstanceForPackage("");
-  EXPECT_NE(manager_, next);
-  EXPECT_EQ(1, ASensorManager_getSensorList(next, &list));
-}
-
 using SensorBridgeDeathTest = SensorBridgeTest;
 TEST_F(SensorBridgeDeathTest, UseOfADeadHandleAborts) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");

@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "support/coverage_case_generator.h"
 
+#include <cfloat>
 #include <cmath>
-#include <cstring>
-#include <limits>
 
 namespace fp_test {
 
@@ -16,7 +15,7 @@ namespace {
 
 constexpr float kHalfTurn = 3.14159265F;
 
-// So many samples can be asked one by one, hundreds of thousands of times.
+// Few enough for the plain scan of hundreds of thousands of cases.
 constexpr uint32_t kMaxScanPoints = 28;
 
 float StepBy(float value, int ulps) {
@@ -39,26 +38,9 @@ float CoverageCaseGenerator::Noise() {
 }
 
 float CoverageCaseGenerator::Special() {
-  using Limits = std::numeric_limits<float>;
-  const float values[] = {0,
-                          -0.0F,
-                          1,
-                          -1,
-                          Limits::infinity(),
-                          -Limits::infinity(),
-                          Limits::quiet_NaN(),
-                          Limits::max(),
-                          Limits::lowest(),
-                          Limits::min(),
-                          Limits::denorm_min(),
-                          -Limits::denorm_min(),
-                          0x1p24F,
-                          1e19F,
-                          1e37F,
-                          size_,
-                          -size_,
-                          offset_,
-                          Noise()};
+  const float values[] = {0,       -0.0F,    1,       -1,           INFINITY,      -INFINITY, NAN,
+                          FLT_MAX, -FLT_MAX, FLT_MIN, FLT_TRUE_MIN, -FLT_TRUE_MIN, 0x1p24F,   1e19F,
+                          1e37F,   size_,    -size_,  offset_,      Noise()};
   return values[Below(std::size(values))];
 }
 
@@ -124,8 +106,7 @@ AnyShape CoverageCaseGenerator::Shape() {
   }
 }
 
-// A point that rounding puts on the edge of a shape or beside it; often where a row or a column
-// only touches it.
+// A point on the edge of a shape but for rounding, often where a row or a column is a tangent.
 Point CoverageCaseGenerator::OnEdge(const AnyShape& shape) {
   const float angle = OneIn(2) ? static_cast<float>(Below(4)) * kHalfTurn / 2 : Between(-4, 4);
   if (const auto* circle = std::get_if<Circle>(&shape)) {
@@ -140,7 +121,7 @@ Point CoverageCaseGenerator::OnEdge(const AnyShape& shape) {
   const double c = std::cos(static_cast<double>(ellipse.orientation));
   const double a = ellipse.major_axis / 2;
   const double b = ellipse.minor_axis / 2;
-  // On the ellipse where the outward normal has this angle.
+  // The point of the ellipse at which the outward normal has this angle.
   const double nx = std::cos(static_cast<double>(angle));
   const double ny = std::sin(static_cast<double>(angle));
   const double along_major = nx * s - ny * c;
@@ -161,7 +142,7 @@ Rect CoverageCaseGenerator::GridAround(const AnyShape& shape) {
   return {{p.x - before_x, p.y - before_y}, {p.x - before_x + width, p.y - before_y + height}};
 }
 
-// A few ulps to a step, over a point of the edge.
+// A grid around a point of the edge, with steps of a few ulps.
 Rect CoverageCaseGenerator::GridAlong(const AnyShape& shape) {
   const Point p = OnEdge(shape);
   const int width = 1 << Below(12);
@@ -181,7 +162,7 @@ void CoverageCaseGenerator::PickScanPoints(CoverageCase* picked) {
   picked->nx = Below(kMaxScanPoints + 1);
   picked->ny = Below(kMaxScanPoints + 1);
   if (OneIn(200)) {
-    (OneIn(2) ? picked->nx : picked->ny) = 1000 + Below(1200);  // more than a piece
+    (OneIn(2) ? picked->nx : picked->ny) = 1000 + Below(1200);  // more than is counted at once
   }
 }
 

@@ -10,9 +10,10 @@
 
 namespace fp_test {
 
-// Cases in which rounding decides: samples that run along edges an ulp at a time, rows that touch a
-// shape, offsets that swallow the steps, axes from the smallest to the largest number, special
-// values and bit noise in every field, grids that are inverted, flat or wider than a piece.
+// Makes random cases in which rounding decides: samples an ulp apart along edges, rows that are
+// tangents, offsets so large that steps are rounded away, axes from the smallest to the largest
+// number, special values and random bits in every field, and grids that are inverted, flat or
+// larger than what is counted at once.
 class CoverageCaseGenerator {
  public:
   explicit CoverageCaseGenerator(uint64_t stream) : random_(stream) {}
@@ -38,10 +39,10 @@ class CoverageCaseGenerator {
 
   std::mt19937_64 random_;
 
-  // Of the present case.
+  // Of the case being made.
   float size_ = 1;
   float offset_ = 0;
-  bool is_whole_ = false;  // all numbers are halves
+  bool is_whole_ = false;  // all numbers are multiples of 0.5
 };
 
 }  // namespace fp_test

@@ -9,7 +9,8 @@
 namespace fp_test {
 namespace {
 
-// A wait that fails is reported by its test before the whole action counts as hanging.
+// Longer than several waits, so that a wait that fails is reported before the action counts as
+// hung.
 constexpr std::chrono::seconds kActionBound = 4 * kPatience;
 
 }  // namespace
@@ -31,29 +32,6 @@ void RunBounded(const std::string& what, const std::function<void()>& action) {
 void RepairSensorService() {
   fp_host::ClearSensorFaults();
   fp_host::RestartSensorService();
-}
-
-void Gate::Pass() {
-  std::unique_lock lock(mutex_);
-  arrived_ = true;
-  changed_.notify_all();
-  changed_.wait_for(lock, kPatience, [this] { return open_; });
-}
-
-bool Gate::AwaitArrival() const {
-  std::unique_lock lock(mutex_);
-  return changed_.wait_for(lock, kPatience, [this] { return arrived_; });
-}
-
-bool Gate::HasArrived() const {
-  const std::lock_guard lock(mutex_);
-  return arrived_;
-}
-
-void Gate::Open() {
-  const std::lock_guard lock(mutex_);
-  open_ = true;
-  changed_.notify_all();
 }
 
 void SensorTest::TakeCalls() {

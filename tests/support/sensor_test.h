@@ -3,9 +3,8 @@
 
 #include <gtest/gtest.h>
 
-#include <condition_variable>
+#include <atomic>
 #include <functional>
-#include <mutex>
 #include <string>
 #include <vector>
 
@@ -21,38 +20,40 @@ constexpr auto kLongPress = android::fp_utils::SensorListener::kLongPress;
 
 using Texts = std::vector<std::string>;
 
-// Runs `action` on a thread of its own and ends the process if it does not come back. `what` is
-// named with its failures.
+// Runs `action` on a thread of its own and aborts if it does not return. Its failures name `what`.
 void RunBounded(const std::string& what, const std::function<void()>& action);
 
-// The worker of the one listener waits for events and has none.
+// Whether the worker of the only listener waits for events and none are queued.
 inline bool IsWorkerIdle() { return fp_host::ArePollersIdle(1); }
 
-// Ends all faults and hooks, and restarts the sensor service.
+// Removes all faults and hooks, and restarts the sensor service.
 void RepairSensorService();
 
-// Holds up whoever passes until it is opened.
+// Holds threads at Pass() until it is opened, within the bound of Eventually().
 class Gate {
  public:
-  void Pass();
-  bool AwaitArrival() const;
-  bool HasArrived() const;
-  void Open();
+  void Pass() {
+    arrived_ = true;
+    Eventually([this] { return open_.load(); });
+  }
+  bool HasArrived() const { return arrived_; }
+  bool AwaitArrival() const {
+    return Eventually([this] { return HasArrived(); });
+  }
+  void Open() { open_ = true; }
 
  private:
-  mutable std::mutex mutex_;
-  mutable std::condition_variable changed_;
-  bool arrived_ = false;
-  bool open_ = false;
+  std::atomic<bool> arrived_ = false;
+  std::atomic<bool> open_ = false;
 };
 
-// A sensor service in its first state, with the record of platform calls on.
+// Records the calls to a new sensor service.
 class SensorTest : public ::testing::Test {
  protected:
   SensorTest() { fp_host::RecordSensorCalls(true); }
 
-  // The calls since the last TakeCalls(): those of this thread, and those of all others. Repeated
-  // wakes are one: how many it takes is a matter of scheduling.
+  // Takes the calls since the last time: MyCalls() are those of this thread, Others() those of all
+  // other threads. Repeated wakes count as one, since their number depends on scheduling.
   void TakeCalls();
   const Texts& Others() const { return others_; }
   Texts MyCalls();
