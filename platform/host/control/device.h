@@ -12,17 +12,17 @@ namespace fp_host {
 // Puts the device's files below `root`, for this process and the children that it starts.
 void SetDeviceRoot(const std::string& root);
 
-// Where a device path lies on the host.
+// The host's path of a device path.
 std::string HostPath(const std::string& device_path);
 
 // Creates the folders that the device's init creates at boot. Those that exist stay as they are.
 void BootDevice();
 
-// A new folder, which the destructor removes with its content. It is in memory where the machine
-// has a file system for that, since tests write the same files again and again.
+// A new folder, which the destructor removes with its content. It is in memory if /dev/shm is
+// writable, since tests write many files.
 class ScratchFolder {
  public:
-  explicit ScratchFolder(const std::string& name);  // a few characters are added
+  explicit ScratchFolder(const std::string& name);  // a random suffix is added
   ~ScratchFolder();
   ScratchFolder(const ScratchFolder&) = delete;
   ScratchFolder& operator=(const ScratchFolder&) = delete;
@@ -33,7 +33,7 @@ class ScratchFolder {
   std::string path_;
 };
 
-// A freshly booted device in a new folder. Programs see the device that was made last.
+// A freshly booted device in a new folder. The one that was made last is in effect.
 class ScratchDevice {
  public:
   explicit ScratchDevice(const std::string& name);

@@ -20,15 +20,15 @@ struct Fault {
   int first_call = 1;  // counted from when the fault is set
   int calls = 1;       // how many calls in a row fail, or kForever
   int error = 0;       // errno of a failing call
-  // For read and write: instead of failing, move at most so many bytes. Negative: fail.
+  // For read and write: transfer at most this many bytes instead of failing, unless negative.
   ssize_t shorten_to = -1;
 };
 
-// One fault per function at a time; aborts on a function that it does not know.
+// Sets the fault of a function, one at a time; aborts on an unknown function.
 void SetFault(const Fault& fault);
 void ClearFaults();
 
-// How many calls the fault of `function` has counted since it was set.
+// The number of calls of `function` since its fault was set.
 int CountedCalls(const std::string& function);
 
 }  // namespace fp_host

@@ -26,11 +26,11 @@ struct FakeSensor {
 FakeSensor LightSensor(std::string name = "light");
 FakeSensor LongPressSensor(std::string name = "long press");
 
-// The list of the next manager. A manager that was asked for its list keeps it.
+// Sets the list of the next manager. A manager keeps the list of its first query.
 void SetSensors(std::vector<FakeSensor> sensors);
 
-// The service dies: its manager, sensors and queues dangle from now on and undelivered events are
-// gone. A call that asks for a manager meanwhile gets null or waits for the start.
+// The service dies: its manager, sensors and queues become invalid and undelivered events are lost.
+// A call that asks for a manager while the service is down gets null or waits for the start.
 enum class WhileDown { kAnswerNull, kWait };
 void StopSensorService(WhileDown while_down = WhileDown::kAnswerNull);
 void StartSensorService();
@@ -42,13 +42,13 @@ void RestartSensorService();
 void SetLux(float lux);
 void SetLux(const std::vector<float>& readings);
 
-// Each enabled long-press sensor reports so many presses.
+// Each enabled long-press sensor reports `times` presses.
 void LongPress(int times = 1);
 
-// Puts the events as they are into each queue that has a sensor enabled.
+// Adds the events unchanged to each queue that has a sensor enabled.
 void PushSensorEvents(const std::vector<ASensorEvent>& events);
 
-// What the clients of the running service have open.
+// The resources that clients of the running service use.
 struct SensorUsage {
   int queues = 0;
   int enabled_sensors = 0;
@@ -56,11 +56,10 @@ struct SensorUsage {
 };
 SensorUsage GetSensorUsage();
 
-// Whether exactly so many threads wait in ALooper_pollOnce() and there is no event or wake for
-// them.
+// Whether exactly `threads` threads wait in ALooper_pollOnce() and no event or wake is pending.
 bool ArePollersIdle(int threads);
 
-// A platform call that fails, by the name of its function. Aborts on one that it does not know.
+// A fault of a platform function.
 struct SensorFault {
   static constexpr int kForever = -1;
 
@@ -68,9 +67,9 @@ struct SensorFault {
   int result = -EINVAL;  // of a failing call; one that returns a pointer returns null
   int calls = kForever;  // how many calls fail
 };
-// One per function at a time. One of ALooper_pollOnce also ends polls that wait already. One of
-// ASensorManager_getSensorList makes the bridge's own query fail instead: the manager keeps an
-// empty list.
+// Sets the fault of a function, one at a time; aborts on an unknown function. A fault of
+// ALooper_pollOnce also ends polls that wait already. A fault of ASensorManager_getSensorList makes
+// the bridge's own query fail, so the manager keeps an empty list.
 void SetSensorFault(const SensorFault& fault);
 // Removes all faults, and all hooks of OnSensorCall().
 void ClearSensorFaults();

@@ -17,16 +17,16 @@ struct CallPlan;
 class Process;
 }  // namespace ipc
 
-// A service manager that fails declares and finds no service and ends all waiting.
+// While the service manager fails, no service is declared or found, and waiting for one ends.
 void SetServiceManagerFailing(bool failing);
 
-// The least time that waiting for a service takes, also if the service is up.
+// The minimum time that waiting for a service takes, even if the service is up.
 void SetLookUpDelay(std::chrono::milliseconds delay);
 
-// Waits, within a bound, until `threads` threads wait for services. False if that did not happen.
+// Waits, within a bound, until `threads` threads wait for services. False on timeout.
 bool WaitForWaitingThreads(int threads);
 
-// Waits, within a bound, until the thread pools of this program are idle. False if they are not.
+// Waits, within a bound, until the thread pools of this program are idle. False on timeout.
 bool WaitForPools();
 
 // One service with one instance. Not declared and not up at first.
@@ -51,21 +51,21 @@ class RemoteService {
 
   // A new process with the service in its initial state; no effect while one is up.
   void Start();
-  // An object of another interface starts under the service's name.
+  // Starts an object of another interface under the service's name.
   void StartImpostor();
   void Kill();
   bool IsUp() const;
 
-  // The call that ends the process: 1 is the next one, 0 none.
+  // Makes the process die at a call: 1 is the next one, 0 none.
   void DieAtCall(int number, Death moment);
-  // How long each call takes at least.
+  // The minimum duration of each call.
   void SetDelay(std::chrono::milliseconds delay);
   // Calls wait until Release() or until the process dies.
   void Hold();
   void Release();
-  // Waits, within a bound, until at least `calls` calls wait there. False if that did not happen.
+  // Waits, within a bound, until at least `calls` calls are held. False on timeout.
   bool WaitForHeldCalls(int calls) const;
-  // Calls that reached the service so far, over all its processes.
+  // The number of calls that reached the service, over all its processes.
   int CountCalls() const;
 
  protected:
@@ -78,7 +78,7 @@ class RemoteService {
 
  private:
   using Maker = std::shared_ptr<void> (RemoteService::*)(const std::shared_ptr<ipc::Process>&);
-  void Appear(Maker make);
+  void StartObject(Maker make);
 
   // Constant after construction.
   const std::string instance_;

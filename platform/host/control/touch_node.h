@@ -60,7 +60,7 @@ class TouchNode {
   // The requests since the last call, in order; of more than a thousand the last thousand.
   std::vector<Request> TakeRequests();
 
-  // Descriptors of this node that are open.
+  // The number of open descriptors of this node.
   int OpenDescriptors() const;
 };
 

@@ -6,7 +6,7 @@
 
 namespace fp_host {
 
-// Where the wall clock stands; nothing while it runs.
+// The time at which the wall clock is stopped, or nothing while it runs.
 std::optional<timespec> StoppedWallClock();
 
 }  // namespace fp_host

@@ -18,8 +18,8 @@ constexpr const char* kNames[] = {"open",  "fopen", "mkdir", "unlink", "read",
 constexpr size_t kCalls = std::size(kNames);
 constexpr int kTrackedDescriptors = 65536;
 
-// Interposed calls arrive from any thread, and before and after main(): only constant-initialised
-// atomics here.
+// Only constant-initialised atomics: interposed calls come from any thread, and before and after
+// main().
 struct Setting {
   std::atomic<bool> set = false;
   std::atomic<int> counted = 0;

@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 
-// What the interposed calls ask of the faults in control/faults.h.
+// The faults of control/faults.h, as the interposed calls use them.
 
 namespace fp_host {
 
@@ -15,13 +15,14 @@ struct FaultResult {
   size_t limit = SIZE_MAX;  // bytes to move at most
 };
 
-// Counts the call if a fault is set for it, and tells its result. Sets errno if the call fails.
+// Counts the call if a fault is set for it, and returns what the fault does to it. Sets errno if
+// the call fails.
 FaultResult CheckFault(Call call);
 
-// Whether reads or writes are to be disturbed, also those that stdio makes.
+// Whether a fault of read or write is set.
 bool AreTransfersFaulty();
 
-// The descriptors whose transfers count: those of device files and of pipes.
+// Faults of read and write apply to tracked descriptors: those of device files and of pipes.
 void Track(int fd);
 void Untrack(int fd);
 bool IsTracked(int fd);

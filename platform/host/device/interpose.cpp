@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The system calls of the simulated device. This library stands ahead of libc, so that these
-// definitions are the ones that the program, the library under test and the platform's libraries
-// reach. Each resolves its path, asks for faults and calls libc's own.
+// The system calls of the simulated device. This library is linked ahead of libc, so the program,
+// the library under test and the platform's libraries call these definitions. Each maps its path,
+// checks for faults and calls libc's function.
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <poll.h>
@@ -30,7 +30,7 @@ using fp_host::Call;
 using fp_host::CheckFault;
 using fp_host::TreePath;
 
-// libc's own definition of `name`.
+// libc's definition of `name`.
 template <typename Function>
 Function* Next(const char* name) {
   auto* function = reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
@@ -41,15 +41,16 @@ Function* Next(const char* name) {
 }
 #define NEXT(name) static auto* const next = Next<decltype(name)>(#name)
 
-// Looked up when the library is loaded: the thread sanitizer makes a pipe to the program that names
-// functions for its reports, at a moment at which dlsym() crashes it.
+// Looked up when the library is loaded: the thread sanitizer calls pipe() when it starts its
+// symbolizer, where dlsym() would crash.
 decltype(pipe)* NextPipe() {
   NEXT(pipe);
   return next;
 }
 [[maybe_unused]] decltype(pipe)* const kNextPipe = NextPipe();
 
-// The argument behind `last`. If the caller passed none, its value is arbitrary and is not used.
+// Reads the optional argument after `last`. If the caller passed none, the value is arbitrary and
+// libc ignores it.
 #define OPTIONAL_ARGUMENT(Type, name, last)  \
   va_list arguments;                         \
   va_start(arguments, last);                 \
@@ -80,13 +81,13 @@ int OpenAt(decltype(openat)* next, int folder, const char* path, int flags, mode
   return Open(Next<OpenFunction>("open"), path, flags, mode);
 }
 
-// stdio reads and writes with calls that cannot be interposed. While a fault of read or write is
-// set, a FILE uses these functions instead.
+// The reads and writes of stdio cannot be interposed. A FILE that is opened while a fault of read
+// or write is set uses these functions instead.
 ssize_t CookieRead(void* cookie, char* buffer, size_t size) {
   return read(*static_cast<int*>(cookie), buffer, size);
 }
 ssize_t CookieWrite(void* cookie, const char* buffer, size_t size) {
-  // As stdio does on a file: short writes go on, an error ends with what is out.
+  // Like stdio on a file: continues after a short write, and stops at an error.
   size_t done = 0;
   while (done < size) {
     const ssize_t written = write(*static_cast<int*>(cookie), buffer + done, size - done);

@@ -22,7 +22,7 @@ constexpr size_t kRequestsKept = 1000;
 
 constexpr size_t kArgumentBytes = 32;
 
-// The node's two ends: the device's, which its users have duplicates of, and the controller's.
+// The node is a socket pair. Users of the device hold duplicates of the device's end.
 struct Node {
   std::string path;
   int device_end = -1;
@@ -33,7 +33,7 @@ struct Node {
 };
 
 std::mutex mutex;
-Node* node = nullptr;  // guarded by mutex; leaked with a process that exits in between
+Node* node = nullptr;  // guarded by mutex
 
 // Each message of a sequenced-packet socket is one report buffer: one read, one buffer.
 void Connect(Node& node) {
@@ -45,7 +45,7 @@ void Connect(Node& node) {
   node.controller_end = ends[1];
 }
 
-// Not by close() and fcntl(), which are interposed.
+// close() and fcntl() are interposed, so they are avoided here.
 void CloseQuietly(int fd) { syscall(SYS_close, fd); }
 int Duplicate(int fd) { return dup(fd); }  // NOLINT(android-cloexec-dup)
 
@@ -58,7 +58,7 @@ bool TrySend(int end, const std::string& buffer) {
   return send(end, buffer.data(), buffer.size(), MSG_DONTWAIT | MSG_NOSIGNAL) >= 0;
 }
 
-// Waits until the reader has made room; the node may hang up meanwhile.
+// Waits until the reader has made room, without the mutex, so that the node can hang up meanwhile.
 bool SendBlocking(const std::string& buffer) {
   int end = -1;
   {

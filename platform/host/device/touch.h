@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-// What the interposed calls ask of the node in control/touch_node.h.
+// The node of control/touch_node.h, as the interposed calls use it.
 
 namespace fp_host {
 

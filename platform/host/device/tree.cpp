@@ -14,13 +14,13 @@
 namespace fp_host {
 namespace {
 
-// Children find the root here; the preloaded library reads it on its first call.
+// Passes the root to child processes, whose preloaded copy of this library reads it.
 constexpr char kRootVariable[] = "FP_DEVICE_ROOT";
 
 constexpr const char* kDevicePrefixes[] = {"/data/vendor", "/dev/fth_fd", "/dev/trusty-log0",
                                            "/sys/firmware/devicetree"};
 
-// What the device's init creates; platform/device has the lines.
+// The folders that init creates on the device; see platform/device.
 constexpr const char* kBootFolders[] = {"/data/vendor/fingerprint",
                                         "/data/vendor/tombstones/fingerprint", "/dev",
                                         "/sys/firmware/devicetree/base/chosen/plat"};
@@ -52,7 +52,7 @@ bool IsDevicePath(const char* path) {
   return false;
 }
 
-// Shells and other children of the program see the same device.
+// Makes child processes, such as shells, see the same device.
 void PreloadIntoChildren() {
   Dl_info self = {};
   if (dladdr(reinterpret_cast<void*>(&SetDeviceRoot), &self) != 0 && self.dli_fname != nullptr) {
@@ -65,7 +65,7 @@ void PreloadIntoChildren() {
 TreePath::TreePath(const char* path)
     : original_(path), redirected_(path != nullptr && IsDevicePath(path)) {
   if (redirected_) {
-    // Not by printf: benchmarks of what opens files count this too.
+    // Without printf, since benchmarks that open files include the time for this.
     const char* const device_root = Root();
     const size_t length = strlen(device_root);
     memcpy(buffer_, device_root, length);

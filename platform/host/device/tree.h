@@ -5,7 +5,7 @@
 
 namespace fp_host {
 
-// The host path of a path given to a system call, in a buffer of its own.
+// Maps a path given to a system call to the host's path, without allocation.
 class TreePath {
  public:
   explicit TreePath(const char* path);

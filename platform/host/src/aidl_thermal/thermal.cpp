@@ -7,9 +7,9 @@
 namespace aidl::android::hardware::thermal {
 namespace {
 
-using fp_host::binder::CrossOver;
 using fp_host::binder::Query;
 using fp_host::binder::Transact;
+using fp_host::binder::TranslateForReceiver;
 using ndk::ScopedAStatus;
 using Callback = std::shared_ptr<IThermalChangedCallback>;
 
@@ -52,7 +52,8 @@ ScopedAStatus BpThermal::getTemperatureThresholdsWithType(
 
 ScopedAStatus BpThermal::registerThermalChangedCallback(const Callback& in_callback) {
   return Transact(asBinder(), [&](ndk::ICInterface& object) {
-    return static_cast<IThermal&>(object).registerThermalChangedCallback(CrossOver(in_callback));
+    return static_cast<IThermal&>(object).registerThermalChangedCallback(
+        TranslateForReceiver(in_callback));
   });
 }
 
@@ -60,13 +61,14 @@ ScopedAStatus BpThermal::registerThermalChangedCallbackWithType(const Callback& 
                                                                 TemperatureType in_type) {
   return Transact(asBinder(), [&](ndk::ICInterface& object) {
     return static_cast<IThermal&>(object).registerThermalChangedCallbackWithType(
-        CrossOver(in_callback), in_type);
+        TranslateForReceiver(in_callback), in_type);
   });
 }
 
 ScopedAStatus BpThermal::unregisterThermalChangedCallback(const Callback& in_callback) {
   return Transact(asBinder(), [&](ndk::ICInterface& object) {
-    return static_cast<IThermal&>(object).unregisterThermalChangedCallback(CrossOver(in_callback));
+    return static_cast<IThermal&>(object).unregisterThermalChangedCallback(
+        TranslateForReceiver(in_callback));
   });
 }
 

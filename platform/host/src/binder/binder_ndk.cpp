@@ -14,7 +14,7 @@ using fp_host::binder::RemoteBinder;
 using fp_host::ipc::BinderPool;
 using fp_host::ipc::Registry;
 
-// Links by one recipient are not made by several threads at once.
+// Not locked: no client links one recipient from several threads at once.
 struct AIBinder_DeathRecipient {
   const AIBinder_DeathRecipient_onBinderDied on_died;
   std::vector<std::shared_ptr<DeathLink>> links;

@@ -60,7 +60,7 @@ void LocalBinder::RunOnewayCalls() {
     if (IsHomeAlive()) {
       call();
     }
-    call = nullptr;  // what it holds is released without the lock
+    call = nullptr;  // destroys its captures without the lock
     lock.lock();
     oneway_calls_.pop_front();
   }
@@ -89,7 +89,7 @@ bool RemoteBinder::Call(const std::function<void()>& serve) {
     serve();
     return true;
   }
-  // A dead object never revives, so it is not asked again.
+  // An object that has died stays dead, so its process need not be asked again.
   if (known_dead_ || !home->Call(serve)) {
     known_dead_ = true;
     return false;
@@ -135,7 +135,7 @@ void RemoteBinder::Announce() {
   }
 }
 
-ndk::SpAIBinder CrossOver(const ndk::SpAIBinder& binder) {
+ndk::SpAIBinder TranslateForReceiver(const ndk::SpAIBinder& binder) {
   if (LocalBinder* local = binder.get()->AsLocal()) {
     return local->GetProxy();
   }

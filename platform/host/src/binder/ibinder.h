@@ -30,13 +30,13 @@ struct AIBinder {
   void DecStrong();
   int32_t CountStrong() const { return strong_; }
 
-  // One of the two is not null.
+  // Exactly one of the two returns non-null.
   virtual fp_host::binder::LocalBinder* AsLocal() { return nullptr; }
   virtual fp_host::binder::RemoteBinder* AsRemote() { return nullptr; }
 
-  // For someone who holds a strong reference.
+  // The caller must hold a strong reference.
   std::weak_ptr<AIBinder> GetWeak() const { return self_; }
-  // A new strong reference, or null if there are none left.
+  // Returns a new strong reference, or null if the last one was dropped.
   static ndk::SpAIBinder Promote(const std::weak_ptr<AIBinder>& weak);
 
  protected:
@@ -50,13 +50,13 @@ struct AIBinder {
 
 namespace fp_host::binder {
 
-// One AIBinder_linkToDeath(), owned by the recipient and by a notification that is being delivered.
+// One AIBinder_linkToDeath(). Owned by the recipient, and by a notification while it is delivered.
 struct DeathLink {
   AIBinder_DeathRecipient_onBinderDied on_died;
   void* cookie;
 };
 
-// An object implemented in this program. It belongs to this process, or to a simulated other one.
+// An object implemented in this program. Its home is this process or a simulated one.
 class LocalBinder : public AIBinder {
  public:
   LocalBinder(std::shared_ptr<ndk::ICInterface> implementation, const char* descriptor)
@@ -66,10 +66,10 @@ class LocalBinder : public AIBinder {
   const std::shared_ptr<ndk::ICInterface>& GetImplementation() const { return implementation_; }
   const char* GetDescriptor() const { return descriptor_; }
 
-  // The proxy through which other processes see the object: one while it is held.
+  // The proxy for other processes. There is one at a time, shared by all holders.
   ndk::SpAIBinder GetProxy();
 
-  // The process that the object is in; null for this one. Set before the first proxy is made.
+  // The simulated process of the object, or null for this one. Set before the first GetProxy().
   void SetHome(std::shared_ptr<ipc::Process> home) { home_ = std::move(home); }
   const std::shared_ptr<ipc::Process>& GetHome() const { return home_; }
   bool IsHomeAlive() const { return home_ == nullptr || home_->IsAlive(); }
@@ -99,9 +99,10 @@ class RemoteBinder : public AIBinder {
   RemoteBinder* AsRemote() override { return this; }
   LocalBinder* GetTarget() const { return target_.get()->AsLocal(); }
 
-  // Whether the object has this interface. It is asked the first time, so it has to be alive then.
+  // Whether the object has this interface. The first call asks the object and is false if it is
+  // dead.
   bool HasInterface(const char* descriptor);
-  // False if the object's process died before its answer was out.
+  // Runs `serve` as a call into the object's process. False if that died before it sent the reply.
   bool Call(const std::function<void()>& serve);
   // False if the object's process is dead.
   bool IsAlive();
@@ -119,13 +120,13 @@ class RemoteBinder : public AIBinder {
   std::mutex mutex_;
 
   // Guarded by mutex_.
-  bool watched_ = false;    // the death will be announced
-  bool announced_ = false;  // it has been
+  bool watched_ = false;    // Watch() was called
+  bool announced_ = false;  // the links were notified
   std::vector<std::weak_ptr<DeathLink>> links_;
 };
 
-// The same object as the receiver of a call sees it: a proxy of an object of the sender, the object
-// itself where the proxy goes home.
-ndk::SpAIBinder CrossOver(const ndk::SpAIBinder& binder);
+// What the receiver of a call gets for an object that the sender passes: a proxy for an object of
+// the sender, and the object itself for a proxy of the receiver's own object.
+ndk::SpAIBinder TranslateForReceiver(const ndk::SpAIBinder& binder);
 
 }  // namespace fp_host::binder

@@ -10,11 +10,11 @@
 
 #include "binder/ibinder.h"
 
-// What the proxies of all AIDL interfaces have in common.
+// Shared by the proxies of all AIDL interfaces.
 
 namespace fp_host::binder {
 
-// See IFoo::fromBinder() of any interface.
+// Implements fromBinder() of the interfaces.
 template <typename INTERFACE, typename PROXY>
 std::shared_ptr<INTERFACE> FromBinder(const ndk::SpAIBinder& binder) {
   if (binder.get() == nullptr) {
@@ -28,21 +28,23 @@ std::shared_ptr<INTERFACE> FromBinder(const ndk::SpAIBinder& binder) {
              : nullptr;
 }
 
-// An interface as the receiver of a call sees what its sender passed.
+// TranslateForReceiver() for an interface that is an argument of a call.
 template <typename INTERFACE>
-std::shared_ptr<INTERFACE> CrossOver(const std::shared_ptr<INTERFACE>& object) {
-  return object == nullptr ? nullptr : INTERFACE::fromBinder(CrossOver(object->asBinder()));
+std::shared_ptr<INTERFACE> TranslateForReceiver(const std::shared_ptr<INTERFACE>& object) {
+  return object == nullptr ? nullptr
+                           : INTERFACE::fromBinder(TranslateForReceiver(object->asBinder()));
 }
 
 using Serve = std::function<ndk::ScopedAStatus(ndk::ICInterface&)>;
 
-// A call on the object behind a proxy.
+// Calls the object behind a proxy.
 ndk::ScopedAStatus Transact(const ndk::SpAIBinder& proxy, const Serve& serve);
-// A call that nobody waits for: it runs on the binder pool, after the earlier ones on the object.
+// A one-way call: returns at once. The call runs on the binder pool, after earlier one-way calls on
+// the same object.
 ndk::ScopedAStatus TransactOneway(const ndk::SpAIBinder& proxy, Serve serve);
 
-// A call of a proxy's method whose last parameter is its result. Of the failures only a reply that
-// cannot be parsed writes a result: what was read up to there.
+// Calls a method whose result is an output parameter. A failed call does not write the result,
+// except when the reply cannot be parsed to its end: then the part before that is written.
 template <typename INTERFACE, typename METHOD, typename RESULT, typename... ARGUMENTS>
 ndk::ScopedAStatus Query(ndk::BpCInterface<INTERFACE>& proxy, METHOD method, RESULT* result,
                          const ARGUMENTS&... arguments) {

@@ -31,7 +31,7 @@ Status Remote::CallOneway(std::function<void()> serve) const {
   if (!is_alive()) {
     return Status::fromStatusT(android::DEAD_OBJECT);
   }
-  ipc::HidlPool().Start();  // a process that receives calls has a pool
+  ipc::HidlPool().Start();  // a process that receives calls needs a pool
   ipc::HidlPool().Post([is_alive, serve = std::move(serve)] {
     if (is_alive()) {
       serve();

@@ -19,26 +19,25 @@ using android::hardware::Return;
 using android::hardware::Status;
 using android::hidl::base::V1_0::IBase;
 
-// A service as its service manager keeps it.
+// A service as the service manager stores it.
 struct Entry {
   sp<IBase> object;
   std::shared_ptr<ipc::Process> home;
 };
 
-// What a proxy knows of its object.
+// The remote object that a proxy refers to.
 class Remote {
  public:
-  // `home` is the object's process, null for this one.
+  // `home` is the simulated process of the object, or null for this one.
   Remote(sp<IBase> object, std::shared_ptr<ipc::Process> home)
       : object_(std::move(object)), home_(std::move(home)) {}
   virtual ~Remote() = default;
 
   const sp<IBase>& GetObject() const { return object_; }
 
-  // A call on the object: OK or DEAD_OBJECT.
+  // Runs `serve` as a call into the object's process. Returns OK or DEAD_OBJECT.
   Status Call(const std::function<void()>& serve) const;
-  // A call that nobody waits for, on the thread of the HIDL pool. It is lost if the object's
-  // process dies first.
+  // A one-way call: runs on the thread of the HIDL pool, unless the object's process dies first.
   Status CallOneway(std::function<void()> serve) const;
 
  private:
@@ -46,10 +45,11 @@ class Remote {
   const std::shared_ptr<ipc::Process> home_;
 };
 
-// Aborts unless `is_right`: a server answers each call exactly once.
+// Aborts if false: an implementation must call its result callback exactly once.
 void CheckAnswered(bool is_right);
 
-// A call whose results come back through a callback: once, and not at all if the transport fails.
+// A call that returns its results through a callback, which runs once, or never if the transport
+// fails.
 template <typename... RESULTS, typename SERVE>
 Return<void> Query(const Remote& remote, const std::function<void(const RESULTS&...)>& callback,
                    SERVE serve) {
@@ -68,7 +68,7 @@ Return<void> Query(const Remote& remote, const std::function<void(const RESULTS&
   return android::hardware::Void();
 }
 
-// What the proxies of all interfaces have in common.
+// The base of all proxies.
 template <typename INTERFACE>
 class Proxy : public INTERFACE, public Remote {
  public:

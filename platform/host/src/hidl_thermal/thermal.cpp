@@ -22,8 +22,8 @@ sp<IThermal> IThermal::getService(const std::string& service_name, bool get_stub
 
 namespace {
 
-// The callback as the other process sees it.
-sp<IThermalChangedCallback> CrossOver(const sp<IThermalChangedCallback>& callback) {
+// The callback as the receiving process gets it: a proxy.
+sp<IThermalChangedCallback> TranslateForReceiver(const sp<IThermalChangedCallback>& callback) {
   if (callback == nullptr || callback->isRemote()) {
     return callback;
   }
@@ -63,14 +63,15 @@ Return<void> BpHwThermal::registerThermalChangedCallback(
     const sp<IThermalChangedCallback>& callback, bool filter_type, TemperatureType type,
     registerThermalChangedCallback_cb _hidl_cb) {
   return Query(*this, _hidl_cb, [&](const auto& answer) {
-    return Get().registerThermalChangedCallback(CrossOver(callback), filter_type, type, answer);
+    return Get().registerThermalChangedCallback(TranslateForReceiver(callback), filter_type, type,
+                                                answer);
   });
 }
 
 Return<void> BpHwThermal::unregisterThermalChangedCallback(
     const sp<IThermalChangedCallback>& callback, unregisterThermalChangedCallback_cb _hidl_cb) {
   return Query(*this, _hidl_cb, [&](const auto& answer) {
-    return Get().unregisterThermalChangedCallback(CrossOver(callback), answer);
+    return Get().unregisterThermalChangedCallback(TranslateForReceiver(callback), answer);
   });
 }
 
@@ -83,7 +84,7 @@ Return<void> BpHwThermal::getCurrentCoolingDevices(bool filter_type, CoolingType
 
 Return<void> BpHwThermalChangedCallback::notifyThrottling(const Temperature& temperature) {
   return CallOneway([object = GetObject(), temperature] {
-    // Nobody hears of a failure.
+    // The caller of a one-way call does not learn of a failure.
     static_cast<IThermalChangedCallback&>(*object).notifyThrottling(temperature).isOk();
   });
 }

@@ -49,7 +49,7 @@ void Pool::Serve() {
     --idle_;
     lock.unlock();
     work();
-    work = nullptr;  // what it holds is released by this thread, not under the lock
+    work = nullptr;  // destroys its captures without the lock
     lock.lock();
     ++idle_;
     became_idle_.notify_all();

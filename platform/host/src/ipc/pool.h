@@ -9,19 +9,19 @@
 
 namespace fp_host::ipc {
 
-// The threads of this process that run what arrives from other processes. Work that arrives while
-// no thread was started waits for the first.
+// The threads of this process that run incoming calls and death notifications. Work that arrives
+// before Start() is queued.
 class Pool {
  public:
   explicit Pool(uint32_t max_more_threads) : max_more_threads_(max_more_threads) {}
 
-  // Starts the first thread. More join it when work finds all busy, up to the limit.
+  // Starts the first thread. When all threads are busy, new work starts another, up to the limit.
   void Start();
   void SetMaxMoreThreads(uint32_t count);
 
   void Post(std::function<void()> work);
 
-  // Waits, within a bound, until nothing is left to do. False if it did not come to that.
+  // Waits, within a bound, until no work is queued or running. False on timeout.
   bool WaitUntilIdle() const;
 
  private:
@@ -39,7 +39,7 @@ class Pool {
   uint32_t idle_ = 0;
 };
 
-// The two transports have a pool each. Their threads outlive main(): they end with the process.
+// One pool for each transport. Their threads run until the process ends.
 Pool& BinderPool();
 Pool& HidlPool();
 

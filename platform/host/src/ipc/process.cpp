@@ -20,7 +20,7 @@ void Process::Kill() {
   }
   for (auto& observer : observers) {
     observer();
-    observer = nullptr;  // the reference that it holds is gone before the next one tells anybody
+    observer = nullptr;  // drops its references before the next observer runs
   }
 }
 

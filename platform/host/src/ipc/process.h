@@ -12,21 +12,21 @@
 
 namespace fp_host::ipc {
 
-// What happens to calls into a service. Set by the controls, kept over restarts of the service.
+// How calls into a service behave. Set by the controls and kept over restarts of the service.
 struct CallPlan {
   std::mutex mutex;
   std::condition_variable changed;
 
   // Guarded by mutex.
   int calls = 0;       // made so far
-  int held = 0;        // of those, how many wait behind the barrier
-  int fatal_call = 0;  // the number of the call that ends the process; 0: none
+  int held = 0;        // of these, waiting at the barrier
+  int fatal_call = 0;  // number of the call during which the process dies; 0: none
   RemoteService::Death death = RemoteService::Death::kBefore;
   bool barrier = false;
   std::chrono::milliseconds delay{0};
 };
 
-// Another process as this one sees it. It answers calls until it dies.
+// A simulated process. It answers calls until it dies.
 class Process {
  public:
   explicit Process(std::shared_ptr<CallPlan> plan) : plan_(std::move(plan)) {}
@@ -34,21 +34,22 @@ class Process {
   bool IsAlive() const;
   void Kill();
 
-  // Runs `observer` when the process dies, on the thread that killed it; at once if it is dead.
+  // Runs `observer` when the process dies, on the thread that kills it; at once if it is dead
+  // already.
   void OnDeath(std::function<void()> observer);
 
-  // One call into the process, on the caller's thread. False if the process was dead, or died
-  // before its answer was out.
+  // Runs `serve` on the caller's thread as a call into the process. False if the process is dead or
+  // dies before it sends the reply.
   bool Call(const std::function<void()>& serve);
 
  private:
-  // The fate of the call that was just made.
+  // What the plan has for one call.
   enum class Fate { kServed, kLost, kDiesBefore, kDiesDuring, kDiesAfter };
   Fate Arrive();
 
   const std::shared_ptr<CallPlan> plan_;
 
-  // Guarded by plan_->mutex, so that calls that wait there see the death.
+  // Guarded by plan_->mutex, so that the death ends calls that wait at the barrier.
   bool alive_ = true;
   std::vector<std::function<void()>> observers_;
 };

@@ -7,7 +7,7 @@
 
 namespace fp_host::ipc {
 
-// Never destroyed: a thread may wait for a service while the process exits.
+// Never destroyed, because a thread may wait for a service while the process exits.
 Registry& Registry::Get() {
   static auto* const registry = new Registry;
   return *registry;
@@ -39,7 +39,7 @@ void Registry::Add(const std::string& name, std::shared_ptr<void> object) {
 }
 
 void Registry::Remove(const std::string& name, const std::shared_ptr<void>& object) {
-  std::shared_ptr<void> removed;  // released after the lock
+  std::shared_ptr<void> removed;  // destroyed after the lock is released
   const std::lock_guard lock(mutex_);
   const auto entry = objects_.find(name);
   if (entry != objects_.end() && entry->second == object) {

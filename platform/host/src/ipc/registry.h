@@ -11,8 +11,8 @@
 
 namespace fp_host::ipc {
 
-// The device's manifest and its service managers: the objects by name. One table holds AIDL and
-// HIDL services, whose names differ in form.
+// The device's manifest and service managers. One table holds the AIDL and the HIDL services, since
+// their names cannot collide.
 class Registry {
  public:
   static Registry& Get();
@@ -21,11 +21,11 @@ class Registry {
   bool IsDeclared(const std::string& name) const;
 
   void Add(const std::string& name, std::shared_ptr<void> object);
-  // Removes the name if it still belongs to `object`.
+  // Removes the service if `object` is still registered under the name.
   void Remove(const std::string& name, const std::shared_ptr<void>& object);
 
-  // Waits until there is something by that name; null if the service manager fails. Logs every
-  // second.
+  // Waits until a service of that name is registered, and logs every second. Null if the service
+  // manager fails.
   std::shared_ptr<void> Wait(const std::string& name) const;
 
   // See control/services.h.

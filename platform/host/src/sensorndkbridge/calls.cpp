@@ -38,7 +38,7 @@ struct Hooks {
   std::function<void()> after;
 };
 
-// Never destroyed: a thread may still be polling as the process exits.
+// Never destroyed, because a thread may poll while the process exits.
 struct Observation {
   std::mutex mutex;
   std::map<std::string, Hooks> hooks;

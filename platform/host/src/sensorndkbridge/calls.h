@@ -8,8 +8,8 @@
 
 #include "sensorndkbridge/handles.h"
 
-// What happens to every platform call beside its work: the check of its handles, hooks, faults and
-// the record.
+// What the stand-in does for every platform call beside its work: it checks the handles, runs
+// hooks, injects faults and records the call.
 
 namespace fp_host {
 
@@ -19,18 +19,19 @@ bool AreCallsObserved();
 enum class Moment { kBefore, kAfter };
 void RunHook(const char* function, Moment moment);
 
-// The result that a fault gives to this call, or to the bridge's query for the sensor list.
+// Returns the result of the fault that is set for this call, if any, and counts the failed call.
 std::optional<int> TakeFault(const char* function);
+// The bridge's own query for the sensor list, as a function name for TakeFault().
 inline constexpr char kListQuery[] = "query for the sensor list";
 
 bool AreCallsRecorded();
 void RecordCall(const char* function, std::initializer_list<std::string> arguments,
                 const std::string& result);
 
-// Ends the process over a call that crashes on a device, or that is not simulated.
+// Aborts for a call that would crash on a device, or that is not simulated.
 [[noreturn]] void AbortOver(const char* function, const std::string& argument);
 
-// Aborts or counts.
+// Aborts, or counts the use after CountDeadHandleUses().
 void ReportDeadHandle(const char* function, const std::string& handle);
 
 template <typename Value>
@@ -53,8 +54,8 @@ std::string TextOf(const Value& value) {
   }
 }
 
-// Every function of the stand-in is this around its work. A handle that dies while the call runs
-// is no misuse, so `work` asks again.
+// Runs `work` as the named platform call, with all of the above. A handle may die while the call
+// runs, which is no misuse, so `work` has to check it again.
 template <typename Work, typename... Arguments>
 auto PlatformCall(const char* function, Work work, Arguments... arguments) {
   (CheckHandle(function, arguments), ...);

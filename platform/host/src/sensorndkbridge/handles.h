@@ -12,8 +12,8 @@
 
 #include "control/sensor_service.h"
 
-// What the platform's opaque handles point to. None is ever freed: a handle that is used after its
-// end is recognised, and no later handle has its address.
+// The objects behind the platform's opaque handles. They are never freed, so the use of a dead
+// handle is detected and no later handle has its address.
 
 struct ASensor {
   ASensorManager* manager;
@@ -25,12 +25,12 @@ struct ASensorManager {
 
   const int number;
   std::atomic<bool> alive = true;
-  std::deque<ASensor> sensors;  // their addresses stay
+  std::deque<ASensor> sensors;  // a deque keeps their addresses
   std::vector<ASensorRef> list;
   bool has_list = false;
 };
 
-// Guarded by the service's mutex, but for what is constant.
+// Guarded by the service's mutex, except constant members.
 struct ASensorEventQueue {
   ASensorEventQueue(int number, ASensorManager* manager) : number(number), manager(manager) {}
 
@@ -38,7 +38,7 @@ struct ASensorEventQueue {
   ASensorManager* const manager;
   std::atomic<bool> destroyed = false;
   std::set<const ASensor*> enabled;
-  std::vector<ASensorEvent> events;  // those before next_event are taken
+  std::vector<ASensorEvent> events;  // those before next_event were read
   size_t next_event = 0;
 };
 
@@ -51,7 +51,7 @@ inline bool IsAlive(const ASensorEventQueue* queue) {
 }
 inline bool IsAlive(const ALooper* /*looper*/) { return true; }
 
-// How the record of calls names a handle.
+// The name of a handle in the record of calls.
 inline std::string NameOf(const ASensorManager* manager) {
   return "manager " + std::to_string(manager->number);
 }

@@ -8,19 +8,19 @@
 #include <android/looper.h>
 #include <android/sensor.h>
 
-// The bridge's looper: one for all threads, which therefore take each other's wakes and events.
+// The bridge's looper. All threads share it, so they consume each other's wakes and events.
 struct ALooper {
-  // An ALOOPER_POLL_ value. Negative: waits for ever.
+  // Returns an ALOOPER_POLL_ value. A negative timeout waits for ever.
   int Poll(int timeout_ms);
 
-  // Sticks until a poll returns it; several wakes until then are one.
+  // Pending until a poll returns it. Several wakes before that count as one.
   void Wake();
 
-  // The queue has a new event. Signals again only for the next new one.
+  // Makes one poll return for a new event in the queue, even if the event is not read then.
   void SignalData(ASensorEventQueue* queue);
   void Forget(ASensorEventQueue* queue);
 
-  // Makes waiting polls look for a fault.
+  // Wakes waiting polls so that they notice a fault.
   void Recheck();
 
   bool IsIdle(int waiting_threads);

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The simulated sensors, and what they report to the queues that have them enabled.
+// The simulated sensors and their events, which go to the queues that have the sensor enabled.
 #include <iterator>
 #include <utility>
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The sensor calls of <android/sensor.h> that the vendor bridge exports, each over the simulated
+// The functions of <android/sensor.h> that the vendor bridge exports, on top of the simulated
 // service.
 #include <android/sensor.h>
 #include <utils/Errors.h>
@@ -15,7 +15,7 @@ using fp_host::SensorService;
 
 namespace {
 
-// A property of a sensor, or what null has for it.
+// Reads a property of a sensor; `of_null` for a null or dead one.
 template <typename Value, typename Get>
 Value Property(const char* function, const ASensor* sensor, Value of_null, Get get) {
   return PlatformCall(

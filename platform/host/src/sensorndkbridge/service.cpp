@@ -78,7 +78,7 @@ ASensorManager* SensorService::Connect() {
   return manager_;
 }
 
-// Only the first time: a manager keeps its first list, which is empty if the query for it failed.
+// Queries only once per manager: it keeps its first list, which is empty if the query failed.
 void SensorService::LoadList(ASensorManager& manager) {
   if (manager.has_list) {
     return;

@@ -14,8 +14,8 @@
 
 namespace fp_host {
 
-// The sensor service and the bridge's connection to it. Handles that have died since the call
-// began are answered like null; none of the calls looks at the looper with the mutex held.
+// The sensor service and the bridge's connection to it. A handle that died during the call is
+// treated like null. The looper is never locked while the mutex is held.
 class SensorService {
  public:
   static SensorService& Get();
@@ -25,7 +25,7 @@ class SensorService {
   void Start();
   SensorUsage GetUsage();
 
-  // Queues one event per reading for the sensors that are enabled with the string type.
+  // Queues one event per reading of each enabled light sensor.
   void ReportLux(const std::vector<float>& readings);
   void ReportLongPresses(int times);
   void Push(const std::vector<ASensorEvent>& events);
@@ -44,10 +44,10 @@ class SensorService {
 
   void LoadList(ASensorManager& manager);
   void ReportReadings(const char* string_type, const std::vector<float>& readings);
-  // Fills each live queue and signals those that got events.
+  // Runs `fill` on each live queue and signals the looper for those that got events.
   template <typename Fill>
   void Deliver(Fill fill);
-  // What a sensor that is being enabled reports at once: true if it does.
+  // Queues the event that a sensor reports when it is enabled. False if it reports none.
   bool ReportCurrentValue(ASensorEventQueue& queue, const ASensor& sensor);
 
   std::mutex mutex_;
@@ -55,7 +55,7 @@ class SensorService {
   State state_ = State::kUp;
   std::vector<FakeSensor> sensors_ = {LightSensor(), LongPressSensor()};
   std::optional<float> lux_;
-  ASensorManager* manager_ = nullptr;  // of the service that is up, once asked for
+  ASensorManager* manager_ = nullptr;  // of the running service, once a client asked for it
   std::vector<std::unique_ptr<ASensorManager>> managers_;  // the dead ones too
   std::vector<ASensorEventQueue*> queues_;                 // the live ones
   std::vector<std::unique_ptr<ASensorEventQueue>> all_queues_;

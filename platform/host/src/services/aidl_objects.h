@@ -9,10 +9,10 @@
 
 namespace fp_host {
 
-// `local` as an object of `process`, in the form in which the service manager keeps it.
+// Makes `local` an object of `process`. Returns it as the service manager stores it.
 std::shared_ptr<void> Publish(const ndk::SpAIBinder& local, std::shared_ptr<ipc::Process> process);
 
-// The same for an object of an interface that nobody expects.
+// The same for a new object of an interface that no client knows.
 std::shared_ptr<void> PublishUnknownInterface(std::shared_ptr<ipc::Process> process);
 
 }  // namespace fp_host

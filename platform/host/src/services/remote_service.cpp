@@ -31,11 +31,11 @@ void RemoteService::Declare() { Registry::Get().Declare(instance_, true); }
 
 void RemoteService::Undeclare() { Registry::Get().Declare(instance_, false); }
 
-void RemoteService::Start() { Appear(&RemoteService::MakeService); }
+void RemoteService::Start() { StartObject(&RemoteService::MakeService); }
 
-void RemoteService::StartImpostor() { Appear(&RemoteService::MakeImpostor); }
+void RemoteService::StartImpostor() { StartObject(&RemoteService::MakeImpostor); }
 
-void RemoteService::Appear(Maker make) {
+void RemoteService::StartObject(Maker make) {
   const std::lock_guard lock(mutex_);
   if (process_ != nullptr && process_->IsAlive()) {
     return;
@@ -43,7 +43,7 @@ void RemoteService::Appear(Maker make) {
   process_ = std::make_shared<Process>(plan_);
   const std::shared_ptr<void> object = (this->*make)(process_);
   Registry::Get().Add(instance_, object);
-  // The first to learn of the death: nobody who hears of it finds the dead service again.
+  // The first observer, so that clients that are notified later do not find the dead service.
   process_->OnDeath([instance = instance_, object] { Registry::Get().Remove(instance, object); });
 }
 

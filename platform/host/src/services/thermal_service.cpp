@@ -28,12 +28,12 @@ struct ThermalService::State {
     std::optional<TemperatureType> filter;
   };
 
-  // Answers a query with those of `records` that are of type `filter`, or all.
+  // Returns the records of type `filter`, or all without a filter.
   template <typename Record, typename Type>
   ScopedAStatus Answer(const char* call, const std::vector<Record> State::*records,
                        std::optional<Type> filter, std::vector<Record>* answer) {
     const std::lock_guard lock(mutex);
-    WriteDown(call, filter);
+    RecordCall(call, filter);
     const auto& all = this->*records;
     std::copy_if(all.begin(), all.end(), std::back_inserter(*answer),
                  [&](const Record& record) { return record.type == filter.value_or(record.type); });
@@ -43,7 +43,7 @@ struct ThermalService::State {
   ScopedAStatus Register(const char* call, const Callback& callback,
                          std::optional<TemperatureType> filter) {
     const std::lock_guard lock(mutex);
-    WriteDown(call, filter);
+    RecordCall(call, filter);
     if (refusal != nullptr) {
       return refusal();
     }
@@ -56,7 +56,7 @@ struct ThermalService::State {
 
   ScopedAStatus Unregister(const Callback& callback) {
     const std::lock_guard lock(mutex);
-    WriteDown("unregisterThermalChangedCallback", std::optional<TemperatureType>());
+    RecordCall("unregisterThermalChangedCallback", std::optional<TemperatureType>());
     if (refusal != nullptr) {
       return refusal();
     }
@@ -79,7 +79,7 @@ struct ThermalService::State {
   std::deque<std::string> calls;
 
  private:
-  // Each call brings another proxy; two are of one callback if they have the same binder.
+  // Each call passes another proxy. Proxies of one callback have the same binder.
   std::vector<Registration>::iterator Find(const Callback& callback) {
     return std::find_if(registrations.begin(), registrations.end(), [&](const auto& registration) {
       return registration.callback->asBinder() == callback->asBinder();
@@ -87,13 +87,13 @@ struct ThermalService::State {
   }
 
   template <typename Type>
-  void WriteDown(const char* call, std::optional<Type> filter) {
+  void RecordCall(const char* call, std::optional<Type> filter) {
     calls.push_back(call);
     if (filter.has_value()) {
       calls.back() += " " + std::to_string(static_cast<int32_t>(*filter));
     }
     if (calls.size() > 1000) {
-      calls.pop_front();  // a service may run for long with nobody asking
+      calls.pop_front();  // programs that never call TakeCalls() must not grow
     }
   }
 };
@@ -205,7 +205,7 @@ std::vector<std::string> ThermalService::TakeCalls() {
 
 std::shared_ptr<void> ThermalService::MakeService(const std::shared_ptr<ipc::Process>& process) {
   process->OnDeath([state = state_] {
-    std::vector<State::Registration> forgotten;  // released after the lock
+    std::vector<State::Registration> forgotten;  // destroyed after the lock is released
     const std::lock_guard lock(state->mutex);
     forgotten.swap(state->registrations);
   });
