@@ -58,7 +58,7 @@ class DisplayControllerTest : public ::testing::Test {
     service_.Kill();
     ASSERT_TRUE(fp_host::WaitForPools());
   }
-  // References to the service's proxy, this function's own and the service manager's not counted.
+  // The references to the service's proxy, without this function's and the service manager's.
   int CountRefs() const {
     const ndk::SpAIBinder binder(AServiceManager_waitForService(kInstance));
     return AIBinder_debugGetRefCount(binder.get()) - 2;
@@ -210,7 +210,7 @@ TEST_F(DisplayControllerTest, IsTracedWithInputAndHal) {
   Set(false);
   EXPECT_EQ(1u, TakeLog().size());
 
-  // Every way out closes the section.
+  // The section ends on every return path.
   SetTraceTags(0x800);
   service_.Refuse([] { return ScopedAStatus::fromStatus(STATUS_BAD_VALUE); });
   const std::function<void()> kWays[] = {[this] { Set(true); },
@@ -232,8 +232,8 @@ TEST_F(DisplayControllerTest, IsTracedWithInputAndHal) {
   }
 }
 
-// The HAL dies while a switch waits for its answer: the switch fails, and the notification, which
-// waits for it, makes the next one connect again.
+// The HAL dies while a switch waits for its reply. The switch fails. The death notification waits
+// for the switch to end, and the next switch connects again.
 TEST_F(DisplayControllerTest, DeathDuringASwitch) {
   service_.Hold();
   std::thread dying([this] {

@@ -20,13 +20,13 @@
 #include "support/resource_counts.h"
 #include "support/touch_test.h"
 
-// This program's system calls pass through here on their way to the simulated device.
+// These interpose system calls before the simulated device does.
 namespace {
 
-fp_test::Recorder<int> pauses;     // the timeouts of poll(), in ms, where there is one
-std::atomic<short> device_events;  // what poll() reports for the device, if not zero
-std::atomic<int> sleeps;           // of threads that wait for the handler's lock
-std::function<void(unsigned long)> before_request;  // set while no request is under way
+fp_test::Recorder<int> pauses;     // the finite timeouts of poll(), in ms
+std::atomic<short> device_events;  // if not 0, what poll() reports for the device
+std::atomic<int> sleeps;           // calls of threads that wait for the handler's lock
+std::function<void(unsigned long)> before_request;  // changed only between requests
 
 template <typename Function>
 Function* Next(const char* name) {
@@ -108,7 +108,7 @@ TEST_F(FpsTouchHandlerTest, ScalingFactorOfOddPropertiesIsOne) {
   EXPECT_EQ(4294967295u, FpsTouchHandler().GetResolutionScalingFactor());
 }
 
-// Each step of the first Configure() fails once; the next call goes on from there.
+// Each step of the first Configure() fails once, and the next call retries from that step.
 TEST_F(FpsTouchHandlerTest, FailedConfigureCanBeRepeated) {
   const auto fail = [](const char* function, int nth, int error) {
     fp_host::SetFault({.function = function, .first_call = nth, .error = error});
@@ -258,7 +258,7 @@ TEST_F(FpsTouchHandlerTest, LooksAtNoMoreRecordsThanThereCanBe) {
   for (const uint32_t count : {129u, 0xFFFFFFFFu, 0u, 128u}) {
     memcpy(buffer.data(), &count, sizeof count);
     ASSERT_TRUE(node_.PushBytes(buffer));
-    ASSERT_TRUE(node_.Push({{.id = -2}}));  // behind it
+    ASSERT_TRUE(node_.Push({{.id = -2}}));  // marks its end
     const size_t expected = count == 0 ? 1 : 129;
     const auto events = events_.Take(expected);
     ASSERT_EQ(expected, events.size()) << count;
@@ -276,7 +276,7 @@ TEST_F(FpsTouchHandlerTest, EmptyCallbackAborts) {
   EXPECT_EXIT(handler_.ReadTouchEvent(), testing::KilledBySignal(SIGABRT), "");
 }
 
-// A cancel byte that nobody drained, because the worker ended on its pending exit alone.
+// The worker ended because its exit was pending, and left the cancel byte in the pipe.
 TEST_F(FpsTouchHandlerTest, CancelComesBeforeReports) {
   Recorder<int> inside;
   Recorder<int> go_on;
@@ -317,7 +317,7 @@ TEST_F(FpsTouchHandlerTest, FailingDeviceIsLoggedOnceAndBackedOff) {
       {"error without data",
        [&] {
          device_events = POLLERR;
-         fail_reads(ENODEV);  // would be counted
+         fail_reads(ENODEV);  // counts reads
        },
        [] {
          EXPECT_GE(1, fp_host::CountedCalls("read")) << "the one that the first poll asked for";
@@ -357,7 +357,7 @@ TEST_F(FpsTouchHandlerTest, FailingPollSaysNothingAboutTheDevice) {
   EXPECT_TRUE(Eventually([] { return LinesWith(TakeLog(), "touch device failed") == 1; }));
 }
 
-// Those who copy the event as bytes find no garbage between its fields.
+// Clients may copy the event as bytes, so its padding is zero too.
 TEST_F(FpsTouchHandlerTest, ClearedEventIsZeroInEveryOtherByte) {
   alignas(FpsTouchHandler) unsigned char memory[sizeof(FpsTouchHandler)];
   memset(memory, 0xA5, sizeof memory);
@@ -437,7 +437,7 @@ TEST_F(FpsTouchHandlerTest, StopInsideTheCallbackEndsTheWorkerBehindIt) {
   handler_.Stop();
 }
 
-// Whatever a callback calls, a Stop() that waits for that callback goes on.
+// Stop() waits for the callback, which may call any operation without deadlock.
 TEST_F(FpsTouchHandlerTest, CallbacksMayUseTheHandlerWhileItIsStopped) {
   std::atomic<bool> stopping = false;
   Run([&](const TouchEvent& /*event*/) {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Events are delivered without allocation. The program's operator new counts, for its libraries
-// too.
+// Events are delivered without allocation. Counts calls of operator new by the program and its
+// libraries.
 #include <atomic>
 
 #include "fp_utils/als_monitor.h"

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// How a listener's worker ends: by the death of the system server, by the destructor, by a
-// callback, and whatever is going on meanwhile.
+// A listener's worker ends after the death of the system server, in the destructor or in a
+// callback, in every state.
 #include <atomic>
 #include <cerrno>
 
@@ -20,7 +20,7 @@ constexpr char kWake[] = "ALooper_wake(looper) = 0";
 
 using SensorListenerEndTest = ListenerTest;
 
-// The handles of the old service dangle: touching one would abort.
+// The old service's handles are invalid: a call with one aborts.
 TEST_F(SensorListenerEndTest, ConnectsAfreshAfterTheDeathOfTheSystemServer) {
   StartQuietly();
   EXPECT_EQ(0, listener_->StartSampling(kLongPress));
@@ -80,7 +80,7 @@ TEST_F(SensorListenerEndTest, WorkerThatWaitsForTheLockGivesUpAsItHasToEnd) {
   TakeCalls();
   RunBounded("death while the worker is on its way to the lock", [this] {
     fp_host::RestartSensorService();
-    listener_->OnSystemServerDeath();  // opens the gate by its wake, with the lock held
+    listener_->OnSystemServerDeath();  // holds the lock when its wake opens the gate
   });
   EXPECT_EQ(0, lights_);
 }
@@ -94,8 +94,8 @@ TEST_F(SensorListenerEndTest, WakeThatAnotherPollerTookIsSentAgain) {
   }
 }
 
-// A batch is being delivered as the system server dies: what is left of it is not matched against
-// sensors that are gone. Calls of the callback back into the listener do not wait.
+// The system server dies while a batch is delivered. The rest of the batch is dropped, since its
+// sensors are gone, and the callback can call the listener without deadlock.
 TEST_F(SensorListenerEndTest, DeathDuringACallbackEndsTheDelivery) {
   StartQuietly();
   EXPECT_EQ(0, listener_->StartSampling(kLongPress));
@@ -131,14 +131,14 @@ TEST_F(SensorListenerEndTest, CallbackMayReportTheDeathItself) {
     }
   };
   SetLux({1, 2});
-  // The event left over, which nobody else could deliver, and the one of the new registration.
+  // The second event is still delivered, and the new registration reports the current value.
   EXPECT_TRUE(AwaitLights(3));
   EXPECT_EQ(0, again);
   RunBounded("destruction after that", [this] { listener_.reset(); });
   EXPECT_EQ(SensorUsage(), fp_host::GetSensorUsage());
 }
 
-// With and without another one in its place, for which the old worker is just a thread.
+// The callback may also construct another listener in its place.
 TEST_F(SensorListenerEndTest, CallbackMayDestroyTheListener) {
   static std::atomic<bool> worker_ended = false;
   struct ThreadEnd {

@@ -16,8 +16,8 @@ namespace {
 using fp_host::SetLux;
 using namespace fp_test;
 
-// All threads of the service at once, with callbacks that call back. The system server restarts at
-// any moment, so handles that have just died are in use, and only counted.
+// All threads of a service at once, with callbacks that call the listener. The system server
+// restarts at any time, so dead handles may be used and must not abort.
 class Storm {
  public:
   explicit Storm(int rounds) : rounds_(rounds) {
@@ -95,7 +95,7 @@ TEST(SensorStorm, EverythingAtOnceComesToAnEnd) {
   SensorClients().ExpectRecovery();
 }
 
-// Starts and stops against a poller that takes every wake it can get.
+// Workers start and stop while another thread polls the looper and takes their wakes.
 TEST(SensorStorm, WorkersEndBesideAGreedyPoller) {
   std::atomic<bool> over = false;
   std::thread greedy([&over] {

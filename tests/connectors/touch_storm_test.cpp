@@ -36,7 +36,7 @@ class StartStopStorm : public TouchTest {
     for (int i = 0; i < cycles; ++i) {
       stopped = false;
       ASSERT_TRUE(handler_.Start());
-      if (i % 4 == 0) {  // in the middle of a delivery; the others mostly before the first
+      if (i % 4 == 0) {  // stop during a delivery; otherwise mostly before the first
         const int before = delivered;
         ASSERT_TRUE(Eventually([&] { return delivered != before; }));
       }

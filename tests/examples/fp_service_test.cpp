@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The demo as its user runs it.
+// Runs the demo program and checks its output.
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 
@@ -22,7 +22,7 @@ struct Result {
   std::string output;
 
   bool Has(const std::string& text) const { return output.find(text) != std::string::npos; }
-  // The first line that begins so, from there on.
+  // The output from the first line that begins with `begin`.
   std::string From(const std::string& begin) const {
     const size_t at = ("\n" + output).find("\n" + begin);
     return at == std::string::npos ? "" : output.substr(at);
@@ -51,7 +51,7 @@ class FpServiceTest : public ::testing::Test {
   const fs::path folder_ = scratch_.GetPath();
 };
 
-// Rejects and attempts in a row of the report, with exposure control and without it.
+// Rejects and attempts of a phase, from the report.
 struct Row {
   int with[2];
   int without[2];

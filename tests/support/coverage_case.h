@@ -28,17 +28,17 @@ struct CoverageCase {
   // Takes nx and ny from the grid.
   void SetDefaultScanPoints();
 
-  // Every float of the case.
+  // Pointers to every float of the case.
   std::vector<float*> Fields();
 
   // One line in the form of golden/coverage.txt, without its counts; floats in hexadecimal.
   std::string ToString() const;
 
-  // By the plain scan.
+  // Counts with the plain scan.
   fp_reference::PlainCounts Scan() const;
 };
 
-// Sets the properties to what the case asks for.
+// Sets the scan point properties of the case.
 void TuneScanPoints(const CoverageCase& c);
 
 }  // namespace fp_test

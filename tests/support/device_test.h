@@ -27,15 +27,15 @@ class DeviceTest : public ::testing::Test {
   const fp_host::ScratchDevice device_{"fp_device"};
 };
 
-// What `dump` writes to the descriptor that it is given.
+// Returns what `dump` writes to `fd`.
 std::string DumpText(const std::function<void(int fd)>& dump);
 
-// How much work a long test does: `full` by default, less where FP_TEST_SHARE (a fraction) says so,
-// as under a sanitizer, more in the long checks. At least 1.
+// `full` times FP_TEST_SHARE of the environment (1 if unset), but at least 1. The sanitizer lanes
+// set less than 1 to keep random tests short.
 int Share(int full);
 
-// Runs `run` with as many seeds, the first one and those after it, until a test fails. FP_TEST_SEED
-// in the environment, which failures name, goes before `first`.
+// Runs `run` with `count` consecutive seeds until a test fails. FP_TEST_SEED of the environment
+// replaces `first`; failures print the value that repeats them.
 void RunSeeded(const char* what, int count, uint64_t first,
                const std::function<void(uint64_t seed)>& run);
 

@@ -49,7 +49,7 @@ void Fill(FingerSize& size, int number) {
 }
 float& FloatOf(FingerSize& size) { return size.minor; }
 
-// `Base` is what the history holds, `Record` what is put in.
+// The history holds records of type `Base`; the tests add records of type `Record`.
 template <typename Base, typename Record>
 class TypedHistory : public HistoryUnderTest {
  public:

@@ -10,15 +10,14 @@
 
 namespace fp_test {
 
-// A history with a backup file as the common tests see it, so that every kind goes through the
-// same.
+// The interface through which common tests use every kind of history that has a backup file.
 class HistoryUnderTest {
  public:
   virtual ~HistoryUnderTest() = default;
 
   // Adds the `number`-th of a series of records that are all different, and saves.
   virtual void AddAndSave(int number) = 0;
-  // Adds a record that a history of the same kind holds as well, and saves.
+  // Adds a record that `other`, a history of the same kind, holds too, and saves.
   virtual void AddAndSaveOneOf(HistoryUnderTest& other, size_t index) = 0;
   virtual void AddNull() = 0;
   // Changes one of the floats of a record that is held.
@@ -31,10 +30,10 @@ struct HistoryKind {
   const char* name;
   const char* path;
   int full_size;  // capacity, and records in a file of usual size
-  // A history as a service constructs it at start: its file is loaded.
+  // Constructs the history as a service does at start, which loads its file.
   std::function<std::unique_ptr<HistoryUnderTest>()> start;
 
-  // How it logs.
+  // Parts of its log lines.
   const char *create_operation, *load_operation, *save_operation;
   const char *damage_prefix, *null_message;
 };
@@ -45,11 +44,11 @@ inline std::ostream& operator<<(std::ostream& out, const HistoryKind& kind) {
 
 std::vector<HistoryKind> AllHistoryKinds();
 
-// A record text as it stands in a backup file; the header may claim another length.
+// The frame of a record in a backup file. The header says `length`, which may be wrong.
 std::string Frame(const std::string& text, unsigned long long length);
 inline std::string Frame(const std::string& text) { return Frame(text, text.size()); }
 
-// The frames of all texts, as a file holds them.
+// The content of a backup file with these records.
 std::string FramesOf(const std::vector<std::string>& texts);
 
 }  // namespace fp_test

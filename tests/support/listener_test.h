@@ -10,7 +10,7 @@
 
 namespace fp_test {
 
-// A listener whose callbacks count, in a process with a sensor service.
+// A listener whose callbacks count events.
 class ListenerTest : public SensorTest {
  protected:
   ListenerTest() { Create(); }
@@ -27,7 +27,7 @@ class ListenerTest : public SensorTest {
     listener_->long_press_sensor_callback_ = [this](const ASensorEvent&) { ++long_presses_; };
   }
 
-  // Sampling light, the worker in its first poll, nothing recorded yet.
+  // Starts sampling light. The worker is in its first poll, and the calls and log lines are taken.
   void StartQuietly() {
     EXPECT_EQ(0, listener_->StartSampling(kLight));
     EXPECT_TRUE(Eventually(IsWorkerIdle));
@@ -39,7 +39,7 @@ class ListenerTest : public SensorTest {
     return Eventually([=, this] { return lights_ == count; });
   }
 
-  // The system server restarts while nothing is under way, and the service hears of it.
+  // Restarts the system server while the worker is idle, and tells the listener.
   void RestartSystemServer() {
     EXPECT_TRUE(Eventually(IsWorkerIdle));
     fp_host::RestartSensorService();

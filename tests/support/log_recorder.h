@@ -33,16 +33,16 @@ inline LogLine Error(std::string tag, std::string message) {
   return {ANDROID_LOG_ERROR, std::move(tag), std::move(message)};
 }
 
-// What was logged since the last call, in order: test programs make this liblog's logger.
+// The lines that were logged since the last call, in order. In test programs liblog logs to here.
 std::vector<LogLine> TakeLog();
 
-// Puts a line of the test's own among them.
+// Adds a line of the test itself.
 void AddLogLine(LogLine line);
 
-// That these lines were logged since the last TakeLog(), and no others.
+// Expects that exactly these lines were logged since the last TakeLog().
 #define EXPECT_LOG(...) EXPECT_EQ((std::vector<fp_test::LogLine>{__VA_ARGS__}), fp_test::TakeLog())
 
-// Drops lines instead of recording them, for tests that make millions.
+// Drops lines instead of recording them, for tests that log millions.
 void MuteLog(bool mute);
 
 }  // namespace fp_test

@@ -5,20 +5,20 @@
 
 #include "support/log_recorder.h"
 
-// Programs that include this define some functions of the platform themselves: they write down the
-// call and go on to the platform's own.
+// A program with this source interposes some functions of the platform: each records the call and
+// calls the platform's function.
 
 namespace fp_test {
 
-// A line of the log for a call to the platform. While calls are recorded, they stand in TakeLog()
-// among what the library logged, which shows the order of both.
+// The log line of a recorded call. TakeLog() returns recorded calls and the library's lines in one
+// order.
 inline LogLine Call(std::string call) { return {ANDROID_LOG_UNKNOWN, "call", std::move(call)}; }
 
 void RecordCalls(bool record);
-// For calls that this cannot see by itself.
+// Records a call that is not interposed here.
 void RecordCall(const std::string& call);
 
-// The tags that platform tracing says it is enabled for.
+// Sets the tags for which platform tracing says that it is enabled.
 void SetTraceTags(uint64_t tags);
 
 }  // namespace fp_test

@@ -11,10 +11,10 @@
 
 namespace fp_test {
 
-// Longer than anything that works takes, also under a sanitizer.
+// The bound of every wait, longer than any passing test needs under a sanitizer.
 constexpr std::chrono::seconds kPatience(30);
 
-// What callbacks on other threads deliver, for a test that waits for it.
+// Collects what callbacks on other threads deliver, so that a test can wait for it.
 template <typename Item>
 class Recorder {
  public:
@@ -26,7 +26,7 @@ class Recorder {
     added_.notify_all();
   }
 
-  // Waits for `count` items and takes all that are there; fewer if they do not come.
+  // Waits for `count` items and takes all. Returns fewer if the wait times out.
   std::vector<Item> Take(size_t count) {
     std::unique_lock lock(mutex_);
     added_.wait_for(lock, kPatience, [&] { return items_.size() >= count; });
@@ -44,7 +44,7 @@ class Recorder {
   std::vector<Item> items_;
 };
 
-// Waits until `condition` holds, which nothing announces.
+// Polls until `condition` holds. False on timeout.
 inline bool Eventually(const std::function<bool()>& condition) {
   const auto end = std::chrono::steady_clock::now() + kPatience;
   while (!condition()) {

@@ -9,7 +9,7 @@
 
 namespace fp_test {
 
-// The clients of the sensor service, as the fingerprint service has them.
+// Both clients of the sensor service, as in a fingerprint service.
 class SensorClients {
  public:
   SensorClients() { CreateListener(); }
@@ -23,11 +23,10 @@ class SensorClients {
   int ReadMonitor() { return Monitor().GetLight(&lux_); }
   float LastRead() const { return lux_; }
 
-  // The fingerprint service has learnt that the system server died, and tells the listener; the
-  // monitor finds out by itself.
+  // Tells the listener of the system server's death. The monitor notices by itself.
   void HearOfDeath();
 
-  // With a healthy service, everything works.
+  // Expects that both clients work with a working service.
   void ExpectRecovery();
 
  private:

@@ -16,15 +16,15 @@ namespace fp_test {
 constexpr android::fp_utils::FpsTouchHandler::TouchConfig kSensingArea = {
     .left = 1, .top = 2, .right = 30, .bottom = 40};
 
-// Bit for bit.
+// Compares floats by their bits.
 bool Same(const android::fp_utils::TouchEvent& a, const android::fp_utils::TouchEvent& b);
 
-// The decoding as the driver's interface describes it, apart from the library's.
+// Decodes a record independently of the library.
 android::fp_utils::TouchEvent Decoded(const fp_host::TouchRecord& record, uint32_t factor);
 
 size_t LinesWith(const std::vector<LogLine>& log, const std::string& text);
 
-// A handler of its own on a simulated touch device.
+// A handler with a simulated touch device.
 class TouchTest : public DeviceTest {
  protected:
   using TouchEvent = android::fp_utils::TouchEvent;
@@ -33,7 +33,7 @@ class TouchTest : public DeviceTest {
 
   static void SetFactor(const std::string& factor);
 
-  // The handler as a service runs it, with its log and requests taken.
+  // Configures and starts the handler, and takes its log and requests.
   void Run() {
     Run([this](const TouchEvent& event) { events_.Add(event); });
   }

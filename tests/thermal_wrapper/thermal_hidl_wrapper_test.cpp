@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// A client that knows HIDL thermal 2.0 alone, on a device that has the AIDL service alone.
+// A client of HIDL thermal 2.0 on a device that has only the AIDL service.
 #include "fp_utils/thermal_hidl_wrapper.h"
 
 #include <unistd.h>
@@ -66,8 +66,6 @@ class ThermalHidlWrapperTest : public ::testing::Test {
   const sp<V2_0::IThermalChangedCallback> callback_ = client_.NewProxy();
 };
 
-// What each kind of record becomes.
-
 template <typename HidlType>
 HidlType ExpectedType(int32_t aidl_type, int32_t last, HidlType other) {
   return aidl_type >= 0 && aidl_type <= last ? static_cast<HidlType>(aidl_type) : other;
@@ -118,13 +116,12 @@ void ExpectMatch(const std::vector<Aidl>& from, const Answer<Hidl>& answer) {
   }
 }
 
-// A record of each type, with every bit of a number used.
+// Makes a record of each type, and of types that the interface does not define.
 template <typename Record>
 std::vector<Record> RecordsOfAllTypes(const std::function<void(Record&, int32_t type)>& fill) {
   std::vector<Record> records;
   for (int32_t type = -2; type <= 25; ++type) {
     Record& record = records.emplace_back();
-    // The first and the last stand for types that nobody has defined.
     record.type = static_cast<decltype(record.type)>(type == -2   ? INT32_MIN
                                                      : type == 25 ? INT32_MAX
                                                                   : type);
@@ -216,7 +213,7 @@ TEST_F(ThermalHidlWrapperTest, RegistersEachCallbackOnce) {
             service_.TakeCalls());
   EXPECT_EQ(2, service_.CountCallbacks());
 
-  // A callback that the service did not take may try again.
+  // A callback that the service refused can be registered later.
   HidlThermalClient third;
   service_.Refuse(NotReady);
   EXPECT_EQ(Failure("HAL not ready"), client_.Register(third.NewProxy()));
