@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <random>
 
+#include "model/compare.h"
 #include "model/fields.h"
 #include "model/fleet.h"
 #include "model/summary.h"
@@ -221,6 +222,112 @@ TEST(InspectStatistics, Wilson) {
   }
   EXPECT_EQ(0, WilsonInterval(0, 0).low);
   EXPECT_EQ(1, WilsonInterval(7, 7).high);
+}
+
+// Newcombe's values stand in table II of the article that the header names; Holm's are worked by
+// hand.
+TEST(InspectStatistics, Differences) {
+  const struct {
+    size_t k1, n1, k2, n2;
+    double low, high;
+  } kCases[] = {{48, 80, 56, 70, 0.0524, 0.3339},
+                {3, 10, 9, 10, 0.1705, 0.8090},
+                {2, 7, 6, 7, 0.0582, 0.8062},
+                {0, 29, 5, 56, -0.0381, 0.1926}};
+  for (const auto& test : kCases) {
+    const Interval range = NewcombeInterval(test.k1, test.n1, test.k2, test.n2);
+    EXPECT_NEAR(test.low, range.low, 0.00005) << test.k1;
+    EXPECT_NEAR(test.high, range.high, 0.00005) << test.k1;
+  }
+  const std::vector<double> corrected = Holm({0.01, 0.04, 0.03, 0.005, 0.9});
+  const double by_hand[] = {0.04, 0.09, 0.09, 0.025, 0.9};
+  for (size_t i = 0; i < corrected.size(); ++i) {
+    EXPECT_DOUBLE_EQ(by_hand[i], corrected[i]);
+  }
+  // Of the 20 ways to choose three of six bursts two lie as far apart.
+  const Bursts bursts = {{10, 1}, {10, 2}, {10, 3}, {10, 7}, {10, 8}, {10, 9}};
+  const auto p = PermutationTest({bursts}, [](auto row) { return Distance(row, 3); });
+  EXPECT_NEAR(0.1, p.at(0), 0.02);
+  EXPECT_DOUBLE_EQ(0.1, LeastP(6, 3));
+  EXPECT_DOUBLE_EQ(0.0005, LeastP(60, 20)) << "the number of orders that are tried";
+  EXPECT_NEAR(0.6 - 0.160, MeanInterval(bursts, 3).low, 0.001);
+}
+
+// Attempts of a device in bursts that are all good or all rejected, at the chance of `rejected`.
+Records Days(std::mt19937_64* random, int bursts, double rejected, const Try& good, const Try& bad,
+             int64_t start = kStart) {
+  Records attempts;
+  for (int burst = 0; burst < bursts; ++burst) {
+    const bool is_bad = static_cast<double>((*random)() % 1000) < 1000 * rejected;
+    for (int i = 0; i < 8; ++i) {
+      Try with = is_bad ? bad : good;
+      with.iq += static_cast<int>((*random)() % 5);
+      attempts.push_back(Attempt(start + burst * 3600 + i * 60, with));
+    }
+  }
+  return attempts;
+}
+
+const CompareRow& RowIn(const Comparison& comparison, const std::string& id) {
+  return *std::find_if(comparison.rows.begin(), comparison.rows.end(),
+                       [&](const CompareRow& row) { return row.id == id; });
+}
+
+// Attempts of a burst depend on each other; taken as independent, 28 of these pairs differ.
+TEST(InspectCompare, EqualDevicesAreSeldomSaidToDiffer) {
+  std::mt19937_64 random(1);
+  int differing = 0;
+  for (int pair = 0; pair < 100; ++pair) {
+    const Records a = Days(&random, 12, 0.3, {.success = true}, {.t_cov = 20, .rc = 1013});
+    const Records b = Days(&random, 12, 0.3, {.success = true}, {.t_cov = 20, .rc = 1013});
+    differing += Compare(a, b, {}).differs ? 1 : 0;
+  }
+  EXPECT_LE(differing, 5);
+}
+
+TEST(InspectCompare, CoverageBeforeLight) {
+  std::mt19937_64 random(1);
+  const Try success = {.success = true};
+  const Records good = Days(&random, 20, 0.1, success, {.iq = 20, .raw = 3000});
+  // Images of uncovered fingers are darker and poorer: no word on light.
+  Comparison found =
+      Compare(good, Days(&random, 20, 0.7, success, {.iq = 30, .t_cov = 20, .raw = 900}), {});
+  EXPECT_TRUE(RowIn(found, "t_cov").IsShown());
+  EXPECT_FALSE(RowIn(found, "rawmean_delta").IsShown());
+  EXPECT_FALSE(RowIn(found, "rejected.covered").IsShown());
+  EXPECT_NE(std::string::npos, found.verdict.find("evidence that A and B differ: rejected"));
+  EXPECT_TRUE(found.verdict.ends_with("; no difference shown in rejects of covered images."));
+
+  found = Compare(good, Days(&random, 20, 0.7, success, {.iq = 20, .raw = 3000}), {});
+  EXPECT_FALSE(RowIn(found, "t_cov").IsShown());
+  EXPECT_TRUE(RowIn(found, "cause.too_bright").IsShown());
+  EXPECT_TRUE(RowIn(found, "rawmean_delta").IsShown());
+
+  const Records day = Days(&random, 4, 0, success, success);
+  found = Compare(day, Days(&random, 4, 1, success, {}), {});
+  EXPECT_FALSE(found.differs);
+  EXPECT_NE(std::string::npos, found.verdict.find("4 and 4 bursts are too few")) << found.verdict;
+  EXPECT_NE(std::string::npos, Compare({}, day, {}).verdict.find("no row has 20 records"));
+  const Try endless = {.success = true, .t_cov = std::numeric_limits<float>::infinity()};
+  found = Compare(good, Days(&random, 20, 0.1, endless, {.iq = 20, .raw = 3000}), {});
+  EXPECT_FALSE(RowIn(found, "t_cov").IsShown()) << "no number, no evidence";
+}
+
+TEST(InspectCompare, SinceWhen) {
+  std::mt19937_64 random(1);
+  const Try success = {.success = true};
+  Records attempts = Days(&random, 12, 0.1, success, {});
+  EXPECT_FALSE(CompareSinceWhen(attempts, {}, Zone("UTC0")).change);
+  EXPECT_FALSE(CompareSinceWhen({}, {}, Zone("UTC0")).change);
+  const Records behind = Days(&random, 18, 0.8, success, {}, kStart + 12 * 3600);
+  attempts.insert(attempts.end(), behind.begin(), behind.end());
+  const Comparison found = CompareSinceWhen(attempts, {}, Zone("UTC0"));
+  ASSERT_TRUE(found.change) << found.verdict;
+  EXPECT_LE(found.change->earliest, behind.front().time);
+  EXPECT_GE(found.change->latest, behind.front().time);
+  EXPECT_NEAR(behind.front().time, found.change->at, 2 * 3600);
+  EXPECT_EQ(30u, found.bursts[0] + found.bursts[1]);
+  EXPECT_NE(std::string::npos, found.verdict.find("before 2026-03-04 ")) << found.verdict;
 }
 
 TEST(InspectFields, ConditionsOnWhatARecordHas) {

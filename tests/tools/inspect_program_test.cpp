@@ -2,6 +2,7 @@
 //
 // The program as its user runs it: exit codes, formats, and inputs that nobody would send on
 // purpose.
+#include <fmt/format.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -89,7 +90,7 @@ TEST_F(InspectProgram, ExitCodesAndMessages) {
     const char* output;  // a part of it
   } kCases[] = {
       {"--help", 0, "Exit codes: 0 done"},
-      {"", 2, "summary, list, verify, fleet or replay"},
+      {"", 2, "summary, list, verify, fleet, replay or compare"},
       {"summary", 2, "inputs is required"},
       {"list good --where nose=1", 2, "\"nose\" is no field with numbers"},
       {"list good --where reason", 2, "as t_cov<60"},
@@ -118,6 +119,13 @@ TEST_F(InspectProgram, ExitCodesAndMessages) {
       {"summary giga", 3, "no record"},
       {"summary tree", 0, "tree: left out 1 links"},
       {"summary cut", 4, "damage at byte 565: cut: record #002 does not read (cut)"},
+      {"compare good", 2, "-- and the inputs of B, or --since-when"},
+      {"compare good --since-when -- good", 2, "excludes"},
+      {"compare good -- good --exit-code", 0, "No difference shown: no row has 20 records"},
+      {"compare good --since-when", 0, "No difference shown: no change in 3 attempts"},
+      {"compare good -- empty", 3, "no attempt in one of the groups"},
+      {"compare good -- nothing --exit-code", 1, "nothing: No such file"},
+      {"compare cut -- good", 4, "No difference shown"},
       {"verify good cut", 4, "cut: text of 614 bytes, 3 sections, 3 records\n  ! byte 565 (92 %)"},
       {"summary good 2>&1 >/dev/full", 1, "fp_inspect: "},
       {"summary good >/dev/full", 1, ""},
@@ -171,6 +179,35 @@ TEST_F(InspectProgram, ObjectsAndTables) {
   for (int rows = 0; std::getline(table, line); ++rows) {
     EXPECT_EQ(commas, std::count(line.begin(), line.end(), ',')) << line;
   }
+}
+
+TEST_F(InspectProgram, ComparisonOfTwoGroups) {
+  const auto report = [](const char* attempt) {
+    std::string text = "Auth Events:\n";
+    for (int i = 0; i < 40; ++i) {
+      text += fmt::format("  #{:03} 2026-03-04 {:02}:{:02}:00 {}\n", i, i / 4, i % 4, attempt);
+    }
+    return text;
+  };
+  Write("good", report("auth_successful:1, fid:1, latency:248, iq:40, rc:0, lptw:1, t_cov:90%, "
+                       "t_dist:2.1mm, rawmean_delta:1133, match_score:570, "
+                       "stitch_img_num_:1_1_0_0_0, stitch_img_area_:1_2_3_4_5"));
+  Write("dark", report("acquisition_error:TOO_DARK, rc:0, lptw:0"));
+  EXPECT_EQ(0, Run("compare good -- dark").exit_code);
+  EXPECT_EQ(5, Run("compare good -- dark --exit-code").exit_code);
+  EXPECT_EQ(5, Run("compare --exit-code good --against dark").exit_code);
+  EXPECT_EQ(0, Run("compare good -- good --exit-code").exit_code);
+  const json object = Objects("compare good -- dark --format jsonl").at(0);
+  EXPECT_EQ("comparison", object["type"]);
+  EXPECT_TRUE(object["differs"]);
+  EXPECT_EQ(json({40, 40}), object["attempts"]);
+  EXPECT_EQ("no_image", object["rows"][0]["id"]);
+  EXPECT_EQ(40, object["rows"][0]["b"]["k"]);
+  EXPECT_TRUE(object["rows"][1]["low"].is_null()) << "rejects of no image";
+  const std::string table = Run("compare good -- dark --format csv").output;
+  EXPECT_EQ(0u,
+            table.find("id,title,a_n,a_sum,b_n,b_sum,low,high,p\nno_image,no image,40,0,40,40,"))
+      << table;
 }
 
 // A report and the file tree of one device, which round floats differently, are one timeline.

@@ -11,6 +11,7 @@
 #include <filesystem>
 #include <thread>
 
+#include "model/compare.h"
 #include "model/replay.h"
 #include "model/timeline.h"
 #include "output/output.h"
@@ -319,6 +320,36 @@ int RunReplay(const Options& options) {
     return kNoRecord;
   }
   return options.check && !replay.Agrees() ? kDiffers : kDone;
+}
+
+int RunCompare(const Options& options) {
+  const auto output = MakeOutput(options.format);
+  Outcome outcome(*output);
+  const Device a = ReadDevice(options, &outcome);
+  const std::vector<Record>& attempts = a.Of(RecordKind::kAttempt).records;
+  const Zone zone(a.zone);
+  const Thresholds thresholds = Thresholds::Of(a.exposure);
+  TellDamage(a);
+  Comparison comparison;
+  bool has_both = !attempts.empty();
+  if (options.since_when) {
+    comparison = CompareSinceWhen(attempts, thresholds, zone);
+  } else {
+    Options second = options;
+    second.inputs = options.others;
+    const Device b = ReadDevice(second, &outcome);
+    const std::vector<Record>& others = b.Of(RecordKind::kAttempt).records;
+    TellDamage(b);
+    comparison = Compare(attempts, others, thresholds);
+    has_both &= !others.empty();
+  }
+  output->PutComparison(comparison, zone);
+  const int code = outcome.Code();
+  if (code == kFailed || code == kNoRecord || has_both) {
+    return options.exit_code && comparison.differs && code != kFailed ? kDiffers : code;
+  }
+  Complain("no attempt in one of the groups");
+  return kNoRecord;
 }
 
 }  // namespace fp_inspect

@@ -29,6 +29,9 @@ struct Options {
   std::vector<Settings> variants;
   bool check = false;
   bool model = false;
+  std::vector<std::string> others;  // the second group of a comparison
+  bool since_when = false;
+  bool exit_code = false;
 };
 
 enum ExitCode { kDone = 0, kFailed = 1, kUsage = 2, kNoRecord = 3, kDamaged = 4, kDiffers = 5 };
@@ -38,6 +41,7 @@ int RunList(const Options& options);
 int RunVerify(const Options& options);
 int RunFleet(const Options& options);
 int RunReplay(const Options& options);
+int RunCompare(const Options& options);
 
 // Whether a text is a moment for `since` and `until`: "2026-03-04", with " 05:06[:07]", or "@" and
 // seconds since the epoch.

@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <map>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <android/log.h>
@@ -25,7 +26,7 @@ constexpr char kFooter[] =
     "IN is a dump, a bug report, a backup file of a history, a folder of these, or - for the\n"
     "standard input.\n\n"
     "Exit codes: 0 done, 1 failed, 2 wrong options, 3 no record in any input, 4 damage seen (the\n"
-    "output is complete as far as readable), 5 a check of replay disagrees.";
+    "output is complete as far as readable), 5 a difference (compare --exit-code, replay --check).";
 
 CLI::Validator Refuse(const std::string& name, bool (*is_good)(const std::string&)) {
   return CLI::Validator(
@@ -205,6 +206,22 @@ void ParseReplay(const ReplayTexts& texts, Options* options) {
   }
 }
 
+void AddCompare(CLI::App* app, Options* options) {
+  CLI::App* const command = app->add_subcommand(
+      "compare",
+      "What differs between two devices, or before and after: compare A... -- B...; or since when "
+      "one device differs from before.");
+  AddInputs(command, options);
+  CLI::Option* const others =
+      command->add_option("--against", options->others, "the inputs of B; -- says the same")
+          ->type_name("IN");
+  command->add_flag("--since-when", options->since_when, "look for one change in the inputs")
+      ->excludes(others);
+  command->add_flag("--exit-code", options->exit_code, "exit with 5 if a difference is shown");
+  AddPeriod(command, options);
+  AddFormat(command, options, {"text", "jsonl", "csv"});
+}
+
 void ParseConditions(const std::vector<std::string>& conditions, Filter* filter) {
   for (const std::string& text : conditions) {
     std::string why;
@@ -228,8 +245,15 @@ int Main(int argc, char** argv) {
   AddVerify(&app, &options);
   AddFleet(&app, &options);
   AddReplay(&app, &options, &replay);
+  AddCompare(&app, &options);
   app.add_option("--describe", form)->check(CLI::IsMember({"man", "bash", "zsh"}))->group("");
   app.require_subcommand(0, 1);
+  static char against[] = "--against";
+  for (int i = 2; i < argc; ++i) {
+    if (std::string_view(argv[1]) == "compare" && std::string_view(argv[i]) == "--") {
+      argv[i] = against;
+    }
+  }
   try {
     app.parse(argc, argv);
     ParseConditions(conditions, &options.filter);
@@ -239,7 +263,10 @@ int Main(int argc, char** argv) {
       return kDone;
     }
     if (app.get_subcommands().empty()) {
-      throw CLI::RequiredError("summary, list, verify, fleet or replay");
+      throw CLI::RequiredError("summary, list, verify, fleet, replay or compare");
+    }
+    if (app.got_subcommand("compare") && options.others.empty() && !options.since_when) {
+      throw CLI::RequiredError("-- and the inputs of B, or --since-when");
     }
   } catch (const CLI::ParseError& error) {
     return app.exit(error) == 0 ? kDone : kUsage;
@@ -247,11 +274,9 @@ int Main(int argc, char** argv) {
   // The machine's zone by name: without one each conversion looks whether the file has changed.
   setenv("TZ", ":/etc/localtime", 0);
   __android_log_set_minimum_priority(ANDROID_LOG_SILENT);  // damage is told in the tool's own words
-  const std::map<std::string, int (*)(const Options&)> commands = {{"summary", RunSummary},
-                                                                   {"list", RunList},
-                                                                   {"verify", RunVerify},
-                                                                   {"fleet", RunFleet},
-                                                                   {"replay", RunReplay}};
+  const std::map<std::string, int (*)(const Options&)> commands = {
+      {"summary", RunSummary}, {"list", RunList},     {"verify", RunVerify},
+      {"fleet", RunFleet},     {"replay", RunReplay}, {"compare", RunCompare}};
   try {
     return commands.at(app.get_subcommands().front()->get_name())(options);
   } catch (const std::exception& error) {

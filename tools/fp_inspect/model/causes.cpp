@@ -15,6 +15,7 @@ struct ValueCause {
   bool (*applies)(const AuthEventG7&, const Thresholds&);
   std::string (*title)(const Thresholds&);
   const char* meaning;
+  bool is_light;
 };
 
 constexpr ValueCause kValueCauses[] = {
@@ -25,7 +26,7 @@ constexpr ValueCause kValueCauses[] = {
      [](const Thresholds& t) {
        return fmt::format("too bright (iq < {}, raw > {})", t.iq, t.high_raw_mean);
      },
-     "exposure should step down"},
+     "exposure should step down", true},
     {"too_dark",
      [](const AuthEventG7& a, const Thresholds& t) {
        return a.iq < t.iq && a.rawmean_delta < t.low_raw_mean;
@@ -33,13 +34,13 @@ constexpr ValueCause kValueCauses[] = {
      [](const Thresholds& t) {
        return fmt::format("too dark (iq < {}, raw < {})", t.iq, t.low_raw_mean);
      },
-     "exposure should step up"},
+     "exposure should step up", true},
     {"low_coverage",
      [](const AuthEventG7& a, const Thresholds& t) { return a.iq >= t.iq && a.t_cov < t.coverage; },
      [](const Thresholds& t) {
        return fmt::format("finger covers < {:.0f} %, image good", t.coverage);
      },
-     "no exposure setting changes these: finger, case, screen protector"},
+     "no exposure setting changes these: finger, case, screen protector", false},
 };
 
 // What is known of single acquisition errors and reasons beyond their name.
@@ -129,7 +130,7 @@ Cause CauseOf(const Record& record, const Thresholds& thresholds) {
   }
   for (const ValueCause& cause : kValueCauses) {
     if (record.g7 && cause.applies(attempt, thresholds)) {
-      return {cause.id, cause.title(thresholds), cause.meaning};
+      return {cause.id, cause.title(thresholds), cause.meaning, cause.is_light};
     }
   }
   const std::string reason = MatcherReason(record);

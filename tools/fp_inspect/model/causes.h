@@ -24,7 +24,8 @@ struct Thresholds {
 struct Cause {
   std::string id;
   std::string title;
-  std::string meaning;  // for tuning
+  std::string meaning;    // for tuning
+  bool is_light = false;  // shows too much or too little light
 };
 
 // The cause of a failed attempt, which is one without a good image or one that was rejected.

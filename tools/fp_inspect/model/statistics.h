@@ -2,6 +2,8 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
+#include <span>
 #include <vector>
 
 namespace fp_inspect {
@@ -23,5 +25,60 @@ Interval WilsonInterval(size_t k, size_t n, double z = kZ95);
 // definition 7 of R. J. Hyndman and Y. Fan, "Sample quantiles in statistical packages", The
 // American Statistician 50 (1996), 361-365. NaN without values.
 double Quantile(std::vector<double>& values, double q);
+
+// The interval at 95 % of a difference of independent shares, k2 in n2 minus k1 in n1; method 10 of
+// R. G. Newcombe, "Interval estimation for the difference between independent proportions:
+// comparison of eleven methods", Statistics in Medicine 17 (1998), 873-890.
+Interval NewcombeInterval(size_t k1, size_t n1, size_t k2, size_t n2);
+
+// What one burst adds to a row of a comparison. The records of a burst depend on each other, so
+// bursts are what is compared.
+struct BurstSum {
+  size_t n = 0;    // records with a value
+  double sum = 0;  // of their values
+};
+using Bursts = std::vector<BurstSum>;
+BurstSum Total(std::span<const BurstSum> bursts);
+
+// The interval at 95 % of the mean value behind burst `split` minus that before it, with the
+// variance of a ratio of sums over clusters; W. G. Cochran, "Sampling Techniques", third edition
+// (1977), section 6.3. NaN with fewer than two bursts on a side.
+Interval MeanInterval(const Bursts& bursts, size_t split);
+
+// How far the means of bursts before and behind `split` lie apart, in units of their standard error
+// but for a factor that is the same for all orders of the bursts.
+double Distance(std::span<const BurstSum> bursts, size_t split);
+
+// The largest distance over the splits with 20 records or more on each side, and that split; 0
+// without such a split.
+struct Peak {
+  double distance = 0;
+  size_t split = 0;
+};
+Peak LargestDistance(std::span<const BurstSum> bursts);
+
+// The splits, from first to last, that the data hardly tell from `peak`: those whose likelihood
+// ratio lies below the quantile 0.99 of chi squared, with the variance between bursts; after
+// K. J. Worsley, "Confidence regions and tests for a change-point in a sequence of exponential
+// family random variables", Biometrika 73 (1986), 91-104.
+struct SplitRange {
+  size_t first = 0;
+  size_t last = 0;
+};
+SplitRange RangeOf(const Peak& peak, std::span<const BurstSum> bursts);
+
+// Of each row, how likely orders of the same bursts give a statistic as large as the actual order:
+// (c + 1) / (n + 1) of n = 1,999 random orders, the same in each run; B. Phipson and G. K. Smyth,
+// "Permutation p-values should never be zero", Statistical Applications in Genetics and Molecular
+// Biology 9 (2010), article 39. All rows have the same bursts.
+std::vector<double> PermutationTest(const std::vector<Bursts>& rows,
+                                    const std::function<double(std::span<const BurstSum>)>& of);
+
+// The least p that such a test of `bursts` bursts can give, split behind the first `split`.
+double LeastP(size_t bursts, size_t split);
+
+// Corrects for the number of tests; S. Holm, "A simple sequentially rejective multiple test
+// procedure", Scandinavian Journal of Statistics 6 (1979), 65-70.
+std::vector<double> Holm(const std::vector<double>& p);
 
 }  // namespace fp_inspect

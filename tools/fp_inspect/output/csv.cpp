@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// One table of records with the columns of all kinds; only `list` has a table.
+// One table: of `list` the records with the columns of all kinds, of `compare` its rows.
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -58,6 +58,16 @@ class CsvOutput : public Output {
     }
     fmt::print(",{},{},{}\n", record.salvaged ? 1 : 0, Quoted(device.sources[record.source]),
                record.offset);
+  }
+
+  void PutComparison(const Comparison& comparison, const Zone& /*zone*/) override {
+    fmt::print("id,title,a_n,a_sum,b_n,b_sum,low,high,p\n");
+    for (const CompareRow& row : comparison.rows) {
+      const bool has_interval = row.HasInterval();
+      fmt::print("{},{},{},{},{},{},{},{},{}\n", Quoted(row.id), Quoted(row.title), row.a.n,
+                 row.a.sum, row.b.n, row.b.sum, has_interval ? Cell(row.difference.low) : "",
+                 has_interval ? Cell(row.difference.high) : "", row.p ? Cell(*row.p) : "");
+    }
   }
 };
 

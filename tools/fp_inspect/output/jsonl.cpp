@@ -192,6 +192,27 @@ json FitJson(const SensorFit& fit) {
   return object;
 }
 
+json SideJson(const CompareRow& row, const BurstSum& side) {
+  json object = {{"n", side.n}};
+  if (row.is_share) {
+    object["k"] = static_cast<size_t>(side.sum);
+  }
+  object[row.is_share ? "share" : "mean"] =
+      side.n > 0 ? json(side.sum / static_cast<double>(side.n)) : json(nullptr);
+  return object;
+}
+
+json CompareRowJson(const CompareRow& row) {
+  const bool has_interval = row.HasInterval();
+  return {{"id", row.id},
+          {"title", row.title},
+          {"a", SideJson(row, row.a)},
+          {"b", SideJson(row, row.b)},
+          {"low", has_interval ? json(row.difference.low) : json(nullptr)},
+          {"high", has_interval ? json(row.difference.high) : json(nullptr)},
+          {"p", row.p ? json(*row.p) : json(nullptr)}};
+}
+
 class JsonlOutput : public Output {
  public:
   void PutSummary(const Device& device, const Summary& summary, const Zone& zone) override {
@@ -272,6 +293,25 @@ class JsonlOutput : public Output {
                  const Zone& zone) override {
     json object = SummaryJson("device", device, summary, zone);
     object["device"] = name;
+    Put(object);
+  }
+
+  void PutComparison(const Comparison& comparison, const Zone& zone) override {
+    json object = Object("comparison");
+    object["differs"] = comparison.differs;
+    object["verdict"] = comparison.verdict;
+    object["attempts"] = comparison.attempts;
+    object["bursts"] = comparison.bursts;
+    object["tested"] = comparison.tested;
+    if (const auto& change = comparison.change) {
+      AddTime(&object, "change", change->at, zone);
+      AddTime(&object, "earliest", change->earliest, zone);
+      AddTime(&object, "latest", change->latest, zone);
+    }
+    object["rows"] = json::array();
+    for (const CompareRow& row : comparison.rows) {
+      object["rows"].push_back(CompareRowJson(row));
+    }
     Put(object);
   }
 

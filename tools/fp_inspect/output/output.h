@@ -7,6 +7,7 @@
 #include <string>
 #include <utility>
 
+#include "model/compare.h"
 #include "model/fields.h"
 #include "model/fleet.h"
 #include "model/replay.h"
@@ -42,6 +43,7 @@ class Output {
   virtual void PutVerified(const Contents& /*contents*/) {}
   virtual void PutDevice(const std::string& /*name*/, const Device& /*device*/,
                          const Summary& /*summary*/, const Zone& /*zone*/) {}
+  virtual void PutComparison(const Comparison& /*comparison*/, const Zone& /*zone*/) {}
   virtual void PutFleet(const Fleet& /*fleet*/, size_t /*top*/) {}
 
   // An input that could not be read, and what else its reader should know: on the standard error,

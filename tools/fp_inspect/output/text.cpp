@@ -33,6 +33,16 @@ std::string ShareText(const Share& share) {
   return fmt::format("{} of {} = {}", share.k, share.n, Percent(share.Value()));
 }
 
+// Of few records only their number.
+std::string SideText(const CompareRow& row, const BurstSum& side) {
+  if (row.is_share) {
+    return ShareText({.k = static_cast<size_t>(side.sum), .n = side.n});
+  }
+  return side.n < 20
+             ? fmt::format("of {}", side.n)
+             : fmt::format("mean {:.0f} of {}", side.sum / static_cast<double>(side.n), side.n);
+}
+
 // A row of a table without the blanks of its empty last columns.
 void PutRow(const std::string& row) {
   fmt::print("{}\n", row.substr(0, row.find_last_not_of(' ') + 1));
@@ -107,6 +117,33 @@ class TextOutput : public Output {
       fmt::print("  {} records read behind it; --salvage of the other commands takes them\n",
                  salvaged);
     }
+  }
+
+  void PutComparison(const Comparison& comparison, const Zone& zone) override {
+    fmt::print("{}\n", Bold(Printable(comparison.verdict)));
+    if (const auto& change = comparison.change; change && change->earliest < change->latest) {
+      fmt::print("the change began between {} and {}\n", zone.Text(change->earliest, kMinute),
+                 zone.Text(change->latest, kMinute));
+    }
+    if (comparison.rows.empty()) {
+      return;
+    }
+    PutRow(fmt::format("{:<46}{:<20}{:<20}{:>12}{:>10}", "", comparison.change ? "before" : "A",
+                       comparison.change ? "since" : "B", "95 %", "p"));
+    for (const CompareRow& row : comparison.rows) {
+      const double scale = row.is_share ? 100 : 1;
+      PutRow(fmt::format("{} {:<44}{:<20}{:<20}{:>12}{:>10}", row.IsShown() ? Mark("!") : " ",
+                         Printable(row.title), SideText(row, row.a), SideText(row, row.b),
+                         row.HasInterval()
+                             ? fmt::format("{:+.0f}..{:+.0f}", scale * row.difference.low,
+                                           scale * row.difference.high)
+                             : "",
+                         row.p ? fmt::format("{:.2g}", *row.p) : ""));
+    }
+    fmt::print(
+        "covered: coverage of 60 % or more; 95 %: of shares with attempts taken as independent; p: "
+        "by burst, corrected for {} rows\n",
+        comparison.tested);
   }
 
   void PutFleet(const Fleet& fleet, size_t top) override {

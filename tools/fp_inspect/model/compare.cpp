@@ -1,0 +1,286 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "model/compare.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cmath>
+#include <map>
+
+#include "model/timeline.h"
+
+namespace fp_inspect {
+namespace {
+
+constexpr double kLeastFailures = 5;  // on both sides together, for a share to be tested
+
+struct Sample {
+  const AuthEventG7& attempt;
+  bool g7;
+  std::string cause;  // of a failure
+  const Thresholds& thresholds;
+
+  bool HasImage() const { return attempt.acquired_info == AuthEventG7::kAcquiredGood; }
+  bool IsCovered() const { return HasImage() && g7 && attempt.t_cov >= thresholds.coverage; }
+  bool IsUncovered() const { return HasImage() && g7 && attempt.t_cov < thresholds.coverage; }
+};
+
+using Value = std::optional<double>;
+
+Value If(bool counts, double value) {
+  return counts && std::isfinite(value) ? Value(value) : std::nullopt;
+}
+
+// A row takes a value from each attempt that it is about. A new row is a new entry. Light shows in
+// quality and raw mean, but so does a finger that covers little of the sensor: what is said of
+// light is said of covered images, and stands behind what is said of coverage.
+struct Measure {
+  const char* id;
+  const char* title;
+  bool is_share;
+  Value (*of)(const Sample&);
+};
+
+constexpr Measure kMeasures[] = {
+    {"no_image", "no image", true, [](const Sample& s) { return Value(s.HasImage() ? 0 : 1); }},
+    {"rejected", "rejected", true,
+     [](const Sample& s) { return If(s.HasImage(), IsRejected(s.attempt)); }},
+    {"t_cov", "coverage", false,
+     [](const Sample& s) { return If(s.HasImage() && s.g7, s.attempt.t_cov); }},
+    {"rejected.covered", "rejected where covered", true,
+     [](const Sample& s) { return If(s.IsCovered(), IsRejected(s.attempt)); }},
+    {"rejected.uncovered", "rejected where not covered", true,
+     [](const Sample& s) { return If(s.IsUncovered(), IsRejected(s.attempt)); }},
+    {"iq", "quality where covered", false,
+     [](const Sample& s) { return If(s.IsCovered(), s.attempt.iq); }},
+    {"rawmean_delta", "raw mean where covered", false,
+     [](const Sample& s) { return If(s.IsCovered(), s.attempt.rawmean_delta); }},
+    {"latency", "latency", false,
+     [](const Sample& s) { return If(s.HasImage(), s.attempt.latency); }},
+};
+
+Value CauseIn(const Sample& sample, const Cause& cause) {
+  const bool counts = cause.id.starts_with("no_image.") ||
+                      (cause.is_light ? sample.IsCovered() : sample.HasImage());
+  return If(counts, sample.cause == cause.id);
+}
+
+// All rows over the bursts of both groups, those of the first group first.
+class Table {
+ public:
+  explicit Table(const Thresholds& thresholds) : thresholds_(thresholds) {}
+
+  void Add(const std::vector<Record>& attempts) {
+    const std::vector<size_t> starts = BurstStarts(attempts);
+    for (size_t i = 0, burst = 0; i < attempts.size(); ++i) {
+      if (burst < starts.size() && starts[burst] == i) {
+        ++burst;
+        times_.push_back(attempts[i].time);
+        samples_.emplace_back();
+      }
+      const AuthEventG7& attempt = *attempts[i].Attempt();
+      const Cause cause = IsFailed(attempt) ? CauseOf(attempts[i], thresholds_) : Cause();
+      if (!cause.id.empty()) {
+        causes_[cause.id] = cause;
+      }
+      samples_.back().push_back({attempt, attempts[i].g7, cause.id, thresholds_});
+    }
+  }
+
+  void Finish() {
+    for (const Measure& measure : kMeasures) {
+      AddRow({.id = measure.id, .title = measure.title, .is_share = measure.is_share}, measure.of);
+    }
+    for (const auto& [id, cause] : causes_) {
+      AddRow({.id = "cause." + id, .title = cause.title, .is_share = true},
+             [&cause = cause](const Sample& sample) { return CauseIn(sample, cause); });
+    }
+  }
+
+  // Puts what stands before and behind `split` side by side.
+  void SplitAt(size_t split, Comparison* comparison) const {
+    comparison->rows.resize(rows_.size());
+    for (size_t i = 0; i < rows_.size(); ++i) {
+      const std::optional<double> p = comparison->rows[i].p;
+      comparison->rows[i] = Split(rows_[i], bursts_[i], split);
+      comparison->rows[i].p = p;
+    }
+    for (size_t burst = 0; burst < samples_.size(); ++burst) {
+      const size_t side = burst < split ? 0 : 1;
+      comparison->attempts[side] += samples_[burst].size();
+      ++comparison->bursts[side];
+    }
+  }
+
+  // Tests the rows that could show something, by their records on both sides together.
+  template <typename Statistic>
+  void Test(bool of_any_split, const Statistic& statistic, Comparison* comparison) const {
+    std::vector<Bursts> tested;
+    std::vector<CompareRow*> into;
+    for (size_t i = 0; i < rows_.size(); ++i) {
+      CompareRow& row = comparison->rows[i];
+      const BurstSum all = Total(bursts_[i]);
+      const double least = std::min(all.sum, static_cast<double>(all.n) - all.sum);
+      if ((of_any_split ? all.n >= 40 : row.IsLarge()) &&
+          (!row.is_share || least >= kLeastFailures)) {
+        tested.push_back(bursts_[i]);
+        into.push_back(&row);
+      }
+    }
+    const std::vector<double> p = Holm(PermutationTest(tested, statistic));
+    comparison->tested = p.size();
+    for (size_t i = 0; i < p.size(); ++i) {
+      into[i]->p = p[i];
+      comparison->differs |= into[i]->IsShown();
+    }
+  }
+
+  const std::vector<CompareRow>& Rows() const { return rows_; }
+  const Bursts& Of(size_t row) const { return bursts_[row]; }
+  int64_t TimeOf(size_t burst) const { return times_[burst]; }
+  size_t Count() const { return samples_.size(); }
+
+ private:
+  template <typename Of>
+  void AddRow(CompareRow row, const Of& of) {
+    Bursts bursts;
+    for (const auto& burst : samples_) {
+      bursts.emplace_back();
+      for (const Sample& sample : burst) {
+        if (const Value value = of(sample)) {
+          ++bursts.back().n;
+          bursts.back().sum += *value;
+        }
+      }
+    }
+    rows_.push_back(std::move(row));
+    bursts_.push_back(std::move(bursts));
+  }
+
+  static CompareRow Split(CompareRow row, const Bursts& bursts, size_t split) {
+    row.a = Total(std::span(bursts).first(split));
+    row.b = Total(std::span(bursts).subspan(split));
+    if (row.IsLarge()) {
+      row.difference = row.is_share ? NewcombeInterval(static_cast<size_t>(row.a.sum), row.a.n,
+                                                       static_cast<size_t>(row.b.sum), row.b.n)
+                                    : MeanInterval(bursts, split);
+    }
+    return row;
+  }
+
+  const Thresholds& thresholds_;
+  std::map<std::string, Cause> causes_;       // by id
+  std::vector<std::vector<Sample>> samples_;  // by burst
+  std::vector<int64_t> times_;
+  std::vector<CompareRow> rows_;
+  std::vector<Bursts> bursts_;
+};
+
+std::string Side(const CompareRow& row, const BurstSum& side) {
+  const double mean = side.sum / static_cast<double>(side.n);
+  return row.is_share ? fmt::format("{:.0f} %", 100 * mean) : fmt::format("{:.0f}", mean);
+}
+
+std::string Evidence(const Comparison& comparison, const CompareRow& row) {
+  const double scale = row.is_share ? 100 : 1;
+  return fmt::format("{}p = {:.2g} corrected for {} rows, {} and {} bursts",
+                     row.HasInterval()
+                         ? fmt::format("difference {:+.0f} to {:+.0f}, ",
+                                       scale * row.difference.low, scale * row.difference.high)
+                         : "",
+                     *row.p, comparison.tested, comparison.bursts[0], comparison.bursts[1]);
+}
+
+const CompareRow& Find(const Comparison& comparison, const std::string& id) {
+  return *std::find_if(comparison.rows.begin(), comparison.rows.end(),
+                       [&](const CompareRow& row) { return row.id == id; });
+}
+
+// Names the evidence of one row, and the others that show a difference.
+std::string Shown(const Comparison& comparison, const CompareRow& row, const std::string& a,
+                  const std::string& b) {
+  std::string text =
+      fmt::format("There is {} evidence that {} and {} differ: {} {} against {} ({})",
+                  *row.p <= 0.01 ? "strong" : "moderate", a, b, row.title, Side(row, row.a),
+                  Side(row, row.b), Evidence(comparison, row));
+  const char* separator = "; also ";
+  for (const CompareRow& other : comparison.rows) {
+    if (other.IsShown() && &other != &row) {
+      text += separator + other.title;
+      separator = " and ";
+    }
+  }
+  const CompareRow& covered = Find(comparison, "rejected.covered");
+  const bool is_coverage = Find(comparison, "t_cov").IsShown() && covered.p && !covered.IsShown();
+  return text + (is_coverage ? "; no difference shown in rejects of covered images." : ".");
+}
+
+std::string NotShown(const Comparison& comparison) {
+  if (comparison.tested == 0) {
+    return "No difference shown: no row has 20 records on each side and varies.";
+  }
+  const size_t bursts = comparison.bursts[0] + comparison.bursts[1];
+  const double least =
+      LeastP(bursts, comparison.bursts[0]) * static_cast<double>(comparison.tested);
+  if (least > 0.05) {
+    return fmt::format("No difference shown: {} and {} bursts are too few to show one in {} rows.",
+                       comparison.bursts[0], comparison.bursts[1], comparison.tested);
+  }
+  double p = 1;
+  for (const CompareRow& row : comparison.rows) {
+    p = std::min(p, row.p.value_or(1));
+  }
+  return fmt::format("No difference shown: the least p of {} rows in {} and {} bursts is {:.2g}.",
+                     comparison.tested, comparison.bursts[0], comparison.bursts[1], p);
+}
+
+}  // namespace
+
+Comparison Compare(const std::vector<Record>& a, const std::vector<Record>& b,
+                   const Thresholds& thresholds) {
+  Table table(thresholds);
+  table.Add(a);
+  const size_t split = table.Count();
+  table.Add(b);
+  table.Finish();
+  Comparison comparison;
+  table.SplitAt(split, &comparison);
+  table.Test(
+      false, [&](std::span<const BurstSum> row) { return Distance(row, split); }, &comparison);
+  const auto first = std::find_if(comparison.rows.begin(), comparison.rows.end(),
+                                  [](const CompareRow& row) { return row.IsShown(); });
+  comparison.verdict =
+      comparison.differs ? Shown(comparison, *first, "A", "B") : NotShown(comparison);
+  return comparison;
+}
+
+Comparison CompareSinceWhen(const std::vector<Record>& attempts, const Thresholds& thresholds,
+                            const Zone& zone) {
+  Table table(thresholds);
+  table.Add(attempts);
+  table.Finish();
+  const auto largest = [](std::span<const BurstSum> row) { return LargestDistance(row).distance; };
+  Comparison comparison = {.rows = table.Rows()};
+  table.Test(true, largest, &comparison);
+  if (!comparison.differs) {
+    comparison.rows.clear();
+    comparison.verdict = fmt::format("No difference shown: no change in {} attempts of {} bursts.",
+                                     attempts.size(), table.Count());
+    return comparison;
+  }
+  // The row with the least p says when; of several the first.
+  const auto best = std::min_element(
+      comparison.rows.begin(), comparison.rows.end(),
+      [](const CompareRow& x, const CompareRow& y) { return x.p.value_or(2) < y.p.value_or(2); });
+  const Bursts& bursts = table.Of(static_cast<size_t>(best - comparison.rows.begin()));
+  const Peak peak = LargestDistance(bursts);
+  const SplitRange range = RangeOf(peak, bursts);
+  table.SplitAt(peak.split, &comparison);
+  comparison.change = {table.TimeOf(peak.split), table.TimeOf(range.first),
+                       table.TimeOf(range.last)};
+  const std::string since = zone.Text(comparison.change->at, "%Y-%m-%d %H:%M");
+  comparison.verdict = Shown(comparison, *best, "the attempts before " + since, "those since");
+  return comparison;
+}
+
+}  // namespace fp_inspect
