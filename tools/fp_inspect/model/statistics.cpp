@@ -141,6 +141,7 @@ std::vector<double> PermutationTest(const std::vector<Bursts>& rows,
                                     const std::function<double(std::span<const BurstSum>)>& of) {
   std::vector<Bursts> shuffled = rows;
   std::vector<double> actual;
+  actual.reserve(rows.size());
   for (const Bursts& row : rows) {
     actual.push_back(of(row) * (1 - 1e-9));  // sums in another order differ in the last digits
   }
@@ -159,6 +160,7 @@ std::vector<double> PermutationTest(const std::vector<Bursts>& rows,
     }
   }
   std::vector<double> p;
+  p.reserve(rows.size());
   for (const size_t count : as_large) {
     p.push_back(static_cast<double>(count) / (kPermutations + 1));
   }
