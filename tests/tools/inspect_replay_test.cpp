@@ -201,8 +201,7 @@ TEST(InspectReplay, FirstOtherStep) {
       {"expo_change_unit_denominator=0", 4, true, false},
   };
   for (const auto& test : kCases) {
-    std::string why;
-    AddVariant({*ParseSetting(test.setting, &why)}, &replay);
+    AddVariant({ParseSetting(test.setting)}, &replay);
     const auto& departures = replay.variants.back().departures;
     ASSERT_EQ(test.at == kNone ? 0u : 1u, departures.size()) << test.setting;
     if (test.at != kNone) {

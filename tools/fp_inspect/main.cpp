@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <map>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -167,43 +168,32 @@ void AddReplay(CLI::App* app, Options* options, ReplayTexts* texts) {
                     "fit the sensor and model what is behind the first other step");
 }
 
-void ParseReplay(const ReplayTexts& texts, Options* options) {
+void ParseReplay(const ReplayTexts& texts, Options* options) try {
   if (!texts.calibration.empty()) {
     options->calibration = Calibration::Parse(texts.calibration);
-    if (!options->calibration) {
-      throw CLI::ValidationError("--calibration", "is no MS:BASE, as 60:300");
-    }
   }
-  std::string why;
   Settings settings;
   for (const std::string& text : texts.settings) {
-    const auto setting = ParseSetting(text, &why);
-    if (!setting) {
-      throw CLI::ValidationError("--set", why);
-    }
-    settings.insert_or_assign(setting->first, setting->second);
+    settings.insert_or_assign(ParseSetting(text).first, ParseSetting(text).second);
   }
-  if (!texts.sweep.empty()) {
-    const auto values = ParseSweep(texts.sweep, &why);
-    if (values.empty()) {
-      throw CLI::ValidationError("--sweep", why);
-    }
-    for (const auto& [name, value] : values) {
-      options->variants.push_back(settings);
-      options->variants.back().insert_or_assign(name, value);
-    }
-  } else if (!settings.empty()) {
+  const auto sweep = texts.sweep.empty() ? std::vector<Setting>() : ParseSweep(texts.sweep);
+  for (const auto& [name, value] : sweep) {
+    options->variants.push_back(settings);
+    options->variants.back().insert_or_assign(name, value);
+  }
+  if (sweep.empty() && !settings.empty()) {
     options->variants.push_back(settings);
   }
-  const bool sets_bound =
-      !options->variants.empty() && (options->variants.front().contains("upper_bound_us") ||
-                                     options->variants.front().contains("lower_bound_us"));
+  const Settings any = options->variants.empty() ? Settings() : options->variants.front();
+  const bool sets_bound = any.contains("upper_bound_us") || any.contains("lower_bound_us");
   if (!options->calibration && (options->model || sets_bound)) {
-    throw CLI::RequiredError("--calibration, for --model and for bounds");
+    throw std::invalid_argument("--model and bounds need --calibration");
   }
-  if (options->model && options->variants.empty()) {
-    throw CLI::RequiredError("--set or --sweep, for --model");
+  if (options->model && any.empty()) {
+    throw std::invalid_argument("--model needs --set or --sweep");
   }
+} catch (const std::invalid_argument& error) {
+  throw CLI::ValidationError("replay", error.what());
 }
 
 void AddCompare(CLI::App* app, Options* options) {

@@ -5,8 +5,10 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <stdexcept>
 
 #include <android-base/file.h>
 #include <android-base/properties.h>
@@ -39,15 +41,6 @@ constexpr Name kNames[] = {
     {"lower_bound_us", "kExpoLowerBoundUs"},
 };
 
-bool IsRead(const std::string& name) {
-  for (const Name& known : kNames) {
-    if (name == known.property) {
-      return true;
-    }
-  }
-  return false;
-}
-
 // Asks the platform, as the library does: a text that is not taken gives either default.
 std::optional<uint32_t> Taken(const std::string& text) {
   constexpr char kScratch[] = "fp_inspect.value";
@@ -68,61 +61,54 @@ Settings SettingsOf(const Exposure& exposure) {
   return settings;
 }
 
-std::optional<std::pair<std::string, uint32_t>> ParseSetting(const std::string& text,
-                                                             std::string* why) {
+Setting ParseSetting(const std::string& text) {
   const size_t equals = std::min(text.find('='), text.size());
   const std::string name = text.substr(0, equals);
-  if (!IsRead(name)) {
-    *why = fmt::format("the controller reads no \"{}\", but", name);
-    for (const Name& known : kNames) {
-      *why += fmt::format(" {}", known.property);
+  std::string names;
+  for (const Name& known : kNames) {
+    if (name == known.property) {
+      const std::string value = text.substr(std::min(equals + 1, text.size()));
+      if (const auto taken = Taken(value)) {
+        return {name, *taken};
+      }
+      throw std::invalid_argument(fmt::format("{} does not take \"{}\"", name, value));
     }
-    return std::nullopt;
+    names += fmt::format(" {}", known.property);
   }
-  const std::string value = equals < text.size() ? text.substr(equals + 1) : "";
-  const auto taken = Taken(value);
-  if (!taken) {
-    *why = fmt::format("{} does not take \"{}\"", name, value);
-    return std::nullopt;
-  }
-  return std::pair(name, *taken);
+  throw std::invalid_argument(fmt::format("the controller reads no \"{}\", but{}", name, names));
 }
 
-std::vector<std::pair<std::string, uint32_t>> ParseSweep(const std::string& text,
-                                                         std::string* why) {
+std::vector<Setting> ParseSweep(const std::string& text) {
   const size_t first = std::min(text.find(':'), text.size());
-  const auto from = ParseSetting(text.substr(0, first), why);
-  if (!from) {
-    return {};
+  const size_t second = std::min(text.find(':', first + 1), text.size());
+  const Setting from = ParseSetting(text.substr(0, first));
+  const auto behind = [&](size_t at, size_t end) {
+    return Taken(text.substr(std::min(at + 1, text.size()), end - at - 1)).value_or(0);
+  };
+  const uint32_t to = behind(first, second);
+  const uint32_t by = behind(second, text.size());
+  if (by == 0 || to < from.second || (to - from.second) / by >= kMaxSweep) {
+    throw std::invalid_argument(
+        fmt::format("\"{}\" is no NAME=FROM:TO:BY of up to {} values", text, kMaxSweep));
   }
-  const size_t second = text.find(':', first + 1);
-  const bool has_three = first < text.size() && second != text.npos;
-  const auto to = has_three ? Taken(text.substr(first + 1, second - first - 1)) : std::nullopt;
-  const auto by = has_three ? Taken(text.substr(second + 1)) : std::nullopt;
-  if (!to || !by || *by == 0 || *to < from->second || (*to - from->second) / *by >= kMaxSweep) {
-    *why = fmt::format("\"{}\" is no NAME=FROM:TO:BY of up to {} values", text, kMaxSweep);
-    return {};
-  }
-  std::vector<std::pair<std::string, uint32_t>> values;
-  for (uint64_t value = from->second; value <= *to; value += *by) {
-    values.emplace_back(from->first, static_cast<uint32_t>(value));
+  std::vector<Setting> values;
+  for (uint64_t value = from.second; value <= to; value += by) {
+    values.emplace_back(from.first, static_cast<uint32_t>(value));
   }
   return values;
 }
 
-std::optional<Calibration> Calibration::Parse(const std::string& text) {
+Calibration Calibration::Parse(const std::string& text) {
   Calibration calibration;
   const char* const end = text.data() + text.size();
   const auto expo = std::from_chars(text.data(), end, calibration.expo);
-  if (expo.ec != std::errc() || expo.ptr == end || *expo.ptr != ':') {
-    return std::nullopt;
+  const char* const colon = std::find(expo.ptr, end, ':');
+  const auto base = std::from_chars(colon == end ? end : colon + 1, end, calibration.base);
+  if (colon != expo.ptr || base.ptr != end || !std::isnormal(calibration.expo) ||
+      !std::isnormal(calibration.base) || calibration.expo < 0 || calibration.base < 0) {
+    throw std::invalid_argument(fmt::format("\"{}\" is no MS:BASE, as 60:300", text));
   }
-  const auto base = std::from_chars(expo.ptr + 1, end, calibration.base);
-  const bool is_whole = base.ec == std::errc() && base.ptr == end;
-  return is_whole && std::isnormal(calibration.expo) && calibration.expo > 0 &&
-                 std::isnormal(calibration.base) && calibration.base > 0
-             ? std::optional(calibration)
-             : std::nullopt;
+  return calibration;
 }
 
 ExposureController::ExposureController(const Settings& settings,

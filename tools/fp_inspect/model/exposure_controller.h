@@ -21,15 +21,16 @@ using Settings = std::map<std::string, uint32_t>;
 // Of a dump, which has other names for them.
 Settings SettingsOf(const Exposure& exposure);
 
-// "frr_threshold=10", and "frr_threshold=10:40:5" for 10, 15 and so on up to 40. Without a result
-// if no class reads the name or would not take the value; `why` then says so.
-std::optional<std::pair<std::string, uint32_t>> ParseSetting(const std::string& text,
-                                                             std::string* why);
-std::vector<std::pair<std::string, uint32_t>> ParseSweep(const std::string& text, std::string* why);
+using Setting = std::pair<std::string, uint32_t>;
+
+// "frr_threshold=10", and "frr_threshold=10:40:5" for 10, 15 and so on up to 40. Throw
+// std::invalid_argument if no class reads the name or would not take the value.
+Setting ParseSetting(const std::string& text);
+std::vector<Setting> ParseSweep(const std::string& text);
 
 struct Calibration {
-  // "60:300": milliseconds and the base.
-  static std::optional<Calibration> Parse(const std::string& text);
+  // "60:300": milliseconds and the base. Throws std::invalid_argument.
+  static Calibration Parse(const std::string& text);
 
   float expo = 0;
   float base = 0;

@@ -30,6 +30,29 @@ std::optional<size_t> FirstOf(const Timeline& timeline, int64_t begin) {
   return first;
 }
 
+bool IsBehindGap(const Timeline& timeline, size_t at) {
+  return std::any_of(timeline.gaps.begin(), timeline.gaps.end(), [&](const Gap& gap) {
+    return gap.to == timeline.records[at].time && gap.from == timeline.records[at - 1].time;
+  });
+}
+
+void TakeAttempts(const Timeline& timeline, size_t first, size_t end, Run* run) {
+  for (size_t i = first; i < end; ++i) {
+    const Record& record = timeline.records[i];
+    if (i > first && IsBehindGap(timeline, i)) {
+      run->unknown = "attempts are missing behind the last one here";
+      return;
+    }
+    if (!record.g7) {
+      run->unknown = "the next attempt lacks the fields that the controller reads";
+      return;
+    }
+    run->attempts.push_back(*record.Attempt());
+    run->times.push_back(record.time);
+    run->images += record.Attempt()->acquired_info == AuthEventG7::kAcquiredGood ? 1 : 0;
+  }
+}
+
 Run MakeRun(const Timeline& timeline, const std::vector<const ControllerDump*>& dumps) {
   Run run = {.begin = dumps.front()->begin, .settings = SettingsOf(dumps.front()->exposure)};
   const auto first = FirstOf(timeline, run.begin);
@@ -47,26 +70,9 @@ Run MakeRun(const Timeline& timeline, const std::vector<const ControllerDump*>& 
       end = std::min(std::max(end, behind), timeline.records.size());
     }
   }
-  for (size_t i = *first; i < end; ++i) {
-    const Record& record = timeline.records[i];
-    const bool is_behind_gap =
-        std::any_of(timeline.gaps.begin(), timeline.gaps.end(), [&](const Gap& gap) {
-          return i > *first && gap.to == record.time && gap.from == timeline.records[i - 1].time;
-        });
-    if (is_behind_gap || !record.g7) {
-      run.unknown = is_behind_gap ? "attempts are missing behind the last one here"
-                                  : "the next attempt lacks the fields that the controller reads";
-      break;
-    }
-    run.attempts.push_back(*record.Attempt());
-    run.times.push_back(record.time);
-  }
+  TakeAttempts(timeline, *first, end, &run);
   std::erase_if(run.checks,
                 [&](const ReplayCheck& check) { return check.attempts > run.attempts.size(); });
-  run.images = static_cast<size_t>(
-      std::count_if(run.attempts.begin(), run.attempts.end(), [](const AuthEventG7& attempt) {
-        return attempt.acquired_info == AuthEventG7::kAcquiredGood;
-      }));
   return run;
 }
 
