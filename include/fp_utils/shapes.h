@@ -6,8 +6,8 @@
 
 #include "fp_utils/export.h"
 
-// A point, three closed convex shapes, and an estimate of how much of one shape another covers: how
-// much of the sensor a finger touches. All are plain values.
+// A point, three closed convex shapes, and an estimate of how much of one shape another covers, for
+// example of the sensor by a finger. All are plain values.
 //
 // Threading:  no shared state; const operations may run on several threads at once.
 // Blocking:   none.
@@ -86,7 +86,7 @@ class FP_UTILS_EXPORT Ellipse : public IShape {
   float orientation = 0;  // of the major axis: 0 points up, pi/2 to the right
 };
 
-// An axis-aligned rectangle. The caller keeps `top_left` at or below `bottom_right` on both axes.
+// An axis-aligned rectangle. `top_left` must not exceed `bottom_right` on either axis.
 class FP_UTILS_EXPORT Rect : public IShape {
  public:
   Rect() = default;

@@ -70,7 +70,7 @@ struct WideCircle : Circle {
   bool Contains(const Point& p) const override { return p.x < 5; }
 };
 
-TEST_F(SERVICE_CLASSES, OfShapesAreAskedAtEverySample) {
+TEST_F(SERVICE_CLASSES, OfShapesAreTestedAtEverySample) {
   const Rect ten({0, 0}, {9, 9});
   EXPECT_EQ(50.0F, ten.CoverageCoveredBy(LeftHalf()));
   EXPECT_EQ(50.0F, ten.CoverageCoveredBy(WideCircle()));
@@ -82,22 +82,22 @@ TEST_F(SERVICE_CLASSES, OfShapesAreAskedAtEverySample) {
 }
 
 template <typename Known, typename Base>
-void ExpectToldFromDerived() {
+void ExpectDistinguishedFromDerived() {
   struct Derived : Known {};
   const Known known;
   EXPECT_EQ(&known, (ExactCast<Known, Base>(known)));
   EXPECT_EQ(nullptr, (ExactCast<Known, Base>(Derived())));
 }
 
-TEST_F(SERVICE_CLASSES, AreToldFromTheLibrarys) {
-  ExpectToldFromDerived<AuthEvent, AuthEvent>();
-  ExpectToldFromDerived<AuthEventG7, AuthEvent>();
-  ExpectToldFromDerived<EnrollEvent, EnrollEvent>();
-  ExpectToldFromDerived<EnrollEventG7, EnrollEvent>();
-  ExpectToldFromDerived<FingerSize, FingerSize>();
-  ExpectToldFromDerived<Circle, IShape>();
-  ExpectToldFromDerived<Ellipse, IShape>();
-  ExpectToldFromDerived<Rect, IShape>();
+TEST_F(SERVICE_CLASSES, AreDistinguishedFromTheLibrarys) {
+  ExpectDistinguishedFromDerived<AuthEvent, AuthEvent>();
+  ExpectDistinguishedFromDerived<AuthEventG7, AuthEvent>();
+  ExpectDistinguishedFromDerived<EnrollEvent, EnrollEvent>();
+  ExpectDistinguishedFromDerived<EnrollEventG7, EnrollEvent>();
+  ExpectDistinguishedFromDerived<FingerSize, FingerSize>();
+  ExpectDistinguishedFromDerived<Circle, IShape>();
+  ExpectDistinguishedFromDerived<Ellipse, IShape>();
+  ExpectDistinguishedFromDerived<Rect, IShape>();
   EXPECT_EQ(nullptr, (ExactCast<AuthEvent, AuthEvent>(AuthEventG7())));
 }
 

@@ -111,7 +111,7 @@ TEST_F(FingerSizesTest, OddPercentilesAndSizesDoNoHarm) {
   for (const float percentile : {-1.0F, -1e30F, 101.0F, 1e30F, kInfinity, -kInfinity, kNan}) {
     sizes.GetPercentileValue(FingerSize::kMajor, percentile);
   }
-  EXPECT_EQ(2.0F, sizes.GetPercentileValue(FingerSize::kMajor, 50)) << "NaN stand at the ends";
+  EXPECT_EQ(2.0F, sizes.GetPercentileValue(FingerSize::kMajor, 50)) << "NaNs sort to the ends";
 }
 
 TEST_F(FingerSizesTest, PercentilesAreThoseOfTheSortedSizesToTheBit) {
