@@ -25,7 +25,7 @@ namespace {
 
 fp_test::Recorder<int> pauses;     // the finite timeouts of poll(), in ms
 std::atomic<short> device_events;  // if not 0, what poll() reports for the device
-std::atomic<int> sleeps;           // calls of threads that wait for the handler's lock
+std::atomic<int> sleeps;           // made by threads that wait for the handler's lock
 std::function<void(unsigned long)> before_request;  // changed only between requests
 
 template <typename Function>
@@ -132,7 +132,7 @@ TEST_F(FpsTouchHandlerTest, FailedConfigureCanBeRepeated) {
   const long open_before = CountDescriptors();
   fail("pipe", 1, EMFILE);
   expect_pipe_failure("create stop pipe: Too many open files", {opening});
-  EXPECT_EQ(open_before + 1, CountDescriptors()) << "the device's; nothing was closed";
+  EXPECT_EQ(open_before + 1, CountDescriptors()) << "the touch device stays open";
   fail("fcntl", 1, EPERM);
   expect_pipe_failure("make stop read pipe non-blocking: Operation not permitted");
   fail("fcntl", 2, EPERM);
@@ -251,7 +251,7 @@ TEST_F(FpsTouchHandlerTest, DeliversDecodedReports) {
   EXPECT_TRUE(Same(TouchEvent(), handler.GetTouchEvent()));
 }
 
-TEST_F(FpsTouchHandlerTest, LooksAtNoMoreRecordsThanThereCanBe) {
+TEST_F(FpsTouchHandlerTest, ReadsAtMost128RecordsOfABuffer) {
   Run();
   const std::vector<TouchRecord> full(128);
   std::string buffer = fp_host::EncodeTouchRecords(full);
@@ -309,7 +309,7 @@ TEST_F(FpsTouchHandlerTest, FailingDeviceIsLoggedOnceAndBackedOff) {
   };
   const struct {
     const char* why;
-    std::function<void()> go, come;
+    std::function<void()> fail, recover;
   } kCases[] = {
       {"hang-up", [this] { node_.HangUp(); }, [this] { node_.Reconnect(); }},
       {"no device", [&] { fail_reads(ENODEV); }, fp_host::ClearFaults},
@@ -320,7 +320,7 @@ TEST_F(FpsTouchHandlerTest, FailingDeviceIsLoggedOnceAndBackedOff) {
          fail_reads(ENODEV);  // counts reads
        },
        [] {
-         EXPECT_GE(1, fp_host::CountedCalls("read")) << "the one that the first poll asked for";
+         EXPECT_GE(1, fp_host::CountedCalls("read")) << "only a read after an earlier poll";
          fp_host::ClearFaults();
          device_events = 0;
        }},
@@ -328,13 +328,13 @@ TEST_F(FpsTouchHandlerTest, FailingDeviceIsLoggedOnceAndBackedOff) {
   for (const auto& test : kCases) {
     SCOPED_TRACE(test.why);
     TakeLog();
-    test.go();
+    test.fail();
     std::vector<int> waited = pauses.Take(9);
     ASSERT_LE(9u, waited.size());
     waited.resize(9);
     EXPECT_EQ((std::vector{10, 20, 40, 80, 160, 320, 640, 1000, 1000}), waited);
     EXPECT_EQ(1u, LinesWith(TakeLog(), "failed"));
-    test.come();
+    test.recover();
     ASSERT_TRUE(node_.Push({{.id = 5}}));
     ASSERT_TRUE(Eventually([this] { return handler_.GetTouchEvent().id == 5; }));
     handler_.ClearTouchEvent();
@@ -348,7 +348,7 @@ TEST_F(FpsTouchHandlerTest, FailingPollSaysNothingAboutTheDevice) {
   node_.Push({{}});
   ASSERT_TRUE(Eventually([] { return fp_host::CountedCalls("poll") >= 9; }));
   EXPECT_EQ(8u, LinesWith(TakeLog(), "poll failed (errno=4)"));
-  EXPECT_EQ(0u, pauses.Count()) << "a signal costs no pause";
+  EXPECT_EQ(0u, pauses.Count()) << "a signal does not pause the worker";
   fp_host::SetFault({.function = "poll", .error = ENOMEM});
   node_.Push({{}});
   EXPECT_EQ((std::vector{10}), pauses.Take(1));
@@ -416,7 +416,7 @@ TEST_F(FpsTouchHandlerTest, LptwRequestWaitsForTheOneBeforeIt) {
   before_request = nullptr;
 }
 
-TEST_F(FpsTouchHandlerTest, StopInsideTheCallbackEndsTheWorkerBehindIt) {
+TEST_F(FpsTouchHandlerTest, StopInTheCallbackEndsTheWorkerAfterIt) {
   Recorder<bool> results;
   Run([&](const TouchEvent& /*event*/) {
     results.Add(handler_.Stop());

@@ -17,7 +17,7 @@ class IThermalChangedCallback : public ::ndk::ICInterface {
 
   static std::shared_ptr<IThermalChangedCallback> fromBinder(const ::ndk::SpAIBinder& binder);
 
-  // Oneway: nobody waits for it.
+  // One-way: the caller does not wait.
   virtual ::ndk::ScopedAStatus notifyThrottling(
       const ::aidl::android::hardware::thermal::Temperature& in_temperature) = 0;
 };

@@ -8,8 +8,8 @@
 
 namespace aidl::android::hardware::thermal {
 
-// From where on one sensor counts as throttling, by ThrottlingSeverity: meant to have an element
-// for each severity, which nothing enforces. NaN where a severity has none.
+// The temperatures from which one sensor has each ThrottlingSeverity. There should be an element
+// for each severity, but nothing enforces that. NaN if a severity has no threshold.
 class TemperatureThreshold {
  public:
   TemperatureType type = TemperatureType(0);

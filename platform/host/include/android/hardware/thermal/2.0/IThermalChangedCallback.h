@@ -8,7 +8,7 @@
 namespace android::hardware::thermal::V2_0 {
 
 struct IThermalChangedCallback : public ::android::hidl::base::V1_0::IBase {
-  // Oneway: nobody waits for it.
+  // One-way: the caller does not wait.
   virtual ::android::hardware::Return<void> notifyThrottling(
       const ::android::hardware::thermal::V2_0::Temperature& temperature) = 0;
 };

@@ -42,8 +42,8 @@ enum class ThrottlingSeverity : uint32_t {
   SHUTDOWN = 6,
 };
 
-// From where on a sensor counts as throttling, by ThrottlingSeverity; NaN where a severity has
-// none.
+// The temperatures from which a sensor has each ThrottlingSeverity; NaN if a severity has no
+// threshold.
 struct TemperatureThreshold final {
   TemperatureType type;
   ::android::hardware::hidl_string name;
