@@ -11,13 +11,13 @@
 
 namespace fp_service {
 
-// The reason why a line is rejected; the caller adds its place.
+// Thrown for an invalid event, with the reason. The caller adds file and line.
 class InvalidEvent : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };
 
-// The fields of one event. Every field has to be asked for: one that nobody knows is a mistake.
+// The fields of one event. A field that was never read is unknown, which is an error.
 class Fields {
  public:
   explicit Fields(const nlohmann::json& object) : object_(object) {

@@ -19,7 +19,7 @@ constexpr uint32_t kLowQuality = 1014;
 constexpr uint32_t kTooDark = 1164;
 constexpr uint32_t kTooBright = 1513;
 
-// And of a failed enrollment.
+// Result codes of a failed enrollment.
 constexpr int32_t kAreaSmall = 1;
 constexpr int32_t kEnrollLowQuality = 3;
 
@@ -49,7 +49,7 @@ uint32_t ResultCode(const Capture& image, float coverage_percent) {
 
 }  // namespace
 
-// Draws as many random numbers for every image.
+// Draws the same number of random numbers for every image, so that runs stay comparable.
 FakeMatcher::Result FakeMatcher::Match(const Capture& image, float coverage_percent) {
   Random& random = storage_.random;
   const double chance = Logistic((image.quality - kMiddleQuality) / kQualitySoftness) *

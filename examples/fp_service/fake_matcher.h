@@ -20,7 +20,7 @@ namespace fp_service {
 // Result codes and metrics are those for which the library's records have a `reason:`.
 class FakeMatcher {
  public:
-  // What a restart of the service leaves in the secure world.
+  // The state that survives a restart of the service.
   struct Storage {
     explicit Storage(uint64_t seed) : random(seed) {}
 
@@ -29,7 +29,7 @@ class FakeMatcher {
   };
 
   struct Result {
-    int finger = 0;   // that matched; 0: none
+    int finger = 0;   // the finger that matched; 0: none
     uint32_t rc = 0;  // 0: matched
     int32_t latency_ms = 0;
     int32_t score = 0;

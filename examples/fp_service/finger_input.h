@@ -15,8 +15,8 @@ namespace fp_service {
 // What a touch is for. The values are the pipeline states in which a finger is down for it.
 enum class Purpose : uint32_t { kEnroll = 0x101, kAuthenticate = 0x201 };
 
-// The service's finger: touch reports become finger state and pipeline state on the handler's
-// worker, the service's thread waits for them.
+// Turns touch reports into finger state and pipeline state, on the handler's worker. The service's
+// thread waits for them.
 class FingerInput {
  public:
   struct Touch {
@@ -29,19 +29,18 @@ class FingerInput {
   FingerInput(const FingerInput&) = delete;
   FingerInput& operator=(const FingerInput&) = delete;
 
-  // What the next finger is for. One that unlocks the device has LPTW follow it.
+  // Sets the purpose of the next touch. After one that unlocks the device, LPTW is enabled.
   void Expect(Purpose purpose) { purpose_ = purpose; }
 
-  // The finger that has come down, waited for up to a second; nothing on a device that does not
-  // report touches.
+  // Waits up to a second for a finger. Returns nothing on a device that does not report touches.
   std::optional<Touch> WaitForFinger();
 
-  // The sensor has its image.
+  // Tells that the sensor has captured its image.
   void ImageCaptured();
 
   void WaitForLift();
 
-  // Of the last finger, in the tracker's form.
+  // The time of the last finger down, as the tracker formats it.
   std::string GetDownTime();
 
  private:

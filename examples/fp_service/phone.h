@@ -13,7 +13,7 @@
 
 namespace fp_service {
 
-// What the phone keeps while the service starts anew.
+// The phone's state that survives a restart of the service.
 struct PhoneState {
   explicit PhoneState(uint64_t seed) : sensor_random(seed), matcher(~seed) {}
 
@@ -27,13 +27,14 @@ struct PhoneState {
 // and the user's finger.
 class Phone {
  public:
-  // The touch controller counts so many units per display pixel.
+  // Units of the touch controller per display pixel.
   static constexpr int kTouchUnitsPerPixel = 10;
 
   // The device's files lie below `root`. `state` is borrowed.
   Phone(const std::string& root, PhoneState& state);
 
-  // What the user and the surroundings do. A finger that is down was reported by the touch node.
+  // Actions of the user and the environment. PutFinger() returns after the touch node has sent its
+  // report.
   void SetTime(time_t at);
   void SetLux(float lux);
   void SetSkinSeverity(int severity);
@@ -42,9 +43,9 @@ class Phone {
   void LiftFinger();
   void LetDisplayHalDie();  // at its next call
   void RestartDeadHals();   // as init does
-  void BlinkTouchDevice();  // it goes away and comes back
+  void BlinkTouchDevice();  // hangs up and reconnects
 
-  // The sensor's driver, for the service.
+  // The interface of the sensor's driver.
   void SetExposure(float ms) { sensor_.SetExposure(ms); }
   float GetExposure() const { return sensor_.GetExposure(); }
   Capture CaptureImage();
@@ -52,7 +53,7 @@ class Phone {
   FakeMatcher::Storage& GetSecureStorage() { return state_.matcher; }
 
  private:
-  // Files and properties that are there before anything runs on the phone.
+  // Creates the files and properties that exist before the service starts.
   struct Build {
     explicit Build(const std::string& root);
   };

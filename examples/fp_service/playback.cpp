@@ -28,7 +28,7 @@ namespace fs = std::filesystem;
 constexpr char kKept[] = "data/vendor";  // what the phone keeps while it is off
 constexpr char kAttemptsFile[] = "data/vendor/fingerprint/AuthStats.0";
 
-// What the processes of the service's starts hand on to each other.
+// State that each process of the service passes on to the next.
 struct Shared {
   explicit Shared(uint64_t seed) : phone(seed) {}
 
@@ -121,11 +121,11 @@ void ServeInProcess(const Pass& pass, const Scenario& scenario, std::span<const 
         fmt::format("the service was ended by {}", strsignal(WTERMSIG(status))));
   }
   if (WIFEXITED(status) && WEXITSTATUS(status) != 0) {
-    throw std::runtime_error("the service has failed");  // it has said why
+    throw std::runtime_error("the service has failed");  // it has printed the reason
   }
 }
 
-// The storage has only the first half of what was written last.
+// Truncates the file to half, as if the power had failed during the last write.
 void TearAttemptsFile(const Pass& pass) {
   const fs::path file = fs::path(pass.device_root) / kAttemptsFile;
   std::error_code error;

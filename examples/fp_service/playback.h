@@ -22,7 +22,7 @@ struct Settings {
 // own, as on a phone. Throws std::runtime_error if one fails.
 void PlayTwice(const Scenario& scenario, const Settings& settings);
 
-// Starts the service on the device and prints the dump of what it finds.
+// Starts the service on the device and prints its dump.
 void PrintFoundState(const Settings& settings);
 
 }  // namespace fp_service

@@ -21,7 +21,7 @@ enum class Output {
 // Prints a dump of the service.
 void PrintDump(Service& service, Output output);
 
-// Plays a scenario's events on the phone and its service, and counts what comes of them.
+// Plays a scenario's events on the phone and its service, and counts the results.
 class Player {
  public:
   Player(Service& service, Phone& phone, Report& report, Output output)
@@ -41,7 +41,7 @@ class Player {
   void Handle(const LongPress& press);
   void Handle(const Heat& heat);
   void Handle(const DisplayHalDies& death);
-  void Handle(const Restart& /*restart*/) {}  // whoever started this process does it
+  void Handle(const Restart& /*restart*/) {}  // the parent process restarts the service
   void Handle(const PowerCut& /*cut*/) {}
   void Handle(const Dump& dump);
 

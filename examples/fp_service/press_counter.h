@@ -15,7 +15,7 @@ class PressCounter {
 
   int Get();
   void SystemServerDied();
-  // Until there were so many, for a second at most.
+  // Waits up to a second for the `count`-th press.
   void WaitFor(int count);
 
  private:

@@ -40,7 +40,8 @@ constexpr Property kProperties[] = {
     {"fth.touch_resolution_scaling_factor", Kind::kNumber, "10"},
 };
 
-// Asks the platform, as the library does: what is not taken gives either default.
+// Reads the property with the platform, as the library does. Only a valid value gives the same
+// result with two different defaults.
 bool IsTaken(const std::string& name, Kind kind) {
   switch (kind) {
     case Kind::kSwitch:

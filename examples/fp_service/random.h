@@ -12,7 +12,7 @@ class Random {
  public:
   explicit Random(uint64_t seed) : engine_(seed) {}
 
-  // From 0 to 1, without 1.
+  // In [0, 1).
   double Uniform() { return static_cast<double>(engine_() >> 11) * 0x1p-53; }
 
   // From 0 to limit - 1.

@@ -11,7 +11,7 @@ namespace {
 
 constexpr int32_t kGoodQuality = 30;
 
-// The names of the rows: of what is before the first phase, and of the phases.
+// The names of the rows: the time before the first phase, and the phases.
 std::vector<std::string> RowNames(const Scenario& scenario) {
   std::vector<std::string> names = {"before the first phase"};
   for (const Event& event : scenario) {
@@ -30,7 +30,7 @@ size_t WidthOf(const std::vector<std::string>& names) {
   return width;
 }
 
-// Whether two counts of the same attempts differ by more than twice what chance makes of them.
+// Compares two counts of the same attempts: a difference counts from twice its standard deviation.
 const char* Effect(const Report::Tally& with, const Report::Tally& without) {
   const int fewer = without.rejects - with.rejects;
   if (std::abs(fewer) <= 2 * std::sqrt(with.rejects + without.rejects)) {
@@ -60,7 +60,7 @@ void Report::BeginPhase(float exposure_ms) {
   phase.exposure_end = exposure_ms;
 }
 
-// What failed for the light says nothing about coverage.
+// A rejection because of the light says nothing about coverage.
 void Report::CountCoverage(const android::fp_utils::AuthEventG7& event, int reject) {
   const auto band = std::find_if(bands_.rbegin(), bands_.rend(), [&](const Band& candidate) {
     return event.t_cov >= candidate.from_percent;
@@ -73,7 +73,7 @@ void Report::CountCoverage(const android::fp_utils::AuthEventG7& event, int reje
 void Report::Count(const android::fp_utils::AuthEventG7& event, bool enrolled, int steps,
                    float exposure_ms) {
   PhaseTally& phase = phases_[current_];
-  // The rejection of a finger that is not enrolled is no false one.
+  // Rejecting a finger that is not enrolled is correct.
   if (enrolled && event.acquired_info == android::fp_utils::AuthEvent::kAcquiredGood) {
     const int reject = event.auth_successful ? 0 : 1;
     phase.all.Count(reject);

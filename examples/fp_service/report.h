@@ -10,8 +10,8 @@
 
 namespace fp_service {
 
-// Counts what the scenario was like for the user: by phase, and by how much of the sensor the
-// finger covered. Trivially copyable, so that processes can share it.
+// Counts the rejected attempts of a scenario by phase, and by how much of the sensor the finger
+// covered. Trivially copyable, so that processes can share it.
 class Report {
  public:
   // Attempts of enrolled fingers with a good image, and how many of them were rejected.
@@ -40,11 +40,11 @@ class Report {
   void Calibrated(float exposure_ms) { calibrated_ms_ = exposure_ms; }
   void BeginPhase(float exposure_ms);
 
-  // One attempt of a finger that is enrolled or not, and the exposure steps that it led to.
+  // Counts an attempt, of an enrolled finger or not, and the exposure steps that it led to.
   void Count(const android::fp_utils::AuthEventG7& event, bool enrolled, int steps,
              float exposure_ms);
 
-  // What the present phase has so far.
+  // The counts of the present phase so far.
   const Tally& GetPhase() const { return phases_[current_].all; }
 
   // The phases of `scenario` with exposure control (this report) and without it, in which of them
@@ -57,7 +57,7 @@ class Report {
   std::string Findings(const Report& without, const std::vector<std::string>& names) const;
   std::string CoverageTable() const;
 
-  // One for what happens before the first phase, one for each phase.
+  // The time before the first phase, then each phase.
   std::array<PhaseTally, kMaxPhases + 1> phases_ = {};
   size_t current_ = 0;
   float calibrated_ms_ = 0;

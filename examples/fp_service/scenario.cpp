@@ -19,7 +19,7 @@ namespace {
 
 using nlohmann::json;
 
-// More than this is a slip of the pen, not a day.
+// Larger counts are taken for typing errors.
 constexpr int kMaxCount = 1000000;
 constexpr int kMaxPause = 86400;
 constexpr int kMaxCaptures = 100;
@@ -163,7 +163,7 @@ std::string LocalTime(time_t at) {
   return {text, strftime(text, sizeof text, "%Y-%m-%d %H:%M:%S", &parts)};
 }
 
-// One line. nlohmann's parser keeps the last of fields with the same name, without a word.
+// Parses one line. Rejects a repeated field, of which nlohmann's parser silently keeps the last.
 json Parse(const std::string& line) {
   std::set<std::string> names;
   const auto check = [&](int depth, json::parse_event_t event, const json& parsed) {
@@ -239,7 +239,7 @@ class Reader {
     CheckOrder(scenario_.back().data);
   }
 
-  // What an event needs of those before it.
+  // Checks what an event requires of earlier events.
   void CheckOrder(const EventData& data) {
     if (std::holds_alternative<Calibrate>(data)) {
       calibrated_ = true;

@@ -30,7 +30,7 @@ struct Calibrate {
   float expo_ms;
   float base;
 };
-// One of the sensor's bring-up, before or instead of its calibration.
+// An error of the sensor's bring-up, before or instead of its calibration.
 struct InitError {
   int code;
   std::string message;
@@ -52,7 +52,7 @@ struct AcquisitionErrors {
   int count;
   int every_s;
 };
-// An enrollment of so many touches.
+// An enrollment of `captures` touches.
 struct Enroll {
   int finger;
   int captures;
@@ -72,7 +72,7 @@ struct Heat {
 struct DisplayHalDies {};
 // The service ends and is started again.
 struct Restart {};
-// The phone goes off while the file of attempts is being written, and comes up again.
+// The phone loses power during a save of the attempts, and boots again.
 struct PowerCut {};
 struct Dump {};
 
@@ -97,7 +97,7 @@ class ScenarioError : public std::runtime_error {
 // messages. Throws ScenarioError at the first wrong line.
 Scenario ReadScenario(std::istream& lines, const std::string& name);
 
-// The same of a file. Throws ScenarioError, "<path>: <reason>", where it cannot be read.
+// Reads a scenario from a file. Throws ScenarioError "<path>: <reason>" if that cannot be read.
 Scenario LoadScenario(const std::string& path);
 
 }  // namespace fp_service

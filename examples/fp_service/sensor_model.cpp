@@ -45,7 +45,7 @@ double Transmission(Skin skin) {
 
 Contact SensorModel::Touch(Aim aim) {
   const double off = aim == Aim::kGood ? kGoodAim : kPoorAim;
-  // A finger never lands so far off that the touch controller would not report it.
+  // Limited to the area in which the touch controller reports touches.
   const auto near = [&](double center) {
     return static_cast<float>(center + std::clamp(random_.Noise(off), -200.0, 200.0));
   };

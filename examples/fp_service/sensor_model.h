@@ -22,7 +22,7 @@ struct Contact {
 struct Capture {
   int32_t raw_mean;
   int32_t quality;
-  int finger;  // whose it is, which only the matcher finds out; 0 is nobody's
+  int finger;  // the finger in the image, for the matcher alone; 0 is one that is not enrolled
 };
 
 // The optical sensor under the panel, reduced to what exposure control sees, and the user's hand.
@@ -44,7 +44,7 @@ class SensorModel {
     return {android::fp_utils::Point(kCenterX, kCenterY), kRadius};
   }
 
-  // What the sensor looks at.
+  // The conditions of a capture.
   struct Scene {
     int finger;
     Skin skin;
@@ -52,8 +52,8 @@ class SensorModel {
     bool lit;  // by the panel's local high-brightness mode
   };
 
-  // A touch and a capture draw as many numbers from `random` at any exposure, so that a day can be
-  // played again with the same touches and another exposure.
+  // A touch and a capture draw the same number of random numbers at any exposure, so that a day can
+  // be repeated with the same touches and another exposure.
   explicit SensorModel(Random& random) : random_(random) {}
 
   void SetExposure(float ms) { exposure_ms_ = ms; }

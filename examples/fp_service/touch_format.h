@@ -8,11 +8,11 @@
 
 namespace fp_service::touch_format {
 
-// Types.
+// Values of `type`.
 constexpr int32_t kDown = 0;
 constexpr int32_t kUp = 2;
 
-// Places in the coordinates.
+// Indices into `coords`.
 constexpr size_t kX = 0;
 constexpr size_t kY = 1;
 constexpr size_t kMajor = 2;  // full lengths of the contact's axes
