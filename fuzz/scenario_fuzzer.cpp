@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Reads arbitrary content as a scenario. It must be accepted, or rejected with the place of the
-// error.
+// Reads arbitrary content as a scenario. It must be accepted, or rejected with a message that
+// begins with the name of the input.
 #include <cstdint>
 #include <cstdlib>
 #include <sstream>

@@ -11,7 +11,7 @@ namespace {
 
 constexpr int32_t kGoodQuality = 30;
 
-// The names of the rows: the time before the first phase, and the phases.
+// The names of the rows: one for the time before the first phase, then one for each phase.
 std::vector<std::string> RowNames(const Scenario& scenario) {
   std::vector<std::string> names = {"before the first phase"};
   for (const Event& event : scenario) {
@@ -30,7 +30,8 @@ size_t WidthOf(const std::vector<std::string>& names) {
   return width;
 }
 
-// Compares two counts of the same attempts: a difference counts from twice its standard deviation.
+// Compares the rejects of the same attempts. A difference counts only if it exceeds twice its
+// standard deviation.
 const char* Effect(const Report::Tally& with, const Report::Tally& without) {
   const int fewer = without.rejects - with.rejects;
   if (std::abs(fewer) <= 2 * std::sqrt(with.rejects + without.rejects)) {
@@ -60,7 +61,7 @@ void Report::BeginPhase(float exposure_ms) {
   phase.exposure_end = exposure_ms;
 }
 
-// A rejection because of the light says nothing about coverage.
+// Leaves out images of poor quality: the light may be the cause of their rejection.
 void Report::CountCoverage(const android::fp_utils::AuthEventG7& event, int reject) {
   const auto band = std::find_if(bands_.rbegin(), bands_.rend(), [&](const Band& candidate) {
     return event.t_cov >= candidate.from_percent;

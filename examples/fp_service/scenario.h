@@ -14,13 +14,13 @@
 
 namespace fp_service {
 
-constexpr int kFingers = 5;     // of a hand, numbered from 1; 0 is one that is not enrolled
+constexpr int kFingers = 5;     // that can be enrolled, numbered from 1; 0 is never enrolled
 constexpr int kMaxPhases = 64;  // of a scenario
 
 // State of the fingertip: how much of the panel's light it sends back to the sensor.
 enum class Skin { kNormal, kDry, kWet };
 
-// Whether the fingertip meets the sensor, or only part of it.
+// Whether the fingertip is placed on the whole sensor, or covers only part of it.
 enum class Aim { kGood, kPoor };
 
 struct Phase {
@@ -30,7 +30,7 @@ struct Calibrate {
   float expo_ms;
   float base;
 };
-// An error of the sensor's bring-up, before or instead of its calibration.
+// An error during the sensor's bring-up, which may still end in a calibration.
 struct InitError {
   int code;
   std::string message;
@@ -93,11 +93,11 @@ class ScenarioError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-// Reads a whole scenario, in which each event begins after the one before has ended; `name` is for
-// messages. Throws ScenarioError at the first wrong line.
+// Reads a whole scenario. No event may begin before the previous one has ended. `name` stands for
+// the input in messages. Throws ScenarioError at the first wrong line.
 Scenario ReadScenario(std::istream& lines, const std::string& name);
 
-// Reads a scenario from a file. Throws ScenarioError "<path>: <reason>" if that cannot be read.
+// Reads a scenario from a file. Throws ScenarioError("<path>: <reason>") if it cannot be opened.
 Scenario LoadScenario(const std::string& path);
 
 }  // namespace fp_service

@@ -34,16 +34,17 @@ using android::fp_utils::Thermal;
 constexpr uint32_t kAttemptsKept = 100;
 constexpr uint32_t kSizesKept = 500;
 
-// The service's operations, as its records of finger sizes name them.
+// The numbers of the service's operations in its records of finger sizes.
 constexpr int32_t kOpAuthenticate = 1;
 constexpr int32_t kOpEnroll = 2;
 
 // The platform's AcquiredInfo.
 constexpr int8_t kAcquiredVendor = 7;
 constexpr int8_t kAcquiredTooDark = 9;
-constexpr int32_t kUnlitRawMean = 300;  // no finger looks so dark while the panel is lit
+constexpr int32_t kUnlitRawMean = 300;  // any finger is brighter while the panel is lit
 
-// The library's own wait is short, for services that cannot wait here.
+// The library waits only 10 ms for the thermal HAL, because a service may be unable to wait longer.
+// This one can.
 void WaitForThermalHal() {
   constexpr int kPatienceMs = 1000;
   for (int i = 0; i < kPatienceMs && Thermal::GetInstance().GetCpuSeverity() == -ENODEV; ++i) {
@@ -61,7 +62,7 @@ Service::Service(Phone& phone)
       exposure_(DynamicExposure::GetInstance()) {
   init_.SetState(FpsInitInfo::State::kStarted);
   DevCdtInfo::GetInstance();
-  ABinderProcess_startThreadPool();  // deaths of HALs arrive there
+  ABinderProcess_startThreadPool();  // its threads receive the deaths of HALs
   WaitForThermalHal();
   AlsMonitor::GetInstance()->StartSampling();
   attempts_.Init();

@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 
-// What this phone's touch controller puts into its reports.
+// The format of the reports of this phone's touch controller.
 
 namespace fp_service::touch_format {
 

@@ -35,8 +35,8 @@ class FP_UTILS_EXPORT EnrollEvent {
   virtual std::string ToBackupString() const;
 
   // Parses a record text and removes the parsed fields from `text`, so that a derived class finds
-  // its own part at the front. After a failure `text` is unchanged, but fields before the damage
-  // may have been stored.
+  // its own part at the front. After a failure `text` is unchanged, but the fields ahead of the
+  // malformed one may have been stored.
   virtual bool LoadFromBackupString(std::string& text);
 
   // The timestamp as "YYYY-MM-DD hh:mm:ss" in the process's time zone.
@@ -44,7 +44,7 @@ class FP_UTILS_EXPORT EnrollEvent {
 
   time_t timestamp;
   uint32_t op = kOpAdd;            // other values are stored, but the dump names no operation
-  bool enroll_successful = false;  // of an addition
+  bool enroll_successful = false;  // for kOpAdd only
   int32_t gid = 0;                 // group (user)
   int32_t fid = 0;                 // finger
   int32_t capture_count = 0;
@@ -60,14 +60,15 @@ class FP_UTILS_EXPORT EnrollEventG7 : public EnrollEvent {
   EnrollEventG7();
   ~EnrollEventG7() override;
 
-  // The base text and `rc`; unless it is a deletion, also the quality data, and the reason of a
-  // failure.
+  // The base text and `rc`, followed, unless the operation is a deletion, by the quality data and,
+  // if `enroll_successful` is false, by the reason of the failure.
   std::string ToDebugString() const override;
 
   // The part after the base text is cut to 127 characters, which only extreme values exceed.
   std::string ToBackupString() const override;
 
-  // Removes only the fields of EnrollEvent from `text`, even if its own part then fails.
+  // Removes the fields of EnrollEvent from `text`, even if parsing the fields of this class then
+  // fails. The fields of this class stay in `text`.
   bool LoadFromBackupString(std::string& text) override;
 
   // "reason:" and the cause of a failed enrollment according to `rc`.

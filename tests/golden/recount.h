@@ -5,8 +5,9 @@
 
 namespace fp_golden {
 
-// Prints a file in the form of coverage.txt, each case with the counts that this program computes.
-// Returns false if two ways of counting differ, which it reports on stderr, or if there is no case.
+// Reads cases in the format of coverage.txt, counts each anew in several ways, and prints the cases
+// with these counts in the same format. Returns false if two ways of counting differ, which it
+// reports on stderr, or if `file` holds no case.
 bool Recount(std::istream& file);
 
 }  // namespace fp_golden

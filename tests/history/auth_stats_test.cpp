@@ -47,7 +47,7 @@ class AuthStatsTest : public DeviceTest {
     return stats;
   }
 
-  // Whether the next add writes the file.
+  // Whether `add` writes the file.
   template <typename Add>
   static bool Saves(Add add) {
     Remove(kFile);
@@ -137,7 +137,7 @@ TEST_F(AuthStatsTest, SavesSuccessesAndRejectsFromTheFifthInARow) {
   EXPECT_TRUE(Saves(succeed));
   EXPECT_FALSE(Saves(reject)) << "a success ends the row";
 
-  // Histories without a file leave the row alone.
+  // A history without a file does not change the count of rejects in a row.
   AuthStats memory_only("0", 10, false);
   memory_only.Init();
   memory_only.AddAttempt(Attempt(true));
@@ -202,7 +202,7 @@ TEST_F(AuthStatsTest, ResetForgetsRecordsAndFile) {
   EXPECT_EQ(saved, ReadFile(kFile)) << "loading does not save";
 }
 
-// Records from before the reset may be added again.
+// The second round adds the records that the history held before the reset.
 TEST_F(AuthStatsTest, SavesAfterAResetWhatIsHeldThen) {
   auto stats = Fresh();
   const std::shared_ptr<AuthEventG7> events[] = {Attempt(true, 1), Attempt(true, 2)};

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The rules of the vendor sensor bridge that the stand-in has to keep.
+// The rules of the vendor sensor bridge that its stand-in must follow.
 #include <atomic>
 #include <cerrno>
 

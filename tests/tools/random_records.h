@@ -54,6 +54,7 @@ class RandomRecords {
 
  private:
   int32_t Below(int32_t limit) { return static_cast<int32_t>(random_() % limit); }
+  // Shifts by a random number of bits, so that small values occur as well.
   int32_t Integer() { return static_cast<int32_t>(random_() >> Below(64)); }
   float Float() {
     constexpr float kExtremes[] = {0,

@@ -12,8 +12,8 @@ namespace ipc {
 class Process;
 }  // namespace ipc
 
-// A client of the HIDL thermal HAL in another process, with one callback. The transport checks that
-// each call is answered exactly once.
+// Simulates another process that is a client of the HIDL thermal HAL and has one callback. The
+// transport checks that each call is answered exactly once.
 class HidlThermalClient {
  public:
   using CoolingDevice = android::hardware::thermal::V2_0::CoolingDevice;
@@ -36,7 +36,7 @@ class HidlThermalClient {
   HidlThermalClient(const HidlThermalClient&) = delete;
   HidlThermalClient& operator=(const HidlThermalClient&) = delete;
 
-  // Calls go to `service`, an object of this process, until the next Connect(). Null releases it.
+  // Sends later calls to `service`, an object of this process. Null releases the service.
   void Connect(const android::sp<IThermal>& service);
 
   Answer<Temperature> Temperatures(bool filter, TemperatureType type) const {
@@ -48,7 +48,7 @@ class HidlThermalClient {
   Answer<CoolingDevice> CoolingDevices(bool filter, CoolingType type) const {
     return Ask<CoolingDevice>(&IThermal::getCurrentCoolingDevices, filter, type);
   }
-  // The answer to any query.
+  // Sends `query` and returns the answer.
   template <typename Record, typename Query, typename... Parameters>
   Answer<Record> Ask(Query query, Parameters... parameters) const {
     Answer<Record> answer = {kNone, {}};
@@ -68,12 +68,12 @@ class HidlThermalClient {
     return Do(&IThermal::unregisterThermalChangedCallback, callback);
   }
 
-  // The callback as a service sees it. Each call over the transport passes another proxy.
+  // A new proxy of the callback. Over the transport, each call passes a new one to the service.
   android::sp<IThermalChangedCallback> NewProxy() const;
 
   void Kill();
 
-  // What the callback was told since the last call, oldest first.
+  // The notifications that the callback received since the last TakeReceived(), oldest first.
   std::vector<Temperature> TakeReceived();
 
  private:

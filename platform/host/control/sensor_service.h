@@ -26,11 +26,11 @@ struct FakeSensor {
 FakeSensor LightSensor(std::string name = "light");
 FakeSensor LongPressSensor(std::string name = "long press");
 
-// Sets the list of the next manager. A manager keeps the list of its first query.
+// Sets the service's list of sensors. A manager keeps the list that its first query returned.
 void SetSensors(std::vector<FakeSensor> sensors);
 
 // The service dies: its manager, sensors and queues become invalid and undelivered events are lost.
-// A call that asks for a manager while the service is down gets null or waits for the start.
+// A call that asks for a manager while the service is down returns null or waits until it is up.
 enum class WhileDown { kAnswerNull, kWait };
 void StopSensorService(WhileDown while_down = WhileDown::kAnswerNull);
 void StartSensorService();
@@ -48,7 +48,7 @@ void LongPress(int times = 1);
 // Adds the events unchanged to each queue that has a sensor enabled.
 void PushSensorEvents(const std::vector<ASensorEvent>& events);
 
-// The resources that clients of the running service use.
+// The resources that clients hold in the running service.
 struct SensorUsage {
   int queues = 0;
   int enabled_sensors = 0;
@@ -59,28 +59,29 @@ SensorUsage GetSensorUsage();
 // Whether exactly `threads` threads wait in ALooper_pollOnce() and no event or wake is pending.
 bool ArePollersIdle(int threads);
 
-// A fault of a platform function.
+// Makes a platform function fail.
 struct SensorFault {
   static constexpr int kForever = -1;
 
   std::string function;
-  int result = -EINVAL;  // of a failing call; one that returns a pointer returns null
+  int result = -EINVAL;  // what a failing call returns; null if it returns a pointer
   int calls = kForever;  // how many calls fail
 };
-// Sets the fault of a function, one at a time; aborts on an unknown function. A fault of
-// ALooper_pollOnce also ends polls that wait already. A fault of ASensorManager_getSensorList makes
-// the bridge's own query fail, so the manager keeps an empty list.
+// Sets the fault of a function and replaces its earlier one; aborts on an unknown function. A fault
+// of ALooper_pollOnce also ends polls that are already waiting. A fault of
+// ASensorManager_getSensorList makes the bridge's own query fail, so the manager keeps an empty
+// list.
 void SetSensorFault(const SensorFault& fault);
-// Removes all faults, and all hooks of OnSensorCall().
+// Removes all faults, and all hooks that OnSensorCall() has set.
 void ClearSensorFaults();
 
-// Runs `before` as each call of the function comes in, `after` as its result goes out, on the
-// calling thread: to make a call slow, or to change the service in the middle of it. What runs in
-// them may call these functions. Empty ones remove what was set.
+// Sets the hooks of a function: on the calling thread, `before` runs at the beginning of each call
+// and `after` just before the call returns. They let a test slow a call down, or change the service
+// during it. Hooks may call the functions of this header. An empty hook removes the earlier one.
 void OnSensorCall(const std::string& function, std::function<void()> before,
                   std::function<void()> after = nullptr);
 
-// The record of platform calls, in the order of their return:
+// The recorded platform calls, in the order in which they returned, each as a text like
 // "ASensorEventQueue_registerSensor(queue 1, light, 20000, 0) = 0".
 struct SensorCall {
   std::thread::id thread;
@@ -89,8 +90,8 @@ struct SensorCall {
 void RecordSensorCalls(bool record);
 std::vector<SensorCall> TakeSensorCalls();
 
-// A call on a handle that dangles, or on a queue that was destroyed, aborts with a message, unless
-// such calls are to be counted; they then answer as if the handle were null.
+// A call on a dangling handle, or on a destroyed queue, aborts with a message. After
+// CountDeadHandleUses() it is counted instead and returns what it would return for a null handle.
 void CountDeadHandleUses();
 int GetDeadHandleUses();
 

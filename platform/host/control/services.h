@@ -17,7 +17,8 @@ struct CallPlan;
 class Process;
 }  // namespace ipc
 
-// While the service manager fails, no service is declared or found, and waiting for one ends.
+// While the service manager fails, no service is declared or found, and waiting for one returns
+// null.
 void SetServiceManagerFailing(bool failing);
 
 // The minimum time that waiting for a service takes, even if the service is up.
@@ -34,8 +35,8 @@ bool WaitForPools();
 // Threading:  any thread may call any operation, also while calls into the service are running.
 class RemoteService {
  public:
-  // When the process dies: before the service sees the call; after it has done its work, but before
-  // the answer is sent; right after the answer was sent.
+  // When the process dies: before the service sees the call; after the service has executed the
+  // call, but before the answer is sent; right after the answer was sent.
   enum class Death { kBefore, kDuring, kAfter };
 
   // The service dies and is no longer declared.
@@ -45,18 +46,18 @@ class RemoteService {
 
   const std::string& GetInstance() const { return instance_; }
 
-  // Whether the device's manifest names it.
+  // Adds the service to the device's manifest, or removes it.
   void Declare();
   void Undeclare();
 
-  // A new process with the service in its initial state; no effect while one is up.
+  // Starts a new process with the service in its initial state; no effect while one is up.
   void Start();
-  // Starts an object of another interface under the service's name.
+  // Starts a process that registers an object of another interface under the service's name.
   void StartImpostor();
   void Kill();
   bool IsUp() const;
 
-  // Makes the process die at a call: 1 is the next one, 0 none.
+  // Makes the process die at a later call: 1 is the next call; 0 cancels the death.
   void DieAtCall(int number, Death moment);
   // The minimum duration of each call.
   void SetDelay(std::chrono::milliseconds delay);
@@ -71,8 +72,8 @@ class RemoteService {
  protected:
   explicit RemoteService(std::string instance);
 
-  // Makes the service in its initial state, or something else, as an object of `process`, in the
-  // form in which the service manager keeps it.
+  // Make the service in its initial state, or an object of another interface. The object belongs to
+  // `process` and has the type that the service manager stores.
   virtual std::shared_ptr<void> MakeService(const std::shared_ptr<ipc::Process>& process) = 0;
   virtual std::shared_ptr<void> MakeImpostor(const std::shared_ptr<ipc::Process>& process) = 0;
 

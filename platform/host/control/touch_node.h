@@ -24,15 +24,15 @@ struct TouchRecord {
 // A buffer of records as one read of the device returns it.
 std::string EncodeTouchRecords(const std::vector<TouchRecord>& records);
 
-// The simulated touch-handler device: a node that programs linked with the simulated device open by
-// its path, with a real descriptor behind it. One node at a time.
+// The simulated touch-handler device. A program that is linked with the simulated device opens the
+// node by its path and gets a real descriptor. Only one node may exist at a time.
 //
-// Threading:  every operation from any thread, while the device is in use too.
+// Threading:  any thread may call any operation, also while the device is in use.
 class TouchNode {
  public:
   struct Request {
     unsigned long number;
-    std::vector<uint8_t> argument;  // 32 bytes, or none with a null argument
+    std::vector<uint8_t> argument;  // 32 bytes; empty if the argument was null
 
     bool operator==(const Request&) const = default;
   };
@@ -46,18 +46,18 @@ class TouchNode {
   bool Push(const std::vector<TouchRecord>& records);
   bool PushBytes(const std::string& buffer);
 
-  // The same, but drops the buffer where Push() would block.
+  // Like PushBytes(), but drops the buffer where that would block.
   bool TryPushBytes(const std::string& buffer);
 
-  // The device goes away under its users: reads find the end, polls a hang-up. Reconnect() brings
-  // it back behind the same descriptors.
+  // The device goes away while it is open: reads return end of file and polls report a hang-up.
+  // After Reconnect() the same descriptors work again.
   void HangUp();
   void Reconnect();
 
-  // What requests with this number return from now on; 0 is success.
+  // Sets what later requests with this number return; 0 is success.
   void Answer(unsigned long number, int result);
 
-  // The requests since the last call, in order; of more than a thousand the last thousand.
+  // The requests since the last TakeRequests(), in order; at most the newest 1,000.
   std::vector<Request> TakeRequests();
 
   // The number of open descriptors of this node.

@@ -6,7 +6,7 @@ namespace {
 
 ndk::ScopedAStatus Answer(const LocalBinder& local, const Serve& serve) {
   ndk::ScopedAStatus status = serve(*local.GetImplementation());
-  // A default ScopedAStatus holds no status, which cannot be written into the reply.
+  // A default ScopedAStatus owns no status that could be written into the reply.
   return status.get() == nullptr ? ndk::ScopedAStatus::fromStatus(STATUS_UNEXPECTED_NULL)
                                  : std::move(status);
 }
