@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Measures the time from a report to the callback, and compares it with a plain thread in poll() on
-// a pipe. Also compares reading full buffers of reports with reading them without decoding.
+// Measures the time from a report to the callback, and compares it with the time that a byte in a
+// pipe takes to wake a plain thread from poll(). Also compares reading and decoding full buffers of
+// reports with only reading them.
 #include <benchmark/benchmark.h>
 #include <fcntl.h>
 #include <poll.h>
@@ -28,7 +29,7 @@ using fp_test::Allocations;
 
 constexpr FpsTouchHandler::TouchConfig kArea = {.left = 0, .top = 0, .right = 200, .bottom = 200};
 
-constexpr size_t kInfoOffset = 8 + 68;  // of the first record, in its buffer
+constexpr size_t kInfoOffset = 8 + 68;  // where the buffer has the `info` of its first record
 
 void ReportToCallback(benchmark::State& state) {
   TouchNode node;
@@ -65,7 +66,7 @@ void ByteToPoll(benchmark::State& state) {
   close(fds[0]);
 }
 
-// Sends and reads a full buffer of the device on one thread.
+// Sends a full buffer to the device and reads it back, both on this thread.
 template <typename Take>
 void TakeBuffers(benchmark::State& state, TouchNode& node, Take take) {
   const std::string buffer = fp_host::EncodeTouchRecords(std::vector<TouchRecord>(128));

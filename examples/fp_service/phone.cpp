@@ -35,7 +35,7 @@ Phone::Build::Build(const std::string& root) {
   android::base::SetProperty("persist.vendor.udfps.dynamic_exposure_supported", "true");
   android::base::SetProperty("persist.vendor.udfps.fth.touch_resolution_scaling_factor",
                              std::to_string(kTouchUnitsPerPixel));
-  // What the boot loader and the secure world publish.
+  // The board's identity, which the boot loader publishes.
   const std::pair<const char*, char> items[] = {{"platform", 0x11}, {"product", 0x07},
                                                 {"stage", 0x20},    {"major", 0x01},
                                                 {"minor", 0x02},    {"variant", 0x00}};
@@ -99,7 +99,7 @@ void Phone::LetDisplayHalDie() { display_.DieAtCall(1, fp_host::RemoteService::D
 
 void Phone::RestartDeadHals() {
   if (!display_.IsUp()) {
-    fp_host::WaitForPools();  // its clients have heard of the death
+    fp_host::WaitForPools();  // until its clients have been told of the death
     display_.Start();
   }
 }

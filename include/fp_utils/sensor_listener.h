@@ -20,27 +20,29 @@ namespace android::fp_utils {
 // of the service. Connects to the sensor framework at the first StartSampling(), and again at the
 // first one after the system server has died.
 //
-// Use: install the callbacks, then StartSampling(). When the system server has died, call
-// OnSystemServerDeath() before any other operation: sensors and queue are gone with it.
+// Use: install the callbacks, then call StartSampling(). When the system server has died, call
+// OnSystemServerDeath() before any other operation, because the sensors and the queue died with it.
 //
-// Threading:  StartSampling, StopSampling and OnSystemServerDeath lock; any thread may call them,
-//             also from a callback. Callbacks run without a lock, on the worker thread or on the
-//             one that calls PollSensorEvent() or ProcessSensorEvent(). They are read without a
-//             lock, so install them before the first StartSampling().
-// Ownership:  owns worker and queue. The destructor ends the worker and disables the sensors. It
-//             may run in a callback on the worker, which then ends with that callback and does not
-//             use the listener any more. No other thread may be in an operation.
+// Threading:  StartSampling, StopSampling and OnSystemServerDeath take a lock; any thread may call
+//             them, and so may a callback. Callbacks run without the lock, on the worker thread or
+//             on the thread that calls PollSensorEvent() or ProcessSensorEvent(). The callback
+//             members are read without the lock, so set them before the first StartSampling().
+// Ownership:  owns the worker and the queue. The destructor ends the worker and disables the
+//             sensors. It may run in a callback on the worker, which then ends with that callback
+//             and no longer uses the listener. While the destructor runs, no other thread may be
+//             in an operation.
 // Blocking:   connecting waits for the sensor service. OnSystemServerDeath() and the destructor
-//             wait for a running callback. An operation that this callback calls meanwhile does
-//             not wait for them; it fails as described below.
+//             wait for a running callback. If that callback calls an operation in the meantime, the
+//             operation does not wait for them in turn; see StartSampling() for its result.
 // Errors:     logged and returned; what was connected so far is kept for the next attempt.
 // Units:      sensors run at their fastest rate, unbatched.
 //
-// All pollers of a process share one looper, which signals an event once. Events that do not fit
-// into a batch of 16, or whose signal another poller has taken, are delivered with the next event.
+// All threads of a process that poll for sensor events share one looper, which signals each event
+// only once. Events that do not fit into a batch of 16, or whose signal another thread has taken,
+// are delivered with the next event.
 class FP_UTILS_EXPORT SensorListener {
  public:
-  // The log prints the number.
+  // The log prints these numbers.
   enum SensorType : int32_t { kLight = 0, kLongPress = 1 };
   static constexpr size_t kSensorTypes = 2;
 
@@ -54,8 +56,9 @@ class FP_UTILS_EXPORT SensorListener {
   SensorListener(const SensorListener&) = delete;
   SensorListener& operator=(const SensorListener&) = delete;
 
-  // Returns 0 if the sensor is sampling, also if it was already; -ENOMEM without a connection or
-  // such a sensor, and in a callback while the worker is being ended; else the platform's error.
+  // Returns 0 if the sensor is sampling, even if it already was; -ENOMEM if there is no connection
+  // or no such sensor, or in a callback while the worker is being ended; otherwise the platform's
+  // error.
   int32_t StartSampling(SensorType type);
 
   // Always returns 0. The worker continues to poll.
@@ -64,13 +67,13 @@ class FP_UTILS_EXPORT SensorListener {
   bool IsAnySamplerStarted() const;
 
   // Drops the connection without using anything that belonged to it. Ends the worker, which drops
-  // the events that it has not delivered yet. In a callback, which cannot wait for its own thread,
-  // the worker is kept for the next connection.
+  // the events that it has not delivered yet. A callback on the worker cannot wait for its own
+  // thread; if it makes this call, the worker is kept for the next connection.
   void OnSystemServerDeath();
 
-  // The steps of the operations above. StartSampling() connects with the lock held. Polling waits
-  // for events, delivers them and returns 0, or UNKNOWN_ERROR after a poll error. Processing
-  // delivers one event.
+  // The steps of the operations above. StartSampling() connects with the lock held.
+  // PollSensorEvent() waits for events, delivers them and returns 0, or UNKNOWN_ERROR after a poll
+  // error. ProcessSensorEvent() delivers one event.
   bool ConnectSensorManagerIfNeeded();
   int32_t PollSensorEvent();
   void ProcessSensorEvent(ASensorEvent event);
@@ -87,9 +90,9 @@ class FP_UTILS_EXPORT SensorListener {
   sp<SensorPollingWorkerThread> sensor_polling_worker_thread_ FP_GUARDED_BY(mutex_);
   std::mutex mutex_;
 
-  // Guarded by mutex_. The queue is owned; the others belong to the platform. All are gone when the
-  // system server dies.
-  ASensorManager* sensor_manager_ FP_GUARDED_BY(mutex_) = nullptr;  // set: connected
+  // Guarded by mutex_. The queue is owned; the others belong to the platform. All become invalid
+  // when the system server dies.
+  ASensorManager* sensor_manager_ FP_GUARDED_BY(mutex_) = nullptr;  // null unless connected
   ASensorList sensor_list_ FP_GUARDED_BY(mutex_) = nullptr;
   int32_t sensor_count_ FP_GUARDED_BY(mutex_) = 0;
   ALooper* looper_ = nullptr;  // set before the worker exists, then constant
@@ -101,7 +104,7 @@ class FP_UTILS_EXPORT SensorListener {
   std::array<std::atomic<bool>, kSensorTypes> sampling_ = {};
 
  public:
-  // Installed by the service; with an empty one, the events are dropped.
+  // Set by the service. The events of a sensor whose callback is empty are dropped.
   SensorCallback light_sensor_callback_;
   SensorCallback long_press_sensor_callback_;
 };

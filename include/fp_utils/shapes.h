@@ -12,8 +12,8 @@
 // Threading:  no shared state; const operations may run on several threads at once.
 // Blocking:   none.
 // Errors:     none. Fields are not validated: with a NaN, swapped corners or a negative radius a
-//             shape contains nothing. A coverage that is not finite is unknown: there was nothing
-//             to cover, or there were too many samples to count.
+//             shape contains nothing. A coverage that is not finite means that it is unknown: there
+//             was nothing to cover, or there were too many samples to count.
 // Units:      panel units, x to the right, y downwards; radians; coverage in percent.
 
 namespace android::fp_utils {
@@ -53,13 +53,14 @@ class FP_UTILS_EXPORT Circle : public IShape {
   std::string Print() const override;
   [[nodiscard]] bool Contains(const Point& p) const override;
 
-  // Percentage of this circle's samples that lie in `other`, on a grid over the bounding box.
+  // Percentage of this circle's samples that also lie in `other`. The samples are the points of a
+  // grid over the circle's bounding box that lie in the circle.
   [[nodiscard]] float CoverageCoveredBy(const IShape& other) const;
 
   // Percentage of this circle's area that lies in `other`, in closed form.
   [[nodiscard]] float CoverageCoveredBy(const Circle& other) const;
 
-  // Samples a class derived from Circle, because it may override Contains().
+  // Uses the sampled estimate for a class derived from Circle, because it may override Contains().
   template <typename Derived>
   requires std::is_convertible_v<const Derived*, const Circle*>
   [[nodiscard]] float CoverageCoveredBy(const Derived& other) const {
@@ -98,12 +99,12 @@ class FP_UTILS_EXPORT Rect : public IShape {
 
   // Counts the samples of a grid over this rectangle that lie in s1, in s2 and in both. The grid
   // has one sample per panel unit, edges included, unless the property
-  // persist.vendor.udfps.geometry.rect.{x,y}_axis_scan_points sets their number on an axis. Calls
-  // Contains() of each shape for the corners first. A shape that does not contain all of them is
+  // persist.vendor.udfps.geometry.rect.{x,y}_axis_scan_points sets the number on that axis. First
+  // calls Contains() of each shape for the corners. A shape that does not contain all of them is
   // then tested at every sample, row by row, s1 before s2.
   //
   // If both shapes are exactly of class Circle, Ellipse or Rect, whole rows are counted at once,
-  // with the same result. The counters wrap.
+  // with the same result. The counters wrap around when they overflow.
   void NumOfPointsIn(const IShape& s1, const IShape& s2, unsigned int& in_s1, unsigned int& in_s2,
                      unsigned int& in_both) const;
 

@@ -26,7 +26,7 @@ class LivenessGuard;
 // Threading:  GetCpuSeverity() locks, and holds the lock while it waits for the HAL.
 // Ownership:  when the object is destroyed, the worker may still be waiting for a HAL that never
 //             starts. The worker is not stopped, but does not use the object any more.
-// Blocking:   the constructor waits at most 10 ms for the connection, GetCpuSeverity() waits for
+// Blocking:   the constructor waits at most 10 ms for the connection. GetCpuSeverity() waits for
 //             the HAL.
 // Errors:     logged; see GetCpuSeverity().
 class FP_UTILS_EXPORT Thermal {
@@ -39,8 +39,8 @@ class FP_UTILS_EXPORT Thermal {
   Thermal(const Thermal&) = delete;
   Thermal& operator=(const Thermal&) = delete;
 
-  // The throttling severity, 0 (none) to 6 (shutdown), of the first skin sensor; 0 also if the
-  // HAL fails or has no skin sensor. -ENODEV while not connected.
+  // Returns the throttling severity of the first skin sensor, 0 (none) to 6 (shutdown). Also
+  // returns 0 if the HAL fails or has no skin sensor. Returns -ENODEV while not connected.
   int32_t GetCpuSeverity();
 
  private:
@@ -55,7 +55,8 @@ class FP_UTILS_EXPORT Thermal {
   sp<ConnectThermalHalThread> connect_thermal_hal_thread_;
   const std::shared_ptr<LivenessGuard> liveness_;  // shared with the worker
 
-  // Whether thermal_ is set. The constructor reads it, because it must not wait for the lock.
+  // Whether thermal_ is set. The constructor reads this flag, because it must not wait for the
+  // lock.
   std::atomic<bool> connected_ = false;
 };
 

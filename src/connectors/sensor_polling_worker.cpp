@@ -9,7 +9,7 @@
 namespace android::fp_utils {
 namespace {
 
-// The time that a worker has to react before it is woken again.
+// How long Stop() waits for the worker to end before it wakes the looper again.
 constexpr std::chrono::milliseconds kWakeInterval{1};
 
 thread_local const SensorListener::SensorPollingWorkerThread* current_worker = nullptr;
@@ -23,8 +23,8 @@ bool SensorListener::SensorPollingWorkerThread::Start() {
 bool SensorListener::SensorPollingWorkerThread::Stop() {
   if (isRunning()) {
     requestExit();
-    // Another poller of the process can take the wake, so one may not be enough. A superfluous wake
-    // only ends one poll early.
+    // Another thread that polls the same looper can consume the wake, so one wake may not be
+    // enough. A superfluous one only ends a poll early.
     do {
       ALooper_wake(listener_->looper_);
       std::this_thread::sleep_for(kWakeInterval);

@@ -22,11 +22,11 @@ constexpr BackupFile::LogNames kLogNames = {
     .load_signature = "void android::fp_utils::AuthStats::LoadAttemptsFromBackupFile()",
 };
 
-// A single failed touch is not worth a write. From this many in a row on, each reject is saved.
+// A single reject is not worth a write. From this many consecutive rejects on, each one is saved.
 constexpr uint32_t kRejectsBeforeSave = 5;
 
-// Counted over all histories of the process, because they see the same finger. Atomic, because each
-// history holds only its own lock.
+// One count for all histories of the process, because they record the same finger. It is atomic,
+// because each history holds only its own lock.
 std::atomic<uint32_t> consecutive_rejects = 0;
 
 }  // namespace

@@ -41,8 +41,8 @@ std::string EnrollEvent::ToBackupString() const {
   return text.ToString();
 }
 
-// Fields without a temporary are scanned straight into the record. After a failure it holds those
-// that were readable.
+// sscanf() stores most fields directly in the record, so a record that fails to load keeps the ones
+// that were read before the failure.
 bool EnrollEvent::LoadFromBackupString(std::string& text) {
   unsigned long long stored_time = 0;
   int stored_op = 0;
@@ -58,8 +58,8 @@ bool EnrollEvent::LoadFromBackupString(std::string& text) {
   timestamp = static_cast<time_t>(stored_time);
   op = static_cast<uint32_t>(stored_op);
   enroll_successful = stored_success != 0;
-  // The pattern is stricter than the scan. A text that only the scan accepts is not shortened, and
-  // the derived record then fails to load.
+  // The pattern is stricter than sscanf(). If only sscanf() accepts the text, nothing is removed
+  // from it, and the derived record then fails to load.
   RemoveFirstMatch(text, "xdxxxxfx");
   return true;
 }

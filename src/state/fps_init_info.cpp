@@ -27,8 +27,8 @@ std::string TimeText(TimePoint time) {
   return LocalTimeText(std::chrono::system_clock::to_time_t(time));
 }
 
-// The result is ignored: without the device, the shell reports the error itself. The command is
-// made of constants only, so nothing can be injected into it.
+// The result is ignored: if the log device is missing, the shell reports the error itself. The
+// command consists only of constants, so nothing can be injected into it.
 void CopyTrustyLog() {
   char command[1024];
   snprintf(command, sizeof command, "cat %s > %s", kTrustyLog, kTrustyLogCopy);
@@ -60,7 +60,7 @@ void FpsInitInfo::RecordState(State state) {
   }
 }
 
-// Records the error and returns the whole text.
+// Records the error and returns the text of all errors so far.
 std::string FpsInitInfo::Append(int code, const std::string& message) {
   const std::lock_guard lock(record_mutex_);
   error_code_ = code;
@@ -77,7 +77,7 @@ void FpsInitInfo::SetError(int code, std::string message) {
   const std::lock_guard lock(mutex_);
   const std::string error_str = Append(code, message);
   FP_LOG_ERROR(kTag, "%s: error_str_:%s", "SetError", error_str.c_str());
-  base::SetProperty(kErrorProperty, error_str);  // fails if it is too long
+  base::SetProperty(kErrorProperty, error_str);  // fails if the text is too long for a property
   if (!base::WriteStringToFile(error_str, kErrorFile)) {
     FP_LOG_ERROR(kTag, "%s: failed to write '%s'", "SetError", kErrorFile);
   }

@@ -81,12 +81,12 @@ class ThermalTest : public ::testing::Test {
     thermal_.emplace();
   }
 
-  // The lines of the two threads apart, since the worker's may come anywhere between the
-  // constructor's.
+  // The log lines of the two threads, kept apart because the worker's may come anywhere between
+  // the constructor's.
   struct Logs {
     Log constructor, worker;
   };
-  // Waits for the last line of the worker.
+  // Collects lines until the worker has logged `last_line`.
   static Logs TakeLogs(const LogLine& last_line) {
     Logs logs;
     EXPECT_TRUE(Eventually([&] {
@@ -164,7 +164,7 @@ TEST_F(ThermalTest, DeviceWithoutThermalHalNeverConnects) {
   EXPECT_LOG(not_connected, not_connected, not_connected);
 }
 
-// The worker waits for the service and connects when it starts. Nobody else is blocked meanwhile.
+// The worker waits for the service and connects when it starts. It blocks no other thread.
 TEST_F(ThermalTest, LateServiceIsConnectedInTheBackground) {
   fp_host::RemoteService* const kServices[] = {&aidl_, &hidl_};
   for (fp_host::RemoteService* service : kServices) {
@@ -189,7 +189,7 @@ TEST_F(ThermalTest, ConstructorSeesAConnectionInTime) {
   }));
 }
 
-// A failure counts as no throttling, and the monitor does not connect again.
+// After a failure the severity is 0 (no throttling), and the monitor does not reconnect.
 TEST_F(ThermalTest, EveryCallMeetsEveryFault) {
   using Service = fp_host::RemoteService;
   const auto refuse = [this](Service&) {
@@ -227,7 +227,7 @@ TEST_F(ThermalTest, EveryCallMeetsEveryFault) {
 
 TEST(ThermalLifetime, WorkerMayFindTheMonitorGone) {
   MuteLog(true);
-  std::thread([] {}).join();  // with the first thread, a sanitizer may start one of its own
+  std::thread([] {}).join();  // a sanitizer may start its own thread along with the first
   const long threads = CountThreads();
   for (int i = 0; i < Share(30); ++i) {
     ThermalService service;
@@ -248,7 +248,8 @@ TEST(ThermalLifetime, WorkerMayFindTheMonitorGone) {
   }
 }
 
-// The exit handler is registered first, so it runs after static objects were destroyed.
+// The exit handler is registered first, so it runs after the destruction of all static objects that
+// are constructed later.
 TEST(ThermalLifetimeDeathTest, ThreadsMayAskWhileTheProcessExits) {
   ::testing::FLAGS_gtest_death_test_style = "threadsafe";
   static std::atomic<int> answers = 0;
@@ -279,7 +280,7 @@ TEST(ThermalLifetimeDeathTest, ProcessExitsWhileTheWorkerWaits) {
   ::testing::FLAGS_gtest_death_test_style = "threadsafe";
   EXPECT_EXIT(
       {
-        MuteLog(true);  // the worker may log when the recorder is gone
+        MuteLog(true);  // the worker may log after the recorder is destroyed
         static auto* const service = new ThermalService;
         service->Declare();
         const bool not_connected = Thermal::GetInstance().GetCpuSeverity() == -ENODEV;

@@ -15,12 +15,13 @@ class HistoryUnderTest {
  public:
   virtual ~HistoryUnderTest() = default;
 
-  // Adds the `number`-th of a series of records that are all different, and saves.
+  // Adds record `number` of a series in which all records differ, and saves.
   virtual void AddAndSave(int number) = 0;
-  // Adds a record that `other`, a history of the same kind, holds too, and saves.
+  // Adds the record at `index` of `other`, a history of the same kind, so that both hold it, and
+  // saves.
   virtual void AddAndSaveOneOf(HistoryUnderTest& other, size_t index) = 0;
   virtual void AddNull() = 0;
-  // Changes one of the floats of a record that is held.
+  // Changes a float field of the record at `index`.
   virtual void SetFloat(size_t index, float value) = 0;
   // The texts of the records held, oldest first.
   virtual std::vector<std::string> RecordTexts() const = 0;
@@ -30,10 +31,10 @@ struct HistoryKind {
   const char* name;
   const char* path;
   int full_size;  // capacity, and records in a file of usual size
-  // Constructs the history as a service does at start, which loads its file.
+  // Constructs the history and loads its file, as a service does when it starts.
   std::function<std::unique_ptr<HistoryUnderTest>()> start;
 
-  // Parts of its log lines.
+  // Parts of the log lines that the history writes.
   const char *create_operation, *load_operation, *save_operation;
   const char *damage_prefix, *null_message;
 };
@@ -44,7 +45,8 @@ inline std::ostream& operator<<(std::ostream& out, const HistoryKind& kind) {
 
 std::vector<HistoryKind> AllHistoryKinds();
 
-// The frame of a record in a backup file. The header says `length`, which may be wrong.
+// The frame of a record in a backup file. Its header states `length`, which a test may set to a
+// wrong value.
 std::string Frame(const std::string& text, unsigned long long length);
 inline std::string Frame(const std::string& text) { return Frame(text, text.size()); }
 

@@ -23,7 +23,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// What one input gave: its contents, or why there are none.
+// The result of reading one input: its contents, or the reason why there are none.
 struct ReadResult {
   std::string path;
   Contents contents = {};
@@ -31,12 +31,12 @@ struct ReadResult {
   std::string warning = {};
 };
 
-// What becomes of a command's inputs, and the exit code that follows.
+// Reports how reading a command's inputs went, and determines the exit code.
 class Outcome {
  public:
   explicit Outcome(Output& output) : output_(output) {}
 
-  // Reports what an input gave; true if it gave contents.
+  // Reports the errors and warnings of an input; true if there are none.
   bool Take(const ReadResult& result) {
     if (!result.warning.empty()) {
       output_.PutWarning(result.path, result.warning);
@@ -72,7 +72,8 @@ class Outcome {
   bool is_damaged_ = false;
 };
 
-// Of a folder, the files that have something; of another input always what it gave.
+// For a folder, the results of the files that have records, damage or errors; for any other input,
+// its result.
 std::vector<ReadResult> ReadAll(const std::string& input, InputKind kind) {
   std::vector<ReadResult> results;
   const auto read = [&](const std::string& path, bool is_asked_for) {
@@ -176,7 +177,7 @@ std::vector<std::string> DevicesOf(const std::vector<std::string>& inputs, Outco
   return devices;
 }
 
-// Reads `paths` with several threads, each result at its path's place.
+// Reads `paths` with several threads; the results have the order of `paths`.
 std::vector<std::vector<ReadResult>> ReadInParallel(const std::vector<std::string>& paths,
                                                     InputKind kind, unsigned jobs) {
   std::vector<std::vector<ReadResult>> results(paths.size());
@@ -270,8 +271,8 @@ int RunFleet(const Options& options) {
   const std::vector<std::string> devices = DevicesOf(options.inputs, &outcome);
   const unsigned jobs =
       options.jobs > 0 ? options.jobs : std::max(1U, std::thread::hardware_concurrency());
-  // Only a batch is in memory. Its devices are put together by one thread, since zones are the
-  // process's.
+  // Only one batch is in memory at a time. One thread merges its devices, because a zone applies to
+  // the whole process.
   const size_t batch = size_t{16} * jobs;
   Fleet fleet;
   for (size_t begin = 0; begin < devices.size(); begin += batch) {

@@ -12,7 +12,7 @@
 
 namespace fp_inspect {
 
-// What the command line says.
+// The parsed command line.
 struct Options {
   std::vector<std::string> inputs;
   InputKind kind = InputKind::kNone;
@@ -23,13 +23,13 @@ struct Options {
   bool salvage = false;
   By by = By::kNothing;
   Filter filter;
-  unsigned jobs = 0;  // 0: one a processor
+  unsigned jobs = 0;  // 0: one per processor
   size_t top = 20;
   std::optional<Calibration> calibration;
   std::vector<Settings> variants;
   bool check = false;
   bool model = false;
-  std::vector<std::string> others;  // the second group of a comparison
+  std::vector<std::string> others;  // side B of a comparison
   bool since_when = false;
   bool exit_code = false;
 };
@@ -43,8 +43,8 @@ int RunFleet(const Options& options);
 int RunReplay(const Options& options);
 int RunCompare(const Options& options);
 
-// Whether a text is a moment for `since` and `until`: "2026-03-04", with " 05:06[:07]", or "@" and
-// seconds since the epoch.
+// Whether `text` is a valid `since` or `until`: "2026-03-04", optionally followed by " 05:06" or
+// " 05:06:07", or "@" followed by seconds since the epoch.
 bool IsMoment(const std::string& text);
 
 }  // namespace fp_inspect

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// From dumps, bug reports and backup files to the causes of failed unlocks. docs/fp_inspect.md
-// documents commands, formats and exit codes.
+// Finds the causes of failed unlocks in dumps, bug reports and backup files. docs/fp_inspect.md
+// documents the commands, formats and exit codes.
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
@@ -136,7 +136,7 @@ void AddFleet(CLI::App* app, Options* options) {
       ->type_name("N");
 }
 
-// What `replay` is given as text.
+// The options of `replay` that are parsed later, as text.
 struct ReplayTexts {
   std::string calibration;
   std::vector<std::string> settings;
@@ -261,9 +261,10 @@ int Main(int argc, char** argv) {
   } catch (const CLI::ParseError& error) {
     return app.exit(error) == 0 ? kDone : kUsage;
   }
-  // The machine's zone by name: without one each conversion looks whether the file has changed.
+  // Names the file of the machine's zone. If TZ is not set, each conversion checks whether that
+  // file has changed.
   setenv("TZ", ":/etc/localtime", 0);
-  __android_log_set_minimum_priority(ANDROID_LOG_SILENT);  // damage is told in the tool's own words
+  __android_log_set_minimum_priority(ANDROID_LOG_SILENT);  // the tool reports damage itself
   const std::map<std::string, int (*)(const Options&)> commands = {
       {"summary", RunSummary}, {"list", RunList},     {"verify", RunVerify},
       {"fleet", RunFleet},     {"replay", RunReplay}, {"compare", RunCompare}};

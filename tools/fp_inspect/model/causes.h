@@ -8,8 +8,8 @@
 
 namespace fp_inspect {
 
-// What divides good values from bad ones: of the exposure controller its own settings, else its
-// defaults; the coverage below which rejects become frequent.
+// The limits between good and bad values: those of the exposure controller, from its settings in a
+// dump or else its defaults, and the coverage below which rejects become frequent.
 struct Thresholds {
   static Thresholds Of(const std::optional<Exposure>& exposure);
 
@@ -24,7 +24,7 @@ struct Thresholds {
 struct Cause {
   std::string id;
   std::string title;
-  std::string meaning;    // for tuning
+  std::string meaning;    // what it means to those who tune
   bool is_light = false;  // shows too much or too little light
 };
 

@@ -43,7 +43,7 @@ void DarkWhileDisplayFailed(const Device& device, Summary* summary) {
                                explained, dark});
 }
 
-// Of a matcher's word, how many of its rejects have values that say otherwise.
+// How many of the rejects that the matcher calls "Low quality" have a good iq.
 void LowQualityContradicted(const Device& device, Summary* summary) {
   const Thresholds& limits = summary->thresholds;
   size_t said = 0;
@@ -69,7 +69,7 @@ void LowQualityContradicted(const Device& device, Summary* summary) {
        good, said});
 }
 
-// The sample is emptied by a step. One that is full and calls for a step shows that it was refused.
+// A step empties the sample. If a full sample calls for a step, that step was refused.
 void ExposureAtBound(const Device& device, Summary* summary) {
   if (!device.exposure) {
     return;

@@ -5,8 +5,8 @@
 
 namespace fp_inspect {
 
-// Lays the parts of a device's dumps side by side and adds what does not fit together, or what one
-// part explains in another: findings, and notes on causes.
+// Compares the parts of a device's dumps with each other. Adds findings where parts contradict each
+// other, and notes on causes where one part explains another.
 void CrossCheck(const Device& device, Summary* summary);
 
 }  // namespace fp_inspect

@@ -12,7 +12,7 @@
 namespace fp_inspect {
 namespace {
 
-constexpr double kLeastFailures = 5;  // on both sides together, for a share to be tested
+constexpr double kLeastFailures = 5;  // on both sides together, below which a share is not tested
 
 struct Sample {
   const AuthEventG7& attempt;
@@ -31,9 +31,9 @@ Value If(bool counts, double value) {
   return counts && std::isfinite(value) ? Value(value) : std::nullopt;
 }
 
-// A row takes a value from each attempt that it is about. A new row is a new entry. Light shows in
-// quality and raw mean, but so does a finger that covers little of the sensor: what is said of
-// light is said of covered images, and stands behind what is said of coverage.
+// A row takes a value from each attempt that it is about. To add a row, add an entry. Light changes
+// quality and raw mean, but so does a finger that covers little of the sensor. The rows about light
+// therefore use only covered images, and come after the rows about coverage.
 struct Measure {
   const char* id;
   const char* title;
@@ -97,7 +97,7 @@ class Table {
     }
   }
 
-  // Puts what stands before and behind `split` side by side.
+  // Puts the bursts before `split` on side A and the others on side B.
   void SplitAt(size_t split, Comparison* comparison) const {
     comparison->rows.resize(rows_.size());
     for (size_t i = 0; i < rows_.size(); ++i) {
@@ -112,7 +112,8 @@ class Table {
     }
   }
 
-  // Tests the rows that could show something, by their records on both sides together.
+  // Tests the rows with enough records to show a difference, and for shares also enough failures
+  // and enough others.
   template <typename Statistic>
   void Test(bool of_any_split, const Statistic& statistic, Comparison* comparison) const {
     std::vector<Bursts> tested;
@@ -196,7 +197,7 @@ const CompareRow& Find(const Comparison& comparison, const std::string& id) {
                        [&](const CompareRow& row) { return row.id == id; });
 }
 
-// Names the evidence of one row, and the others that show a difference.
+// States the evidence of one row, and names the other rows that show a difference.
 std::string Shown(const Comparison& comparison, const CompareRow& row, const std::string& a,
                   const std::string& b) {
   std::string text =
@@ -268,7 +269,7 @@ Comparison CompareSinceWhen(const std::vector<Record>& attempts, const Threshold
                                      attempts.size(), table.Count());
     return comparison;
   }
-  // The row with the least p says when; of several the first.
+  // The row with the least p gives the time; if several have it, the first of them.
   const auto best = std::min_element(
       comparison.rows.begin(), comparison.rows.end(),
       [](const CompareRow& x, const CompareRow& y) { return x.p.value_or(2) < y.p.value_or(2); });

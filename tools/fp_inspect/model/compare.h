@@ -15,22 +15,22 @@ namespace fp_inspect {
 
 // What is measured on both sides. Ids are stable: they are only added to.
 struct CompareRow {
-  // A share of few records says nothing, nor does a mean.
+  // A share or a mean of few records says nothing.
   bool IsLarge() const { return a.n >= 20 && b.n >= 20; }
   bool HasInterval() const { return IsLarge() && difference.low <= difference.high; }
   bool IsShown() const { return p && *p <= 0.05; }
 
   std::string id;
   std::string title;
-  bool is_share = false;  // else a mean
+  bool is_share = false;  // otherwise a mean
   BurstSum a = {};        // of a share, `sum` is k
   BurstSum b = {};
-  Interval difference = {};      // of b minus a at 95 %, else NaN
-  std::optional<double> p = {};  // corrected for the number of rows; of rows that are tested
+  Interval difference = {};      // of b minus a at 95 %; NaN if there is none
+  std::optional<double> p = {};  // corrected for the number of rows; only of tested rows
 };
 
-// In one timeline: the first attempt behind the change, and the first and last attempts that the
-// data hardly tell from it. Seconds since the epoch.
+// A change within one timeline: the time of the first attempt after it, and the earliest and latest
+// times that fit the data almost as well. In seconds since the epoch.
 struct Change {
   int64_t at = 0;
   int64_t earliest = 0;
@@ -47,12 +47,12 @@ struct Comparison {
   std::string verdict = {};  // one sentence
 };
 
-// Two groups of attempts, by one set of thresholds.
+// Compares two groups of attempts, using the same thresholds for both.
 Comparison Compare(const std::vector<Record>& a, const std::vector<Record>& b,
                    const Thresholds& thresholds);
 
-// One timeline before and behind the change that its bursts show best. Without one there are no
-// rows.
+// Compares the attempts of one timeline before and after the change that its bursts show best. If
+// there is no change, the result has no rows.
 Comparison CompareSinceWhen(const std::vector<Record>& attempts, const Thresholds& thresholds,
                             const Zone& zone);
 

@@ -41,7 +41,7 @@ constexpr Name kNames[] = {
     {"lower_bound_us", "kExpoLowerBoundUs"},
 };
 
-// Asks the platform, as the library does: a text that is not taken gives either default.
+// Asks the platform, as the library does: if a text is not valid, each call returns its default.
 std::optional<uint32_t> Taken(const std::string& text) {
   constexpr char kScratch[] = "fp_inspect.value";
   SetProperty(kScratch, text);
@@ -130,7 +130,7 @@ ExposureController::ExposureController(const Settings& settings,
     auto& self = *static_cast<ExposureController*>(context);
     self.expo_ = self.is_calibrated_ ? expo : NAN;
   });
-  // So large a base that no number of steps comes near a bound.
+  // The base is so large that no number of steps comes near a bound.
   const Calibration used = calibration.value_or(Calibration{.expo = 1000, .base = 1e9F});
   controller_->UpdateCaliExpo(used.expo, used.base);
 }

@@ -14,17 +14,18 @@
 
 namespace fp_inspect {
 
-// Settings of the exposure controller by the last part of their property's name
-// ("frr_threshold"). What is left out has the library's default.
+// Settings of the exposure controller, by the last part of their property's name
+// ("frr_threshold"). A setting that is missing has the library's default.
 using Settings = std::map<std::string, uint32_t>;
 
-// Of a dump, which has other names for them.
+// Converts the settings of a dump, which have other names there.
 Settings SettingsOf(const Exposure& exposure);
 
 using Setting = std::pair<std::string, uint32_t>;
 
-// "frr_threshold=10", and "frr_threshold=10:40:5" for 10, 15 and so on up to 40. Throw
-// std::invalid_argument if no class reads the name or would not take the value.
+// ParseSetting() takes "frr_threshold=10"; ParseSweep() takes "frr_threshold=10:40:5" for 10, 15
+// and so on up to 40. Both throw std::invalid_argument if the controller does not know the name or
+// would not accept the value.
 Setting ParseSetting(const std::string& text);
 std::vector<Setting> ParseSweep(const std::string& text);
 
@@ -36,10 +37,10 @@ struct Calibration {
   float base = 0;
 };
 
-// The library's controller as in a service that has just started. Without a calibration it knows
-// no bounds and tells no exposure.
+// The library's controller, as in a service that has just started. Without a calibration it has no
+// bounds and no exposure.
 //
-// Threading:  settings are properties of the process, so one thread makes controllers.
+// Threading:  settings are properties of the process, so only one thread may construct controllers.
 class ExposureController {
  public:
   ExposureController(const Settings& settings, const std::optional<Calibration>& calibration);
@@ -50,7 +51,7 @@ class ExposureController {
   int32_t GetStep() const { return controller_->GetStep(); }
   float GetExpo() const { return expo_; }  // milliseconds; NaN without a calibration
 
-  // The settings and the sample, as a dump of it shows them.
+  // The settings and the sample, as a dump of this controller shows them.
   Exposure Dump() const;
 
  private:

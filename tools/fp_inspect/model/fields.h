@@ -12,8 +12,8 @@
 
 namespace fp_inspect {
 
-// A record as a flat row, with the names of docs/backup-file.md. What a record does not have, as
-// the packed metrics of a dump line, is nothing.
+// A record as a flat row, with the field names of docs/backup-file.md. A field that the record does
+// not have, such as the packed metrics in a dump line, is std::monostate.
 using FieldValue = std::variant<std::monostate, int64_t, double, std::string>;
 using Row = std::vector<std::pair<std::string, FieldValue>>;
 
@@ -22,12 +22,12 @@ Row RowOf(const Record& record, const Thresholds& thresholds);
 // "attempt", "enrollment", "finger_size", "error".
 const char* NameOf(RecordKind kind);
 
-// The names of all kinds' fields in the order of a table.
+// The names of the fields of all kinds, in the order of the columns of a table.
 const std::vector<std::string>& FieldNames();
 
-// What `list` shows: everything that is set must apply.
+// Which records `list` shows: those to which all conditions that are set apply.
 struct Filter {
-  // "t_cov<60"; on failure empty, and `why` says what is wrong.
+  // Parse() takes "t_cov<60". On failure it returns nothing, and `why` says what is wrong.
   struct Condition {
     static std::optional<Condition> Parse(const std::string& text, std::string* why);
 
@@ -39,7 +39,7 @@ struct Filter {
   bool Admits(const Record& record, const Thresholds& thresholds) const;
 
   bool failed = false;
-  std::string reason;  // or the name of an acquisition error; in any case of letters
+  std::string reason;  // or the name of an acquisition error; case is ignored
   std::optional<int> finger;
   std::vector<Condition> where;
 };

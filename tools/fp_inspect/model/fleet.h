@@ -9,7 +9,7 @@
 
 namespace fp_inspect {
 
-// What is kept of each of many devices.
+// What is kept in memory for each of many devices.
 struct FleetRow {
   std::string name;
   size_t attempts = 0;
@@ -30,7 +30,7 @@ struct Fleet {
   struct CauseInFleet {
     Cause cause;
     size_t failures = 0;
-    size_t devices = 0;      // that have it at all
+    size_t devices = 0;      // that have it
     size_t devices_top = 0;  // where it is the most frequent one
   };
 

@@ -18,7 +18,7 @@ size_t PositionAt(const Records& records, int64_t time) {
   return static_cast<size_t>(at - records.begin());
 }
 
-// The first attempt that a run from `begin` on made; empty if attempts may be missing ahead of it.
+// The first attempt of the run that began at `begin`; empty if attempts may be missing before it.
 std::optional<size_t> FirstOf(const Timeline& timeline, int64_t begin) {
   const size_t first = PositionAt(timeline.records, begin);
   const bool in_gap = std::any_of(timeline.gaps.begin(), timeline.gaps.end(), [&](const Gap& gap) {
@@ -76,7 +76,7 @@ Run MakeRun(const Timeline& timeline, const std::vector<const ControllerDump*>& 
   return run;
 }
 
-// The last attempts of `fed`, those behind `begin` at most.
+// The last `size` attempts of `fed`, but none before `begin`.
 Sample SampleOf(const std::vector<AuthEventG7>& fed, size_t begin, size_t size) {
   Sample sample = {.first = std::max(begin, fed.size() - std::min(fed.size(), size)),
                    .last = fed.size() - 1};
@@ -94,8 +94,8 @@ Sample SampleOf(const std::vector<AuthEventG7>& fed, size_t begin, size_t size) 
   return sample;
 }
 
-// Leads a controller through the run. Attempts at another exposure than the recorded one are
-// modelled if there is a fit, and else fed as they were recorded.
+// Feeds the attempts of the run to a controller. If there is a fit, attempts at an exposure other
+// than the recorded one are modelled; otherwise they are fed as they were recorded.
 Course Play(const Run& run, const Settings& settings, const std::optional<Calibration>& calibration,
             const SensorFit* fit, std::vector<ReplayCheck>* checks = nullptr) {
   Course course;
@@ -132,7 +132,7 @@ Course Play(const Run& run, const Settings& settings, const std::optional<Calibr
   return course;
 }
 
-// The first step that only one course has, or that leads to another exposure.
+// The first step that only one of the courses has, or that leads to different exposures.
 std::optional<Departure> DepartureOf(const Course& recorded, const Course& other,
                                      bool has_same_unit) {
   for (size_t i = 0; i < std::max(recorded.steps.size(), other.steps.size()); ++i) {
@@ -166,7 +166,7 @@ void Fit(Replay* replay) {
 
 }  // namespace
 
-// Both were printed by the library with two decimals.
+// The values can be compared exactly, because the library printed both with two decimals.
 bool ReplayCheck::Agrees() const {
   const auto key = [](const Exposure& e) {
     return std::tuple(e.sample_size, e.frr, e.avg_iq, e.avg_raw_mean);

@@ -13,7 +13,7 @@
 
 namespace fp_inspect {
 
-// The attempts behind a decision. `first` and `last` are positions in the run.
+// The attempts on which a step was decided. `first` and `last` are positions in the run.
 struct Sample {
   size_t first = 0;
   size_t last = 0;
@@ -31,12 +31,12 @@ struct ExposureStep {
   Sample sample = {};
 };
 
-// What a dump says of the sample, and what the replay has there.
+// The sample that a dump shows, and that of the replay at the same attempt.
 struct ReplayCheck {
   bool Agrees() const;
 
   uint32_t source = 0;
-  size_t attempts = 0;  // of the run, that were made before the dump
+  size_t attempts = 0;  // of the run that were made before the dump
   Exposure dumped = {};
   Exposure replayed = {};
 };
@@ -48,12 +48,13 @@ struct Course {
   size_t rejected = 0;
 };
 
-// A service from its bring-up to the last dump of it. What came later may belong to another.
+// One run of the service, from its bring-up to its last dump. Later attempts may belong to another
+// run.
 struct Run {
   int64_t begin = 0;
   std::vector<AuthEventG7> attempts = {};
   std::vector<int64_t> times = {};
-  std::string unknown = {};  // why it, or its end, is not replayed
+  std::string unknown = {};  // why the run or its end is not replayed
   Settings settings = {};
   Course recorded = {};
   std::vector<ReplayCheck> checks = {};
@@ -66,11 +67,11 @@ struct Departure {
   size_t at = 0;                              // position of the attempt
   std::optional<ExposureStep> recorded = {};  // the steps made there
   std::optional<ExposureStep> other = {};
-  std::optional<Course> modelled = {};  // the whole run, modelled behind that attempt
+  std::optional<Course> modelled = {};  // the whole run, modelled after that attempt
 };
 
 struct Variant {
-  Settings settings = {};  // that differ from those of the device
+  Settings settings = {};  // only those that differ from the device's
   std::vector<Departure> departures = {};
 };
 
@@ -88,7 +89,7 @@ struct Replay {
 Replay ReplayRecorded(const Device& device, const std::optional<Calibration>& calibration,
                       bool model);
 
-// Adds the departures that `settings` on top of the device's lead to.
+// Adds the departures that result when `settings` override those of the device.
 void AddVariant(const Settings& settings, Replay* replay);
 
 }  // namespace fp_inspect

@@ -10,21 +10,22 @@
 
 namespace fp_inspect {
 
-// The sensor, as recorded images show it: raw mean proportional to the exposure, quality a
-// parabola of the raw mean, and an image that the finger covers rejected below a quality.
+// A model of the sensor, fitted to recorded images: the raw mean is proportional to the exposure,
+// the quality is a parabola of the raw mean, and an image that the finger covers is rejected below
+// a certain quality.
 struct SensorFit {
   struct Image {
     const AuthEventG7* attempt;
     float expo;  // milliseconds, in force at the capture
   };
-  // By least squares. Without a result for fewer than 20 images, and for images whose quality has
-  // no maximum over the raw mean.
+  // Fits by least squares. Returns nothing for fewer than 20 images, and for images whose quality
+  // has no maximum over the raw mean.
   static std::optional<SensorFit> Of(const std::vector<Image>& images);
 
   double Quality(double raw) const;
 
-  // What the attempt would have been with `ratio` times the exposure. Its own deviations from the
-  // fit stay with it, and its outcome changes where its quality crosses `iq_cut`.
+  // What the attempt would have been with `ratio` times the exposure. It keeps its own deviations
+  // from the fit, and its outcome changes if its quality crosses `iq_cut`.
   AuthEventG7 At(const AuthEventG7& attempt, double ratio) const;
 
   size_t images = 0;
@@ -36,7 +37,7 @@ struct SensorFit {
   double quality_error = 0;
   int32_t iq_cut = 0;
   size_t covered = 0;  // images with enough of the finger
-  size_t wrong = 0;    // of these, with another outcome than the cut says
+  size_t wrong = 0;    // of these, with another outcome than iq_cut predicts
 };
 
 }  // namespace fp_inspect

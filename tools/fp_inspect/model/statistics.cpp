@@ -168,7 +168,7 @@ std::vector<double> PermutationTest(const std::vector<Bursts>& rows,
 }
 
 double LeastP(size_t bursts, size_t split) {
-  // Of sides of equal size, exchanged sides lie as far apart.
+  // If the sides have the same size, exchanging them gives the same distance.
   double p = 2 * split == bursts ? 2 : 1;
   for (size_t i = 1; i <= split; ++i) {
     p *= static_cast<double>(i) / static_cast<double>(bursts - split + i);

@@ -16,7 +16,7 @@ struct Interval {
 inline constexpr double kZ95 = 1.959963984540054;   // normal quantile of 0.975
 inline constexpr double kZ999 = 3.290526731491926;  // of 0.9995
 
-// The score interval of a share of k in n, both ends within 0 and 1; of n = 0 all of it.
+// The score interval of a share of k in n, both ends within 0 and 1; all of 0 to 1 for n = 0.
 // E. B. Wilson, "Probable inference, the law of succession, and statistical inference", Journal of
 // the American Statistical Association 22 (1927), 209-212.
 Interval WilsonInterval(size_t k, size_t n, double z = kZ95);
@@ -40,13 +40,13 @@ struct BurstSum {
 using Bursts = std::vector<BurstSum>;
 BurstSum Total(std::span<const BurstSum> bursts);
 
-// The interval at 95 % of the mean value behind burst `split` minus that before it, with the
+// The interval at 95 % of the mean value from burst `split` on minus that before it, with the
 // variance of a ratio of sums over clusters; W. G. Cochran, "Sampling Techniques", third edition
 // (1977), section 6.3. NaN with fewer than two bursts on a side.
 Interval MeanInterval(const Bursts& bursts, size_t split);
 
-// How far the means of bursts before and behind `split` lie apart, in units of their standard error
-// but for a factor that is the same for all orders of the bursts.
+// How far apart the means of the bursts before `split` and from it on lie, in units of their
+// standard error, except for a factor that is the same for all orders of the bursts.
 double Distance(std::span<const BurstSum> bursts, size_t split);
 
 // The largest distance over the splits with 20 records or more on each side, and that split; 0
@@ -57,24 +57,24 @@ struct Peak {
 };
 Peak LargestDistance(std::span<const BurstSum> bursts);
 
-// The splits, from first to last, that the data hardly tell from `peak`: those whose likelihood
-// ratio lies below the quantile 0.99 of chi squared, with the variance between bursts; after
-// K. J. Worsley, "Confidence regions and tests for a change-point in a sequence of exponential
-// family random variables", Biometrika 73 (1986), 91-104.
+// The splits, from first to last, that fit the data almost as well as `peak`: those whose
+// likelihood ratio lies below the quantile 0.99 of chi squared, with the variance between bursts;
+// after K. J. Worsley, "Confidence regions and tests for a change-point in a sequence of
+// exponential family random variables", Biometrika 73 (1986), 91-104.
 struct SplitRange {
   size_t first = 0;
   size_t last = 0;
 };
 SplitRange RangeOf(const Peak& peak, std::span<const BurstSum> bursts);
 
-// Of each row, how likely orders of the same bursts give a statistic as large as the actual order:
-// (c + 1) / (n + 1) of n = 1,999 random orders, the same in each run; B. Phipson and G. K. Smyth,
-// "Permutation p-values should never be zero", Statistical Applications in Genetics and Molecular
-// Biology 9 (2010), article 39. All rows have the same bursts.
+// For each row, how likely a random order of its bursts gives a statistic as large as the actual
+// one: (c + 1) / (n + 1) of n = 1,999 random orders, the same in each run; B. Phipson and G. K.
+// Smyth, "Permutation p-values should never be zero", Statistical Applications in Genetics and
+// Molecular Biology 9 (2010), article 39. All rows have the same bursts.
 std::vector<double> PermutationTest(const std::vector<Bursts>& rows,
                                     const std::function<double(std::span<const BurstSum>)>& of);
 
-// The least p that such a test of `bursts` bursts can give, split behind the first `split`.
+// The least p that such a test can give if the first `split` of `bursts` bursts are on one side.
 double LeastP(size_t bursts, size_t split);
 
 // Corrects for the number of tests; S. Holm, "A simple sequentially rejective multiple test

@@ -13,7 +13,7 @@ namespace fp_inspect {
 
 struct Share {
   double Value() const { return n == 0 ? 0 : static_cast<double>(k) / static_cast<double>(n); }
-  // Fewer say too little for a percentage.
+  // With fewer, a percentage would say too little.
   bool IsLarge() const { return n >= 20; }
   Interval Range(double z = kZ95) const { return WilsonInterval(k, n, z); }
 
@@ -27,7 +27,7 @@ struct CauseCount {
   std::string note;  // what else the inputs say about it
 };
 
-// What a person would notice who lays the values side by side. Ids are stable.
+// What a person who compares the values would notice. Ids are stable.
 struct Finding {
   std::string id;
   std::string text;

@@ -15,16 +15,17 @@ namespace {
 
 constexpr size_t kDamageKept = 100;
 
-// Histories of round sizes are taken for full; the library fixes those of enrollments and errors.
+// A history whose size is a multiple of this is taken for full. The library fixes only the
+// capacities of enrollments and errors; services choose the others.
 constexpr size_t kRoundSize = 50;
 
-// How far apart the same record may stand in two histories behind records that only one has.
+// How many records may be in one history but not in the other before the next common record.
 constexpr size_t kReach = 64;
 
-// So many places are tried for the beginning of a history.
+// How many places are tried when looking for the beginning of a history.
 constexpr size_t kPlacesTried = 64;
 
-// What a record has alike in a dump and in a backup file, which round floats differently.
+// A hash of what is the same in a dump and in a backup file, which round floats differently.
 size_t KeyOf(const Record& record) {
   Record alike = record;
   if (auto* attempt = std::get_if<AuthEventG7>(&alike.value)) {
@@ -53,7 +54,7 @@ class Merger {
       NoteGap(records, size);
       Append(std::move(records), keys);
     }
-    timeline_.full = timeline_.full && size <= timeline_.largest;  // else it grew
+    timeline_.full = timeline_.full && size <= timeline_.largest;  // otherwise it has grown
     timeline_.largest = std::max(timeline_.largest, size);
   }
 
@@ -78,7 +79,7 @@ class Merger {
     }
   }
 
-  // How many records agree from there on; a run to the end of either is an overlap without a flaw.
+  // How many records agree from there on. A run to the end of either history is a perfect overlap.
   size_t RunAt(size_t old_at, size_t new_at, const std::vector<size_t>& keys, bool* to_end) const {
     size_t run = 0;
     while (old_at + run < keys_.size() && new_at + run < keys.size() &&
@@ -89,8 +90,8 @@ class Merger {
     return run;
   }
 
-  // Where the new history begins in the old: with the longest overlap, or else the longest run.
-  // Its first records may be missing there, for damage.
+  // Where the new history begins in the old one: at an overlap up to the end of either, or else at
+  // the longest run. Its first records may be missing from the old one because of damage.
   std::optional<Place> FindPlace(const std::vector<size_t>& keys) const {
     for (size_t new_at = 0; new_at < keys.size(); ++new_at) {
       const auto found = positions_.find(keys[new_at]);
@@ -115,7 +116,7 @@ class Merger {
     return std::nullopt;
   }
 
-  // Walks both from the place on. Where they differ, one has records that the other lost.
+  // Walks through both from that place on. Where they differ, one has records that the other lost.
   void Align(Place place, std::vector<Record> records, const std::vector<size_t>& keys) {
     size_t old_at = place.old_at;
     size_t new_at = place.new_at;
@@ -203,7 +204,8 @@ void DeviceBuilder::AddDumps(const Contents& contents, const Zone& zone) {
   constexpr std::string_view kSuccess = "Initialization successful, start_time:";
   size_t from = 0;
   for (const Exposure& exposure : contents.exposures) {
-    // A service may print its attempts behind the controller. In the only dump they are its own.
+    // A service may print its attempts after the controller. If there is only one dump, all
+    // attempts belong to it.
     const size_t to =
         contents.exposures.size() == 1 ? contents.snapshots.size() : exposure.snapshots;
     ControllerDump dump = {.exposure = exposure,

@@ -12,23 +12,24 @@
 
 namespace fp_inspect {
 
-// Between two histories of a device that have no record in common: attempts in between are lost.
+// A gap between two histories of a device that have no record in common: the records in between are
+// lost.
 struct Gap {
-  int64_t from = 0;        // seconds since the epoch, the last record before
-  int64_t to = 0;          // the first behind it
+  int64_t from = 0;        // seconds since the epoch, the last record before the gap
+  int64_t to = 0;          // the first record after it
   bool lost_past = false;  // a history that was not full should have held what is missing
 };
 
-// The records of one kind of all inputs of a device, in their order.
+// All records of one kind from all inputs of a device, in their order.
 struct Timeline {
   std::vector<Record> records;
   std::vector<Gap> gaps;
-  size_t dropped = 0;  // records of one history that the next should still have and has not
+  size_t dropped = 0;  // records missing from a history that should still have them
   size_t largest = 0;  // records in the longest history that was read
-  bool full = false;   // the first history probably was, so that earlier records are gone
+  bool full = false;   // the first history was probably full, so that earlier records are gone
 };
 
-// What a dump says of the exposure controller, and when.
+// What a dump says about the exposure controller, and to which time this applies.
 struct ControllerDump {
   Exposure exposure;
   uint32_t source = 0;               // number of the input
@@ -46,15 +47,15 @@ struct Device {
   std::vector<Damage> damage;  // the first ones, each text with its input
   size_t damage_count = 0;
   std::optional<Exposure> exposure;   // of the newest dump that has it
-  std::vector<ControllerDump> dumps;  // that tell of a bring-up without an error
+  std::vector<ControllerDump> dumps;  // those that show a bring-up without an error
   std::string bring_up;
-  std::string zone;  // in which local times were read; "" is the machine's
+  std::string zone;  // that was used to read local times; "" is the machine's
 };
 
-// Puts a device's inputs together as they arrive. Histories that overlap are aligned: what the end
-// of one and the beginning of the next have in common is one and the same, in its order, so that
-// equal neighbours stay apart and are not counted twice. A history that lost records in a restart
-// still aligns behind them.
+// Merges a device's inputs as they arrive. Histories that overlap are aligned: the records that the
+// end of one and the beginning of the next have in common, in the same order, are the same records.
+// Equal records that follow each other stay separate, and no record is counted twice. A history
+// that lost records in a restart is still aligned after the lost ones.
 class DeviceBuilder {
  public:
   // `zone` overrides the zone that the inputs name. Salvaged records are left out unless asked for.
@@ -69,7 +70,7 @@ class DeviceBuilder {
   Device device_;
   void AddDumps(const Contents& contents, const Zone& zone);
 
-  int64_t newest_ = INT64_MIN;  // the last record of the dump that exposure and bring-up are from
+  int64_t newest_ = INT64_MIN;  // last record of the dump that gave exposure and bring_up
   std::vector<Snapshot> snapshots_;
 };
 

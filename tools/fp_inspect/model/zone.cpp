@@ -10,7 +10,7 @@
 namespace fp_inspect {
 namespace {
 
-// What the process was started with.
+// The variable TZ with which the process was started.
 const std::optional<std::string>& MachinesZone() {
   static const auto zone = [] {
     const char* const name = getenv("TZ");

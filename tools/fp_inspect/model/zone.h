@@ -6,11 +6,11 @@
 
 namespace fp_inspect {
 
-// A time zone: "" is the machine's, others by their names in the zone database ("Europe/Berlin") or
-// in the form of the variable TZ ("CET-1CEST").
+// A time zone: "" is the machine's; others have a name in the zone database ("Europe/Berlin") or
+// the form of the variable TZ ("CET-1CEST").
 //
-// Threading:  conversions switch the zone of the process; one thread uses zones, and no other
-//             thread reads inputs meanwhile.
+// Threading:  conversions switch the zone of the process, so only one thread may use zones, and no
+//             other thread may read inputs in the meantime.
 class Zone {
  public:
   explicit Zone(std::string name = "");
@@ -19,8 +19,8 @@ class Zone {
 
   const std::string& GetName() const { return name_; }
 
-  // `wall` is a wall clock's time as if it were UTC. An hour that a clock change repeats is the
-  // first.
+  // `wall` is a wall clock's time as if it were UTC. If a clock change repeats an hour, a time in
+  // it is taken for the first of the two.
   int64_t ToEpoch(int64_t wall) const;
   int64_t ToWall(int64_t epoch) const;
   std::string Text(int64_t epoch, const char* form = "%Y-%m-%d %H:%M:%S") const;

@@ -15,18 +15,18 @@
 
 namespace fp_inspect {
 
-// A line on the standard error; one that cannot be written is given up.
+// Writes a line to the standard error and ignores a failure to do so.
 void Tell(const std::string& text);
 template <typename... Values>
 void Complain(fmt::format_string<Values...> form, Values&&... values) {
   Tell(fmt::format(form, std::forward<Values>(values)...));
 }
 
-// The first damages, on the standard error.
+// Writes the first of the noted damage to the standard error.
 void TellDamage(const Device& device);
 
-// Writes what a command found to the standard output, in one format. A new format is a class in a
-// file of its own and a line in output.cpp; what it has no form for it leaves out.
+// Writes what a command found to the standard output, in one format. To add a format, add a class
+// in its own file and a line in output.cpp. A format leaves out what it cannot express.
 class Output {
  public:
   virtual ~Output() = default;
@@ -37,7 +37,7 @@ class Output {
   virtual void PutRecord(const Record& /*record*/, const Device& /*device*/,
                          const Thresholds& /*thresholds*/, const Zone& /*zone*/) {}
   virtual void EndList(const Device& /*device*/) {}
-  // `check` also asks for what the dumps say.
+  // With `check`, also writes the comparison with the samples in the dumps.
   virtual void PutReplay(const Replay& /*replay*/, const Device& /*device*/, bool /*check*/,
                          const Zone& /*zone*/) {}
   virtual void PutVerified(const Contents& /*contents*/) {}
@@ -46,8 +46,8 @@ class Output {
   virtual void PutComparison(const Comparison& /*comparison*/, const Zone& /*zone*/) {}
   virtual void PutFleet(const Fleet& /*fleet*/, size_t /*top*/) {}
 
-  // An input that could not be read, and what else its reader should know: on the standard error,
-  // and in a format for programs among its objects.
+  // An input that could not be read, and anything else that the user should know about an input.
+  // Both go to the standard error; a format for programs also writes them as objects.
   virtual void PutFailure(const std::string& /*input*/, const std::string& text) { Tell(text); }
   virtual void PutWarning(const std::string& /*input*/, const std::string& text) { Tell(text); }
 };
@@ -60,7 +60,7 @@ std::unique_ptr<Output> MakeCsvOutput();
 
 void PrintReplay(const Replay& replay, const Device& device, bool check, const Zone& zone);
 
-// Text of a device without the control characters that a terminal would obey.
+// Replaces the control characters in a text from a device, because a terminal would obey them.
 std::string Printable(std::string text);
 
 }  // namespace fp_inspect

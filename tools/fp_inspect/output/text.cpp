@@ -25,7 +25,7 @@ std::string RangeText(const Share& share) {
   return fmt::format("{:.0f}..{:.0f}", 100 * range.low, 100 * range.high);
 }
 
-// Of few cases only the cases.
+// With few records no percentage is shown.
 std::string ShareText(const Share& share) {
   if (!share.IsLarge()) {
     return fmt::format("{} of {}", share.k, share.n);
@@ -33,7 +33,7 @@ std::string ShareText(const Share& share) {
   return fmt::format("{} of {} = {}", share.k, share.n, Percent(share.Value()));
 }
 
-// Of few records only their number.
+// With few records no mean is shown, only their number.
 std::string SideText(const CompareRow& row, const BurstSum& side) {
   if (row.is_share) {
     return ShareText({.k = static_cast<size_t>(side.sum), .n = side.n});

@@ -29,7 +29,7 @@ struct Header {
   size_t size = 0;  // of the header itself
 };
 
-// As the library scans it: signs, blanks and leading zeros pass, and the last comma may be missing.
+// Accepts what the library accepts: signs, blanks, leading zeros and a missing last comma.
 std::optional<Header> ScanHeader(std::string_view at) {
   char text[kMaxHeader + 1] = {};
   memcpy(text, at.data(), std::min(at.size(), kMaxHeader));
@@ -61,7 +61,7 @@ bool TakeHex(std::string_view* at, size_t max_digits, uint64_t* value) {
   return taken;
 }
 
-// As the library writes it, with a length that a record has.
+// Accepts only what the library writes, with a length that a record can have.
 std::optional<Header> StrictHeader(std::string_view at) {
   const size_t before = at.size();
   uint64_t crc = 0;
@@ -88,7 +88,7 @@ bool Load(Record* record, std::string text, bool g7) {
   return loaded;
 }
 
-// The record of a text; its number of fields tells its class.
+// The record in a text. The number of fields determines its class.
 std::optional<Record> ReadRecord(std::string_view view) {
   const std::string text(view);
   Record record;
@@ -113,7 +113,8 @@ std::optional<Record> ReadRecord(std::string_view view) {
   return loaded ? std::optional(std::move(record)) : std::nullopt;
 }
 
-// The intact frame at the front, strictly as written, with the record that it holds.
+// The record of the frame at the front, if the frame is intact and exactly as the library writes
+// it.
 std::optional<Record> IntactFrame(std::string_view at, size_t* frame_size) {
   const auto header = StrictHeader(at);
   if (!header || header->size + header->length > at.size()) {
@@ -127,7 +128,7 @@ std::optional<Record> IntactFrame(std::string_view at, size_t* frame_size) {
   return ReadRecord(text);
 }
 
-// The history that a file is named after; under another name its first record tells.
+// The kind of history, by the name of its file. For other names, the first record determines it.
 std::optional<RecordKind> HistoryOf(const std::string& path) {
   const std::string name = path.substr(path.rfind('/') + 1);
   return name.starts_with("AuthStats.")             ? std::optional(RecordKind::kAttempt)
@@ -157,7 +158,7 @@ class BackupReader {
   }
 
  private:
-  // One turn of the library's own loop; false where it stops.
+  // One iteration of the loop with which the library loads a file; false where that loop stops.
   bool ReadFrame() {
     const std::string_view at = input_.Fill(kReach);
     if (at.empty()) {
@@ -172,7 +173,7 @@ class BackupReader {
     }
     const size_t there = std::min<size_t>(header->length, at.size() - header->size);
     memcpy(buffer_, at.data() + header->size, there);
-    // Bytes that the file no longer has are those of the record before, as in the library.
+    // If the file ends too early, the buffer keeps bytes of the previous record, as in the library.
     buffer_[std::min<size_t>(header->length, kBuffer - 1)] = '\0';
     const bool cut = there < header->length;
     if (android::fp_utils::crc32(buffer_, header->length) != header->crc) {
@@ -189,7 +190,7 @@ class BackupReader {
     return false;
   }
 
-  // The history's class reads records of its own kind only.
+  // The class of the history loads only records of its own kind.
   void TakeFrame(std::string_view text) {
     auto record = ReadRecord(text);
     if (record && !kind_) {
@@ -214,8 +215,8 @@ class BackupReader {
     snapshot.records.push_back(std::move(record));
   }
 
-  // Looks for intact frames behind the damage. Only what is written strictly counts, so that
-  // nothing is taken for a record that never was one.
+  // Looks for intact frames after the damage. It accepts only frames exactly as the library writes
+  // them, so that nothing is taken for a record that never was one.
   void Salvage() {
     bool intact = false;
     for (std::string_view at; !(at = input_.Fill(kReach)).empty();) {
@@ -231,7 +232,7 @@ class BackupReader {
       }
       intact = false;
       const size_t next = at.find("0x", 1);
-      // A frame's first character may be the last one at hand.
+      // The last byte in the window may be the first of a frame.
       input_.Drop(next != at.npos ? next : std::max<size_t>(1, at.size() - 1));
     }
   }

@@ -11,8 +11,8 @@ namespace fp_inspect {
 // Whether the beginning of an input is one of a backup file, possibly damaged.
 bool LooksLikeBackup(std::string_view beginning);
 
-// Reads the frames of a backup file: what the service would load, where the damage is, and, marked
-// as salvaged, what still reads behind it. Contents::bytes is set.
+// Reads the frames of a backup file: the records that the service would load, where the damage is,
+// and, marked as salvaged, the records after it that are still readable. Sets Contents::bytes.
 void ReadBackup(ByteWindow& input, Contents* contents);
 
 }  // namespace fp_inspect

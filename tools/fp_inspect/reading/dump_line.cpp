@@ -50,7 +50,7 @@ bool TakeSlots(std::string_view* text, std::string_view name, auto* slots) {
 // An enrollment's operation that is neither addition nor deletion; dumps do not print its number.
 constexpr uint32_t kOpUnprinted = UINT32_MAX;
 
-// The codes by the names that the library gives them.
+// The acquisition codes, by the names that the library prints for them.
 const std::map<std::string, int8_t, std::less<>>& AcquiredCodes() {
   static const auto codes = [] {
     std::map<std::string, int8_t, std::less<>> codes;
@@ -80,7 +80,7 @@ bool TakeOutcome(std::string_view* text, AuthEventG7* event) {
   return code != AcquiredCodes().end();
 }
 
-// What there is of it: the comparison with the library's own text finds what is missing.
+// Reads as many fields as there are. IfPrintedAs() later rejects a record with missing fields.
 void TakeMatcherFields(std::string_view text, AuthEventG7* event) {
   (void)(Take(&text, ", rc:", &event->rc) && Take(&text, ", lptw:", &event->lptw) &&
          Take(&text, ", t_cov:", &event->t_cov) && Take(&text, "%, t_dist:", &event->t_dist) &&
@@ -90,8 +90,9 @@ void TakeMatcherFields(std::string_view text, AuthEventG7* event) {
          TakeSlots(&text, ", stitch_img_area_:", &event->stitch_img_area_));
 }
 
-// A dump has the reason that the library derived from the packed metrics and not the metrics. One
-// set for each reason that they can give brings back a record of the same reason.
+// A dump has the reason that the library derived from the packed metrics, but not the metrics. For
+// each reason that they can give there is one set of metrics that gives the record this reason
+// again.
 void SetMetrics(AuthEventG7* event, int which) {
   const bool on_target = which > 0;
   event->packed_metric_1 = on_target ? 225220215 : 0;

@@ -9,7 +9,7 @@
 
 namespace fp_inspect {
 
-// "#007 2026-03-04 05:06:07 words", wherever in a line it begins.
+// "#007 2026-03-04 05:06:07 words", which may begin anywhere in a line.
 struct DumpLine {
   uint64_t index = 0;
   int64_t time = 0;  // seconds of the device's wall clock, as if it were UTC

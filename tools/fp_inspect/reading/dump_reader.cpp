@@ -13,10 +13,11 @@
 namespace fp_inspect {
 namespace {
 
-// The longest line that is looked at whole; of a longer one each piece is a line.
+// The longest line that is read whole. Each piece of a longer one is read as a line.
 constexpr size_t kMaxLine = 1 << 16;
 
-// So many lines without a record end a section, and separate a bring-up line from its dump.
+// After this many lines without a record a section has ended, and a bring-up line no longer belongs
+// to the next dump.
 constexpr size_t kFarAway = 256;
 
 enum class Section { kNone, kStats, kAttempts, kErrors, kEnrollments, kExposure };
@@ -39,7 +40,7 @@ RecordKind KindOf(Section section) {
                                             : RecordKind::kAttempt;
 }
 
-// The number behind `name`, wherever in the line it stands.
+// Reads the number that follows `name`, wherever in the line that is.
 bool NumberBehind(std::string_view line, std::string_view name, auto* value) {
   const size_t at = line.find(name);
   if (at == line.npos) {
@@ -53,7 +54,8 @@ class DumpReader {
  public:
   explicit DumpReader(Contents* contents) : contents_(*contents) {}
 
-  // Almost every line of a bug report is none of ours: its last and first character tell.
+  // Almost no line of a bug report is from the library. The last and the first character of a line
+  // are enough to skip most of the others.
   void TakeLine(std::string_view line, uint64_t offset, bool complete) {
     ++line_number_;
     if (line.ends_with('\r')) {
@@ -90,7 +92,7 @@ class DumpReader {
   }
 
   void BeginSection(Section section) {
-    // The events of the statistics follow them.
+    // Auth Events that follow Auth Stats belong to them.
     if (section_ != Section::kStats || section != Section::kAttempts) {
       EndSection();
       declared_.reset();
@@ -109,7 +111,7 @@ class DumpReader {
   }
 
   void BeginExposure() {
-    constexpr size_t kBringUpKept = 80;  // enough for its time
+    constexpr size_t kBringUpKept = 80;  // bytes, enough to include its time
     if (!contents_.exposures.empty() && !contents_.exposures.back().whole) {
       contents_.exposures.pop_back();
     }
@@ -178,7 +180,7 @@ class DumpReader {
     return record;
   }
 
-  // Where a title is lost, the words tell attempts and enrollments.
+  // If the title of a section is lost, the words still identify attempts and enrollments.
   RecordKind KindOfLine(std::string_view words) const {
     for (const std::string_view begin : {"op:ADD, ", "op:DEL, ", ", rc:"}) {
       if (words.starts_with(begin)) {
@@ -197,7 +199,7 @@ class DumpReader {
       return;  // another program's list
     }
     if (record && only_g7_ && kind == RecordKind::kAttempt && !record->g7) {
-      record.reset();  // cut behind the fields of the base class
+      record.reset();  // cut after the fields of the base class
     }
     if (line.index < next_index_ || kind != snapshot_.kind) {
       EndSnapshot();
@@ -246,8 +248,8 @@ class DumpReader {
   Section section_ = Section::kNone;
   Snapshot snapshot_;
   uint64_t next_index_ = 0;
-  std::optional<size_t> declared_;  // attempts, by the line of statistics
-  bool only_g7_ = false;            // the history admits no attempt without the matcher's fields
+  std::optional<size_t> declared_;  // number of attempts, from the line of statistics
+  bool only_g7_ = false;            // every attempt of the history has the matcher's fields
   std::string near_bring_up_;
   size_t line_number_ = 0;
   size_t near_bring_up_line_ = 0;

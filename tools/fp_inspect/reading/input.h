@@ -17,9 +17,9 @@ class InputError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-// The bytes of an input through a buffer of fixed size, so that inputs of any size and pipes read
-// alike. "-" is the standard input. A named pipe that nobody writes is refused rather than waited
-// for.
+// Reads an input through a buffer of fixed size, so that files of any size and pipes are read in
+// the same way. "-" is the standard input. A named pipe without a writer is an error, so that the
+// reader does not wait for one.
 class ByteWindow {
  public:
   static constexpr size_t kCapacity = 1 << 20;
@@ -27,7 +27,8 @@ class ByteWindow {
   explicit ByteWindow(const std::string& path);
   static ByteWindow OfBytes(std::string bytes);  // for tests and fuzzing
 
-  // The bytes at hand; at least `wanted` of them (up to kCapacity) unless the input ends before.
+  // The bytes in the buffer, at least `wanted` of them (up to kCapacity) unless the input ends
+  // first.
   std::string_view Fill(size_t wanted);
   void Drop(size_t count) { begin_ += count; }
   uint64_t GetOffset() const { return read_ - (end_ - begin_); }
@@ -45,8 +46,8 @@ class ByteWindow {
   bool at_end_ = false;
 };
 
-// The files of a folder and of the folders in it, sorted by path. Links to folders are not followed
-// and what is no regular file is left out; `left_out` counts both.
+// The files of a folder and of the folders in it, sorted by path. Links to folders are not
+// followed, and anything that is not a regular file is left out; `left_out` counts both.
 std::vector<std::string> FilesBelow(const std::string& folder, size_t* left_out);
 
 bool IsFolder(const std::string& path);

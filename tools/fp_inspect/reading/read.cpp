@@ -8,7 +8,7 @@
 
 namespace fp_inspect {
 
-// So much of an input tells its kind.
+// How much of the beginning of an input is used to determine its kind.
 constexpr size_t kBeginning = 1 << 16;
 
 Contents ReadInput(const std::string& path, InputKind kind) {

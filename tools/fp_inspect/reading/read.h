@@ -8,7 +8,7 @@
 
 namespace fp_inspect {
 
-// Reads an input; kNone tells its kind by its beginning. Throws InputError.
+// Reads an input. With kNone, its beginning determines its kind. Throws InputError.
 Contents ReadInput(const std::string& path, InputKind kind);
 Contents ReadInput(ByteWindow& input, std::string name, InputKind kind);
 

@@ -12,7 +12,7 @@
 #include "fp_utils/enroll_event.h"
 #include "fp_utils/finger_sizes.h"
 
-// What the readers hand on: the records of an input with where they stood.
+// The result of reading an input: its records and where in the input each was found.
 
 namespace fp_inspect {
 
@@ -28,14 +28,14 @@ struct Record {
   const AuthEventG7* Attempt() const { return std::get_if<AuthEventG7>(&value); }
   const EnrollEventG7* Enrollment() const { return std::get_if<EnrollEventG7>(&value); }
 
-  // In the order of RecordKind; of a critical error its message.
+  // The alternatives have the order of RecordKind. The string is the message of a critical error.
   std::variant<AuthEventG7, EnrollEventG7, FingerSize, std::string> value;
   int64_t time = 0;     // seconds since the epoch, of the device's wall clock while times_are_local
   uint64_t offset = 0;  // in the input, bytes
   uint32_t source = 0;  // number of the input
   bool g7 = false;      // the matcher's fields are there
   bool whole = false;   // all stored fields are there, as in a backup file and not in a dump
-  bool salvaged = false;  // stands behind a damage: the service would not load it
+  bool salvaged = false;  // follows a damaged part: the service would not load it
 };
 
 // The record as the dump prints it, without its time.
@@ -48,15 +48,15 @@ struct Snapshot {
   std::vector<Record> records;
 };
 
-// `offset` in bytes. The check that failed is one of the ids in docs/fp_inspect.md.
+// `offset` is in bytes. `check` is the id of the failed check, as listed in docs/fp_inspect.md.
 struct Damage {
   uint64_t offset = 0;
   std::string check;
   std::string text;
 };
 
-// Of a dump: settings of the exposure controller by the names there, and the sample that it decides
-// on.
+// The exposure controller as a dump shows it: its settings, by their names in the dump, and the
+// sample on which it decides.
 struct Exposure {
   std::map<std::string, uint32_t> settings = {};
   uint32_t sample_size = 0;
@@ -64,8 +64,8 @@ struct Exposure {
   double avg_iq = 0;
   double avg_raw_mean = 0;
   std::string bring_up;  // the line about it in the same dump
-  size_t snapshots = 0;  // so many of the input's stand ahead of it
-  bool whole = false;    // read to its last line
+  size_t snapshots = 0;  // how many snapshots of the input precede it
+  bool whole = false;    // its last line was read
 };
 
 enum class InputKind { kNone, kDump, kBackup };
@@ -80,7 +80,7 @@ struct Contents {
   std::vector<Snapshot> snapshots;  // without empty ones
   size_t sections = 0;              // of dumps, empty ones too
   size_t loaded = 0;                // records of a backup file that the service would load
-  std::vector<Exposure> exposures;  // one a dump
+  std::vector<Exposure> exposures;  // one per dump
   std::string bring_up;             // the newest line about it
   std::string time_zone;            // of the device, where a bug report names it
   std::vector<Damage> damage;

@@ -12,7 +12,7 @@
 
 namespace fp_host::ipc {
 
-// How calls into a service behave. Set by the controls and kept over restarts of the service.
+// How calls into a service behave. Set by the controls and kept across restarts of the service.
 struct CallPlan {
   std::mutex mutex;
   std::condition_variable changed;
@@ -20,7 +20,7 @@ struct CallPlan {
   // Guarded by mutex.
   int calls = 0;       // made so far
   int held = 0;        // of these, waiting at the barrier
-  int fatal_call = 0;  // number of the call during which the process dies; 0: none
+  int fatal_call = 0;  // number of the call at which the process dies; 0: none
   RemoteService::Death death = RemoteService::Death::kBefore;
   bool barrier = false;
   std::chrono::milliseconds delay{0};
@@ -34,22 +34,22 @@ class Process {
   bool IsAlive() const;
   void Kill();
 
-  // Runs `observer` when the process dies, on the thread that kills it; at once if it is dead
-  // already.
+  // Runs `observer` when the process dies, on the thread that kills it. If the process is already
+  // dead, runs it at once on the caller's thread.
   void OnDeath(std::function<void()> observer);
 
-  // Runs `serve` on the caller's thread as a call into the process. False if the process is dead or
-  // dies before it sends the reply.
+  // Runs `serve` on the caller's thread as a call into the process. Returns false if the process is
+  // dead or dies before it sends the reply.
   bool Call(const std::function<void()>& serve);
 
  private:
-  // What the plan has for one call.
+  // What happens to one call according to the plan.
   enum class Fate { kServed, kLost, kDiesBefore, kDiesDuring, kDiesAfter };
   Fate Arrive();
 
   const std::shared_ptr<CallPlan> plan_;
 
-  // Guarded by plan_->mutex, so that the death ends calls that wait at the barrier.
+  // Guarded by plan_->mutex, so that the death wakes the calls that wait at the barrier.
   bool alive_ = true;
   std::vector<std::function<void()>> observers_;
 };

@@ -27,7 +27,7 @@ int ALooper::Poll(int timeout_ms) {
     return *fault;
   }
   if (!ready_.empty()) {
-    ready_.clear();  // data is reported first, a wake by the next poll
+    ready_.clear();  // data comes first; a wake is reported by the next poll
     return ALOOPER_POLL_CALLBACK;
   }
   if (awoken_) {
@@ -46,7 +46,7 @@ void ALooper::Wake() {
 void ALooper::SignalData(ASensorEventQueue* queue) {
   const std::lock_guard lock(mutex_);
   if (!fp_host::IsAlive(queue)) {
-    return;  // the queue was destroyed meanwhile
+    return;  // the queue has been destroyed in the meantime
   }
   if (std::find(ready_.begin(), ready_.end(), queue) == ready_.end()) {
     ready_.push_back(queue);

@@ -9,7 +9,8 @@
 
 namespace fp_host {
 
-// Makes `local` an object of `process`. Returns it as the service manager stores it.
+// Makes `local` an object of `process`. Returns its proxy, in the form in which the service manager
+// stores it.
 std::shared_ptr<void> Publish(const ndk::SpAIBinder& local, std::shared_ptr<ipc::Process> process);
 
 // The same for a new object of an interface that no client knows.
