@@ -3,7 +3,7 @@
 
 #include <android/log.h>
 
-#include "control/device.h"
+#include "fp_host/device.h"
 
 namespace fp_fuzz {
 

@@ -6,7 +6,7 @@
 #include <cstdlib>
 #include <string>
 
-#include "control/touch_node.h"
+#include "fp_host/touch_node.h"
 #include "fp_utils/fps_touch_handler.h"
 #include "fuzzed_device.h"
 

@@ -12,7 +12,7 @@
 #include <android/log.h>
 #include <android/sensor.h>
 
-#include "control/sensor_service.h"
+#include "fp_host/sensor_service.h"
 #include "fp_utils/als_monitor.h"
 #include "measure/ratios.h"
 

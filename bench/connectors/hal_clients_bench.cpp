@@ -12,8 +12,8 @@
 #include <android/binder_manager.h>
 #include <android/binder_process.h>
 
-#include "control/display_service.h"
-#include "control/thermal_service.h"
+#include "fp_host/display_service.h"
+#include "fp_host/thermal_service.h"
 #include "fp_utils/display_controller.h"
 #include "fp_utils/thermal.h"
 #include "measure/ratios.h"

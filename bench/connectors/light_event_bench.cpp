@@ -9,7 +9,7 @@
 
 #include <android/sensor.h>
 
-#include "control/sensor_service.h"
+#include "fp_host/sensor_service.h"
 #include "fp_utils/sensor_listener.h"
 #include "measure/ratios.h"
 #include "measure/wakes.h"

@@ -12,7 +12,7 @@
 #include <cstring>
 #include <thread>
 
-#include "control/touch_node.h"
+#include "fp_host/touch_node.h"
 #include "fp_utils/fps_touch_handler.h"
 #include "measure/ratios.h"
 #include "measure/wakes.h"

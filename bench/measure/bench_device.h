@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "control/device.h"
+#include "fp_host/device.h"
 
 namespace fp_bench {
 

@@ -8,10 +8,10 @@
 
 #include <android-base/properties.h>
 
-#include "control/clock.h"
-#include "control/device.h"
-#include "control/sensor_service.h"
-#include "control/services.h"
+#include "fp_host/clock.h"
+#include "fp_host/device.h"
+#include "fp_host/sensor_service.h"
+#include "fp_host/services.h"
 #include "touch_format.h"
 
 namespace fp_service {

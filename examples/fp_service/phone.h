@@ -4,10 +4,10 @@
 #include <ctime>
 #include <string>
 
-#include "control/display_service.h"
-#include "control/thermal_service.h"
-#include "control/touch_node.h"
 #include "fake_matcher.h"
+#include "fp_host/display_service.h"
+#include "fp_host/thermal_service.h"
+#include "fp_host/touch_node.h"
 #include "scenario.h"
 #include "sensor_model.h"
 

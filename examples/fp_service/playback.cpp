@@ -18,7 +18,7 @@
 #include <stdexcept>
 #include <type_traits>
 
-#include "control/device.h"
+#include "fp_host/device.h"
 
 namespace fp_service {
 namespace {

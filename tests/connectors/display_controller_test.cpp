@@ -11,7 +11,7 @@
 #include <android/binder_process.h>
 #include <utils/Errors.h>
 
-#include "control/display_service.h"
+#include "fp_host/display_service.h"
 #include "fp_utils/critical_errors.h"
 #include "support/device_test.h"
 #include "support/platform_calls.h"

@@ -10,7 +10,7 @@
 #include <android/binder_process.h>
 #include <utils/Errors.h>
 
-#include "control/display_service.h"
+#include "fp_host/display_service.h"
 #include "fp_utils/display_controller.h"
 #include "support/device_test.h"
 #include "support/hal_faults.h"

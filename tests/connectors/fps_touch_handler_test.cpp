@@ -16,7 +16,7 @@
 
 #include <android-base/properties.h>
 
-#include "control/faults.h"
+#include "fp_host/faults.h"
 #include "support/resource_counts.h"
 #include "support/touch_test.h"
 

@@ -12,8 +12,8 @@
 
 #include <android/binder_process.h>
 
-#include "control/hidl_thermal_service.h"
-#include "control/thermal_service.h"
+#include "fp_host/hidl_thermal_service.h"
+#include "fp_host/thermal_service.h"
 #include "support/device_test.h"
 #include "support/hal_faults.h"
 #include "support/platform_calls.h"

@@ -10,7 +10,7 @@
 #include <fstream>
 #include <string>
 
-#include "control/device.h"
+#include "fp_host/device.h"
 
 namespace fp_service {
 namespace {

@@ -12,7 +12,7 @@
 #include <android/binder_manager.h>
 #include <android/binder_process.h>
 
-#include "control/display_service.h"
+#include "fp_host/display_service.h"
 #include "support/device_test.h"
 #include "support/recorder.h"
 

@@ -10,8 +10,8 @@
 #include <android/hardware/thermal/2.0/IThermal.h>
 #include <hidl/HidlTransportSupport.h>
 
-#include "control/hidl_thermal_client.h"
-#include "control/services.h"
+#include "fp_host/hidl_thermal_client.h"
+#include "fp_host/services.h"
 
 namespace android::hardware {
 namespace {

@@ -13,8 +13,8 @@
 #include <random>
 #include <thread>
 
-#include "control/faults.h"
-#include "control/sensor_service.h"
+#include "fp_host/faults.h"
+#include "fp_host/sensor_service.h"
 #include "phone.h"
 #include "player.h"
 #include "service.h"

@@ -7,7 +7,7 @@
 
 #include <utils/SystemClock.h>
 
-#include "control/touch_node.h"
+#include "fp_host/touch_node.h"
 #include "fp_utils/fps_touch_handler.h"
 #include "support/device_test.h"
 #include "support/recorder.h"

@@ -8,7 +8,7 @@
 
 #include <android-base/properties.h>
 
-#include "control/clock.h"
+#include "fp_host/clock.h"
 #include "support/device_test.h"
 #include "support/recorder.h"
 

@@ -7,8 +7,8 @@
 #include <functional>
 #include <string>
 
-#include "control/device.h"
-#include "control/faults.h"
+#include "fp_host/device.h"
+#include "fp_host/faults.h"
 #include "support/log_recorder.h"
 
 namespace fp_test {

@@ -5,7 +5,7 @@
 #include <functional>
 #include <vector>
 
-#include "control/services.h"
+#include "fp_host/services.h"
 
 namespace fp_test {
 

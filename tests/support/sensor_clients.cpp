@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "control/sensor_service.h"
+#include "fp_host/sensor_service.h"
 #include "support/recorder.h"
 
 namespace fp_test {

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "control/sensor_service.h"
+#include "fp_host/sensor_service.h"
 #include "fp_utils/sensor_listener.h"
 #include "support/log_recorder.h"
 #include "support/recorder.h"

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "control/touch_node.h"
+#include "fp_host/touch_node.h"
 #include "fp_utils/fps_touch_handler.h"
 #include "support/device_test.h"
 #include "support/log_recorder.h"

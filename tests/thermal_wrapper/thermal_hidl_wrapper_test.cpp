@@ -14,8 +14,8 @@
 #include <android/binder_manager.h>
 #include <android/binder_process.h>
 
-#include "control/hidl_thermal_client.h"
-#include "control/thermal_service.h"
+#include "fp_host/hidl_thermal_client.h"
+#include "fp_host/thermal_service.h"
 #include "support/device_test.h"
 
 namespace {

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <limits>
 
-#include "control/clock.h"
+#include "fp_host/clock.h"
 
 namespace fp_host {
 namespace {

@@ -8,7 +8,7 @@
 #include <cstdlib>
 #include <iterator>
 
-#include "control/faults.h"
+#include "fp_host/faults.h"
 
 namespace fp_host {
 namespace {

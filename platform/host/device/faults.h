@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 
-// The faults of control/faults.h, as the interposed calls use them.
+// The faults of fp_host/faults.h, as the interposed calls use them.
 
 namespace fp_host {
 

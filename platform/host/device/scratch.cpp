@@ -4,7 +4,7 @@
 #include <cstdlib>
 #include <filesystem>
 
-#include "control/device.h"
+#include "fp_host/device.h"
 
 namespace fp_host {
 

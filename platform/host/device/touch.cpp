@@ -13,7 +13,7 @@
 #include <set>
 #include <utility>
 
-#include "control/touch_node.h"
+#include "fp_host/touch_node.h"
 
 namespace fp_host {
 namespace {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-// The node of control/touch_node.h, as the interposed calls use it.
+// The node of fp_host/touch_node.h, as the interposed calls use it.
 
 namespace fp_host {
 

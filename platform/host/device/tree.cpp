@@ -9,7 +9,7 @@
 #include <filesystem>
 #include <mutex>
 
-#include "control/device.h"
+#include "fp_host/device.h"
 
 namespace fp_host {
 namespace {

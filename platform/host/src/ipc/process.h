@@ -8,7 +8,7 @@
 #include <mutex>
 #include <vector>
 
-#include "control/services.h"
+#include "fp_host/services.h"
 
 namespace fp_host::ipc {
 

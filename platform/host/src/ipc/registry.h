@@ -28,7 +28,7 @@ class Registry {
   // manager fails.
   std::shared_ptr<void> Wait(const std::string& name) const;
 
-  // See control/services.h.
+  // See fp_host/services.h.
   void SetFailing(bool failing);
   void SetDelay(std::chrono::milliseconds delay);
   bool WaitForWaiting(int threads) const;

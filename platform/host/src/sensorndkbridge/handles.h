@@ -10,7 +10,7 @@
 
 #include <android/sensor.h>
 
-#include "control/sensor_service.h"
+#include "fp_host/sensor_service.h"
 
 // The objects behind the platform's opaque handles. They are never freed, so the use of a dead
 // handle is detected and no later handle has its address.

@@ -9,7 +9,7 @@
 
 #include <android/sensor.h>
 
-#include "control/sensor_service.h"
+#include "fp_host/sensor_service.h"
 #include "sensorndkbridge/handles.h"
 
 namespace fp_host {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "control/display_service.h"
+#include "fp_host/display_service.h"
 
 #include <mutex>
 #include <utility>

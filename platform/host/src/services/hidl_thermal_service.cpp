@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "control/hidl_thermal_service.h"
+#include "fp_host/hidl_thermal_service.h"
 
 #include <iterator>
 #include <mutex>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <utility>
 
-#include "control/services.h"
+#include "fp_host/services.h"
 #include "ipc/pool.h"
 #include "ipc/process.h"
 #include "ipc/registry.h"

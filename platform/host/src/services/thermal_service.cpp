@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "control/thermal_service.h"
+#include "fp_host/thermal_service.h"
 
 #include <algorithm>
 #include <cstdio>

@@ -11,7 +11,7 @@
 #include <aidl/android/hardware/thermal/TemperatureThreshold.h>
 #include <android/binder_auto_utils.h>
 
-#include "control/services.h"
+#include "fp_host/services.h"
 
 namespace fp_host {
 

@@ -7,7 +7,7 @@
 
 #include <android/binder_auto_utils.h>
 
-#include "control/services.h"
+#include "fp_host/services.h"
 
 namespace fp_host {
 

@@ -7,7 +7,7 @@
 
 #include <android/hardware/thermal/2.0/types.h>
 
-#include "control/services.h"
+#include "fp_host/services.h"
 
 namespace fp_host {
 
