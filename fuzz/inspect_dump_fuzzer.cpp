@@ -18,7 +18,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const auto contents = fp_inspect::ReadInput(input, "x", fp_inspect::InputKind::kDump);
   for (const auto& snapshot : contents.snapshots) {
     for (const Record& record : snapshot.records) {
-      const std::string words = fp_inspect::Words(record);
+      const std::string words = fp_inspect::DumpText(record);
       const bool reads =
           snapshot.kind == RecordKind::kAttempt      ? fp_inspect::ReadAttempt(words).has_value()
           : snapshot.kind == RecordKind::kEnrollment ? fp_inspect::ReadEnrollment(words).has_value()

@@ -28,7 +28,7 @@ using aidl::com::norvan::hardware::kestra::display::IDisplay;
 
 // Registers a service and returns a proxy for it.
 template <typename Interface, typename Service>
-std::shared_ptr<Interface> PutUp(Service& service) {
+std::shared_ptr<Interface> StartService(Service& service) {
   ABinderProcess_startThreadPool();
   service.Declare();
   service.Start();
@@ -38,7 +38,7 @@ std::shared_ptr<Interface> PutUp(Service& service) {
 
 void SetLhbmByHand(benchmark::State& state) {
   fp_host::DisplayService service;
-  const std::shared_ptr<IDisplay> display = PutUp<IDisplay>(service);
+  const std::shared_ptr<IDisplay> display = StartService<IDisplay>(service);
   bool on = false;
   for (auto _ : state) {
     on = !on;
@@ -48,7 +48,7 @@ void SetLhbmByHand(benchmark::State& state) {
 
 void SetLhbm(benchmark::State& state) {
   fp_host::DisplayService service;
-  PutUp<IDisplay>(service);
+  StartService<IDisplay>(service);
   android::fp_utils::DisplayController controller;
   unsigned elapsed = 0;
   bool on = false;
@@ -59,7 +59,7 @@ void SetLhbm(benchmark::State& state) {
 }
 
 // A phone has about twenty temperature sensors, one of them for the skin.
-std::shared_ptr<IThermal> PutUpThermal(fp_host::ThermalService& service) {
+std::shared_ptr<IThermal> StartThermal(fp_host::ThermalService& service) {
   std::vector<Temperature> temperatures(20);
   for (Temperature& temperature : temperatures) {
     temperature.name = "CPU sensor with a name";
@@ -67,12 +67,12 @@ std::shared_ptr<IThermal> PutUpThermal(fp_host::ThermalService& service) {
   }
   temperatures.back().type = TemperatureType::SKIN;
   service.SetTemperatures(temperatures);
-  return PutUp<IThermal>(service);
+  return StartService<IThermal>(service);
 }
 
 void SkinSeverityByHand(benchmark::State& state) {
   fp_host::ThermalService service;
-  const std::shared_ptr<IThermal> thermal = PutUpThermal(service);
+  const std::shared_ptr<IThermal> thermal = StartThermal(service);
   for (auto _ : state) {
     std::vector<Temperature> temperatures;
     benchmark::DoNotOptimize(
@@ -83,7 +83,7 @@ void SkinSeverityByHand(benchmark::State& state) {
 
 void GetCpuSeverity(benchmark::State& state) {
   fp_host::ThermalService service;
-  PutUpThermal(service);
+  StartThermal(service);
   android::fp_utils::Thermal thermal;
   while (thermal.GetCpuSeverity() < 0) {
     std::this_thread::yield();

@@ -60,8 +60,9 @@ BENCHMARK(LightToPoll)->Iterations(5)->UseManualTime();
 
 // Without a goal: it matters more whether the core of the woken thread was asleep than which of the
 // two is measured.
-const bool kPeer = Peer("light_event_over_bare_poll", "LightToCallback/iterations:5/manual_time",
-                        "LightToPoll/iterations:5/manual_time");
+const bool kRatio =
+    ReportRatio("light_event_over_bare_poll", "LightToCallback/iterations:5/manual_time",
+                "LightToPoll/iterations:5/manual_time");
 
 }  // namespace
 }  // namespace fp_bench

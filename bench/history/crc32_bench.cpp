@@ -23,15 +23,15 @@ void Run(benchmark::State& state, Checksum checksum) {
 }
 
 void Crc32(benchmark::State& state) { Run(state, android::fp_utils::crc32); }
-void Crc32ByteAStep(benchmark::State& state) { Run(state, PlainCrc32); }
+void Crc32ByteByByte(benchmark::State& state) { Run(state, PlainCrc32); }
 BENCHMARK(Crc32)->Arg(31)->Arg(130)->Arg(250)->Arg(1024);
-BENCHMARK(Crc32ByteAStep)->Arg(31)->Arg(130)->Arg(250)->Arg(1024);
+BENCHMARK(Crc32ByteByByte)->Arg(31)->Arg(130)->Arg(250)->Arg(1024);
 
 const bool kClaims[] = {
-    Claim("crc32_31_bytes", "Crc32ByteAStep/31", "Crc32/31", Goal::kAtLeast, 2.5),
-    Claim("crc32_130_bytes", "Crc32ByteAStep/130", "Crc32/130", Goal::kAtLeast, 5),
-    Claim("crc32_250_bytes", "Crc32ByteAStep/250", "Crc32/250", Goal::kAtLeast, 5),
-    Claim("crc32_1024_bytes", "Crc32ByteAStep/1024", "Crc32/1024", Goal::kAtLeast, 5),
+    Claim("crc32_31_bytes", "Crc32ByteByByte/31", "Crc32/31", Goal::kAtLeast, 2.5),
+    Claim("crc32_130_bytes", "Crc32ByteByByte/130", "Crc32/130", Goal::kAtLeast, 5),
+    Claim("crc32_250_bytes", "Crc32ByteByByte/250", "Crc32/250", Goal::kAtLeast, 5),
+    Claim("crc32_1024_bytes", "Crc32ByteByByte/1024", "Crc32/1024", Goal::kAtLeast, 5),
 };
 
 }  // namespace

@@ -76,7 +76,7 @@ BENCHMARK_CAPTURE(KeepNewest, sqlite_rollback, "DELETE");
 
 const bool kClaims[] = {
     Claim("save_100_over_sqlite_wal", "AuthSave/100", "KeepNewest/sqlite_wal", Goal::kAtMost, 0.6),
-    Peer("sqlite_rollback_over_save_100", "KeepNewest/sqlite_rollback", "AuthSave/100"),
+    ReportRatio("sqlite_rollback_over_save_100", "KeepNewest/sqlite_rollback", "AuthSave/100"),
 };
 
 }  // namespace

@@ -68,7 +68,8 @@ bool Claim(const std::string& name, const std::string& numerator, const std::str
   return true;
 }
 
-bool Peer(const std::string& name, const std::string& numerator, const std::string& denominator) {
+bool ReportRatio(const std::string& name, const std::string& numerator,
+                 const std::string& denominator) {
   Rows().push_back({name, numerator, denominator, std::nullopt, 0});
   return true;
 }

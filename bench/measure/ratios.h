@@ -14,6 +14,7 @@ bool Claim(const std::string& name, const std::string& numerator, const std::str
            Goal goal, double value);
 
 // Prints the ratio without a goal.
-bool Peer(const std::string& name, const std::string& numerator, const std::string& denominator);
+bool ReportRatio(const std::string& name, const std::string& numerator,
+                 const std::string& denominator);
 
 }  // namespace fp_bench

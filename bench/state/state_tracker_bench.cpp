@@ -19,7 +19,7 @@ namespace {
 using android::fp_utils::fp_state_t;
 using android::fp_utils::FpStateTracker;
 
-constexpr unsigned kPatienceMs = 60000;
+constexpr unsigned kTimeoutMs = 60000;
 
 void UpdateToWaiter(benchmark::State& state) {
   FpStateTracker tracker;
@@ -27,7 +27,7 @@ void UpdateToWaiter(benchmark::State& state) {
   std::atomic<bool> done = false;
   std::thread waiter([&] {
     for (uint32_t turn = 1; !done; ++turn) {
-      (void)tracker.WaitForState(fp_state_t{turn}, kPatienceMs);
+      (void)tracker.WaitForState(fp_state_t{turn}, kTimeoutMs);
       seen = turn;
     }
   });
@@ -46,7 +46,7 @@ void BareConditionVariable(benchmark::State& state) {
   std::thread waiter([&] {
     for (uint32_t turn = 1; !done; ++turn) {
       std::unique_lock lock(mutex);
-      changed.wait_for(lock, std::chrono::milliseconds(kPatienceMs), [&] { return value == turn; });
+      changed.wait_for(lock, std::chrono::milliseconds(kTimeoutMs), [&] { return value == turn; });
       lock.unlock();
       seen = turn;
     }

@@ -26,7 +26,7 @@ class Fields {
     }
   }
 
-  double Number(const std::string& name, double low, double high) {
+  double GetNumber(const std::string& name, double low, double high) {
     const nlohmann::json& value = Required(name);
     if (!value.is_number() || !(value >= low && value <= high)) {
       throw InvalidEvent(fmt::format("\"{}\" is a number from {} to {}", name, low, high));
@@ -34,7 +34,7 @@ class Fields {
     return value;
   }
 
-  int Integer(const std::string& name, int low, int high) {
+  int GetInteger(const std::string& name, int low, int high) {
     const nlohmann::json& value = Required(name);
     if (!value.is_number_integer() || !(value >= low && value <= high)) {
       throw InvalidEvent(fmt::format("\"{}\" is a whole number from {} to {}", name, low, high));
@@ -42,11 +42,11 @@ class Fields {
     return value;
   }
 
-  int Integer(const std::string& name, int low, int high, int default_value) {
-    return object_.contains(name) ? Integer(name, low, high) : default_value;
+  int GetInteger(const std::string& name, int low, int high, int default_value) {
+    return object_.contains(name) ? GetInteger(name, low, high) : default_value;
   }
 
-  std::string Text(const std::string& name) {
+  std::string GetText(const std::string& name) {
     const nlohmann::json& value = Required(name);
     if (!value.is_string()) {
       throw InvalidEvent(fmt::format("\"{}\" is a text", name));
@@ -64,12 +64,12 @@ class Fields {
   }
 
   template <typename Value>
-  Value OneOf(const std::string& name, const std::map<std::string, Value>& choices,
-              Value default_value) {
+  Value GetOneOf(const std::string& name, const std::map<std::string, Value>& choices,
+                 Value default_value) {
     if (!object_.contains(name)) {
       return default_value;
     }
-    const auto choice = choices.find(Text(name));
+    const auto choice = choices.find(GetText(name));
     if (choice == choices.end()) {
       std::string names;
       for (const auto& [key, value] : choices) {
@@ -82,7 +82,7 @@ class Fields {
 
   void RejectUnknownFields() const {
     for (const auto& [name, value] : object_.items()) {
-      if (!asked_.contains(name)) {
+      if (!read_fields_.contains(name)) {
         throw InvalidEvent(nlohmann::json(name).dump() + " is no field of this event");
       }
     }
@@ -96,12 +96,12 @@ class Fields {
     if (!object_.contains(name)) {
       throw InvalidEvent(fmt::format("\"{}\" is missing", name));
     }
-    asked_.insert(name);
+    read_fields_.insert(name);
     return object_.at(name);
   }
 
   const nlohmann::json& object_;
-  std::set<std::string> asked_;
+  std::set<std::string> read_fields_;
 };
 
 }  // namespace fp_service

@@ -26,7 +26,7 @@ constexpr int32_t kEnrollLowQuality = 3;
 constexpr float kPartialBelow = 60;  // percent of the sensor
 constexpr int32_t kTooBrightAbove = 2700;
 constexpr int32_t kTooDarkBelow = 1300;
-constexpr int32_t kGoodQuality = 30;
+constexpr int32_t kLowQualityBelow = 30;
 
 // What an enrollment needs on average.
 constexpr float kEnrollCoverage = 85;  // percent
@@ -44,7 +44,7 @@ uint32_t ResultCode(const Capture& image, float coverage_percent) {
   if (coverage_percent < kPartialBelow) {
     return kImagePartial;
   }
-  return image.quality < kGoodQuality ? kLowQuality : kNoMatch;
+  return image.quality < kLowQualityBelow ? kLowQuality : kNoMatch;
 }
 
 }  // namespace

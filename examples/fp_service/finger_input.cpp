@@ -18,7 +18,7 @@ using android::fp_utils::TouchEvent;
 
 constexpr uint32_t kImageCaptured = 0x205;
 constexpr uint32_t kFingerLifted = 0x300;
-constexpr unsigned int kPatienceMs = 1000;
+constexpr unsigned int kTimeoutMs = 1000;
 
 // The square of the screen around the sensor.
 FpsTouchHandler::TouchConfig SensingArea() {
@@ -33,13 +33,13 @@ FpsTouchHandler::TouchConfig SensingArea() {
 
 FingerInput::FingerInput()
     : handler_(FpsTouchHandler::GetInstance()), tracker_(FpStateTracker::GetInstance()) {
-  handler_.touch_event_callback_ = [this](const TouchEvent& event) { Take(event); };
+  handler_.touch_event_callback_ = [this](const TouchEvent& event) { HandleTouch(event); };
   is_running_ = handler_.Configure(SensingArea()) && handler_.Start();
 }
 
 FingerInput::~FingerInput() { handler_.Stop(); }
 
-void FingerInput::Take(const TouchEvent& event) {
+void FingerInput::HandleTouch(const TouchEvent& event) {
   const Purpose purpose = purpose_;
   if (event.type == touch_format::kDown) {
     const Ellipse contact(Point(event.coords[touch_format::kX], event.coords[touch_format::kY]),
@@ -54,7 +54,7 @@ void FingerInput::Take(const TouchEvent& event) {
 }
 
 bool FingerInput::WaitFor(uint32_t state) {
-  return is_running_ && tracker_.WaitForState(fp_state_t{state}, kPatienceMs) == 0;
+  return is_running_ && tracker_.WaitForState(fp_state_t{state}, kTimeoutMs) == 0;
 }
 
 std::optional<FingerInput::Touch> FingerInput::WaitForFinger() {

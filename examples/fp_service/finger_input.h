@@ -30,7 +30,7 @@ class FingerInput {
   FingerInput& operator=(const FingerInput&) = delete;
 
   // Sets the purpose of the next touch. After one that unlocks the device, LPTW is enabled.
-  void Expect(Purpose purpose) { purpose_ = purpose; }
+  void SetPurpose(Purpose purpose) { purpose_ = purpose; }
 
   // Waits up to a second for a finger. Returns nothing on a device that does not report touches.
   std::optional<Touch> WaitForFinger();
@@ -44,7 +44,7 @@ class FingerInput {
   std::string GetDownTime();
 
  private:
-  void Take(const android::fp_utils::TouchEvent& event);
+  void HandleTouch(const android::fp_utils::TouchEvent& event);
   bool WaitFor(uint32_t state);
 
   android::fp_utils::FpsTouchHandler& handler_;

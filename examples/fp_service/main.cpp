@@ -77,7 +77,7 @@ android_LogPriority ParseLevel(const std::string& text) {
   throw std::invalid_argument("--log is debug, info, error or off");
 }
 
-void Take(Options& options, int option) {
+void ApplyOption(Options& options, int option) {
   switch (option) {
     case 's':
       options.scenario = optarg;
@@ -111,7 +111,7 @@ void Take(Options& options, int option) {
 Options Parse(int argc, char** argv) {
   Options options;
   for (int option; (option = getopt_long(argc, argv, "vh", kOptions, nullptr)) != -1;) {
-    Take(options, option);
+    ApplyOption(options, option);
   }
   if (optind < argc) {
     throw std::invalid_argument(fmt::format("unexpected argument {}", argv[optind]));
@@ -129,7 +129,7 @@ void Run(const Options& options) {
     fmt::print("{} is {}\n", name, value);
   }
   if (options.dump_only) {
-    PrintFoundState(options.settings);
+    PrintStoredState(options.settings);
   } else {
     PlayTwice(scenario, options.settings);
   }

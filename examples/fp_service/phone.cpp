@@ -29,7 +29,7 @@ void WriteFile(const std::string& device_path, const std::string& content) {
 
 }  // namespace
 
-Phone::Build::Build(const std::string& root) {
+Phone::DeviceSetup::DeviceSetup(const std::string& root) {
   fp_host::SetDeviceRoot(root);
   fp_host::BootDevice();
   android::base::SetProperty("persist.vendor.udfps.dynamic_exposure_supported", "true");
@@ -47,7 +47,7 @@ Phone::Build::Build(const std::string& root) {
 }
 
 Phone::Phone(const std::string& root, PhoneState& state)
-    : build_(root), state_(state), sensor_(state.sensor_random) {
+    : device_setup_(root), state_(state), sensor_(state.sensor_random) {
   display_.Declare();
   display_.Start();
   thermal_.Declare();
@@ -73,7 +73,7 @@ void Phone::SetSkinSeverity(int severity) {
 
 void Phone::LongPress(int times) { fp_host::LongPress(times); }
 
-fp_host::TouchRecord Phone::Report(uint32_t type) const {
+fp_host::TouchRecord Phone::MakeTouchRecord(uint32_t type) const {
   const auto units = [](float pixels) {
     return static_cast<uint16_t>(std::lround(pixels * kTouchUnitsPerPixel));
   };
@@ -90,12 +90,14 @@ void Phone::PutFinger(int finger, Skin skin, Aim aim) {
   finger_ = finger;
   skin_ = skin;
   contact_ = sensor_.Touch(aim);
-  touch_.Push({Report(touch_format::kDown)});
+  touch_.Push({MakeTouchRecord(touch_format::kDown)});
 }
 
-void Phone::LiftFinger() { touch_.Push({Report(touch_format::kUp)}); }
+void Phone::LiftFinger() { touch_.Push({MakeTouchRecord(touch_format::kUp)}); }
 
-void Phone::LetDisplayHalDie() { display_.DieAtCall(1, fp_host::RemoteService::Death::kBefore); }
+void Phone::CrashDisplayHalAtNextCall() {
+  display_.DieAtCall(1, fp_host::RemoteService::Death::kBefore);
+}
 
 void Phone::RestartDeadHals() {
   if (!display_.IsUp()) {
@@ -104,7 +106,7 @@ void Phone::RestartDeadHals() {
   }
 }
 
-void Phone::BlinkTouchDevice() {
+void Phone::ReconnectTouchDevice() {
   touch_.HangUp();
   touch_.Reconnect();
 }

@@ -41,9 +41,9 @@ class Phone {
   void LongPress(int times);
   void PutFinger(int finger, Skin skin, Aim aim);
   void LiftFinger();
-  void LetDisplayHalDie();  // at its next call
-  void RestartDeadHals();   // as init does
-  void BlinkTouchDevice();  // hangs up and reconnects
+  void CrashDisplayHalAtNextCall();  // at its next call
+  void RestartDeadHals();            // as init does
+  void ReconnectTouchDevice();       // hangs up and reconnects
 
   // The interface of the sensor's driver.
   void SetExposure(float ms) { sensor_.SetExposure(ms); }
@@ -54,13 +54,13 @@ class Phone {
 
  private:
   // Creates the files and properties that exist before the service starts.
-  struct Build {
-    explicit Build(const std::string& root);
+  struct DeviceSetup {
+    explicit DeviceSetup(const std::string& root);
   };
 
-  fp_host::TouchRecord Report(uint32_t type) const;
+  fp_host::TouchRecord MakeTouchRecord(uint32_t type) const;
 
-  Build build_;
+  DeviceSetup device_setup_;
   PhoneState& state_;
   SensorModel sensor_;
   fp_host::TouchNode touch_;

@@ -25,7 +25,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr char kKept[] = "data/vendor";  // what the phone keeps while it is off
+constexpr char kPersistentFolder[] = "data/vendor";  // what the phone keeps while it is off
 constexpr char kAttemptsFile[] = "data/vendor/fingerprint/AuthStats.0";
 
 // State that each process of the service passes on to the next.
@@ -56,7 +56,7 @@ struct Pass {
   const Report* without_control;  // to compare with at the end, or null
 };
 
-void PrintFound(const Service& service) {
+void PrintLoadedHistory(const Service& service) {
   if (service.GetHistorySize() == 0) {
     fmt::print("first start: no history yet\n");
   } else {
@@ -70,7 +70,7 @@ bool EndsService(const Event& event) {
 }
 
 // The service from one start to its end, in a process of its own.
-void Serve(const Pass& pass, const Scenario& scenario, std::span<const Event> events) {
+void RunService(const Pass& pass, const Scenario& scenario, std::span<const Event> events) {
   Phone phone(pass.device_root, pass.shared.phone);
   SetProperties(pass.properties);
   if (!events.empty()) {
@@ -78,7 +78,7 @@ void Serve(const Pass& pass, const Scenario& scenario, std::span<const Event> ev
   }
   Service service(phone);
   if (pass.output != Output::kNothing) {
-    PrintFound(service);
+    PrintLoadedHistory(service);
   }
   Player player(service, phone, pass.shared.report, pass.output);
   for (const Event& event : events) {
@@ -104,14 +104,14 @@ int WaitForEnd(pid_t process) {
   return status;
 }
 
-void ServeInProcess(const Pass& pass, const Scenario& scenario, std::span<const Event> events) {
+void RunServiceInChild(const Pass& pass, const Scenario& scenario, std::span<const Event> events) {
   fflush(stdout);
   const pid_t process = fork();
   if (process < 0) {
     throw std::runtime_error("the service's process cannot be started");
   }
   if (process == 0) {
-    Serve(pass, scenario, events);
+    RunService(pass, scenario, events);
     exit(0);
   }
   const int status = WaitForEnd(process);
@@ -126,7 +126,7 @@ void ServeInProcess(const Pass& pass, const Scenario& scenario, std::span<const 
 }
 
 // Truncates the file to half, as if the power had failed during the last write.
-void TearAttemptsFile(const Pass& pass) {
+void TruncateAttemptsFile(const Pass& pass) {
   const fs::path file = fs::path(pass.device_root) / kAttemptsFile;
   std::error_code error;
   const auto size = fs::file_size(file, error);
@@ -144,9 +144,9 @@ void Play(const Pass& pass, const Scenario& scenario) {
   for (auto begin = scenario.begin(); begin != scenario.end();) {
     auto end = std::find_if(begin, scenario.end(), EndsService);
     end += end == scenario.end() ? 0 : 1;
-    ServeInProcess(pass, scenario, {begin, end});
+    RunServiceInChild(pass, scenario, {begin, end});
     if (std::holds_alternative<PowerCut>((end - 1)->data)) {
-      TearAttemptsFile(pass);
+      TruncateAttemptsFile(pass);
     }
     begin = end;
   }
@@ -156,9 +156,10 @@ void Play(const Pass& pass, const Scenario& scenario) {
 
 void PlayTwice(const Scenario& scenario, const Settings& settings) {
   const fp_host::ScratchFolder copy("fp_service");
-  if (const fs::path files = fs::path(settings.device_root) / kKept; fs::exists(files)) {
-    fs::create_directories(copy.GetPath() + "/" + kKept);
-    fs::copy(files, copy.GetPath() + "/" + kKept, fs::copy_options::recursive);
+  if (const fs::path files = fs::path(settings.device_root) / kPersistentFolder;
+      fs::exists(files)) {
+    fs::create_directories(copy.GetPath() + "/" + kPersistentFolder);
+    fs::copy(files, copy.GetPath() + "/" + kPersistentFolder, fs::copy_options::recursive);
   }
   Properties off = settings.properties;
   off.emplace_back("persist.vendor.udfps.dynamic_exposure_supported", "false");
@@ -170,8 +171,8 @@ void PlayTwice(const Scenario& scenario, const Settings& settings) {
        scenario);
 }
 
-void PrintFoundState(const Settings& settings) {
-  ServeInProcess(
+void PrintStoredState(const Settings& settings) {
+  RunServiceInChild(
       {settings.device_root, settings.properties,
        settings.verbose ? Output::kAttempts : Output::kDumps, MakeShared(settings.seed), nullptr},
       {}, {});

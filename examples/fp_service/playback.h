@@ -23,6 +23,6 @@ struct Settings {
 void PlayTwice(const Scenario& scenario, const Settings& settings);
 
 // Starts the service on the device and prints its dump.
-void PrintFoundState(const Settings& settings);
+void PrintStoredState(const Settings& settings);
 
 }  // namespace fp_service

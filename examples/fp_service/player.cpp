@@ -63,7 +63,7 @@ void Player::Play(const Event& event) {
 }
 
 void Player::Handle(const Phase& phase) {
-  Say(fmt::format("-- {}", phase.name));
+  PrintVerbose(fmt::format("-- {}", phase.name));
   report_.BeginPhase(phone_.GetExposure());
 }
 
@@ -93,11 +93,11 @@ void Player::Handle(const Enroll& enroll) {
           [&] { service_.CaptureForEnrollment(); });
   }
   phone_.SetTime(at_);
-  Say(service_.Enroll(enroll.finger)->ToDebugString());
+  PrintVerbose(service_.Enroll(enroll.finger)->ToDebugString());
 }
 
 void Player::Handle(const Delete& deletion) {
-  Say(service_.Delete(deletion.finger)->ToDebugString());
+  PrintVerbose(service_.Delete(deletion.finger)->ToDebugString());
 }
 
 void Player::Handle(const Attempts& attempts) {
@@ -107,7 +107,7 @@ void Player::Handle(const Attempts& attempts) {
     const std::string finger_down = Touch(Purpose::kAuthenticate, attempts.finger, attempts.skin,
                                           attempts.aim, [&] { outcome = service_.Authenticate(); });
     report_.Count(*outcome.event, enrolled, outcome.steps, phone_.GetExposure());
-    Show(outcome, finger_down);
+    PrintAttempt(outcome, finger_down);
   }
 }
 
@@ -116,7 +116,7 @@ void Player::Handle(const AcquisitionErrors& errors) {
     Service::Outcome outcome;
     const std::string finger_down = Touch(Purpose::kAuthenticate, 0, Skin::kNormal, Aim::kGood,
                                           [&] { outcome = service_.FailToAcquire(errors.info); });
-    Show(outcome, finger_down);
+    PrintAttempt(outcome, finger_down);
   }
 }
 
@@ -129,8 +129,8 @@ void Player::Handle(const LongPress& press) {
 void Player::Handle(const Heat& heat) { phone_.SetSkinSeverity(heat.severity); }
 
 void Player::Handle(const DisplayHalDies& /*death*/) {
-  Say("the display HAL is about to die");
-  phone_.LetDisplayHalDie();
+  PrintVerbose("the display HAL is about to die");
+  phone_.CrashDisplayHalAtNextCall();
 }
 
 void Player::Handle(const Dump& /*dump*/) {
@@ -139,14 +139,14 @@ void Player::Handle(const Dump& /*dump*/) {
   }
 }
 
-void Player::Show(const Service::Outcome& outcome, const std::string& finger_down) {
-  Say(fmt::format("{}, finger down:{}", outcome.event->ToDebugString(), finger_down));
+void Player::PrintAttempt(const Service::Outcome& outcome, const std::string& finger_down) {
+  PrintVerbose(fmt::format("{}, finger down:{}", outcome.event->ToDebugString(), finger_down));
   if (outcome.steps > 0) {
-    Say(fmt::format("   exposure is now {:.3f} ms", phone_.GetExposure()));
+    PrintVerbose(fmt::format("   exposure is now {:.3f} ms", phone_.GetExposure()));
   }
 }
 
-void Player::Say(const std::string& line) {
+void Player::PrintVerbose(const std::string& line) {
   if (output_ == Output::kAttempts) {
     fmt::print("{}\n", line);
   }

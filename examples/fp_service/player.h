@@ -48,8 +48,8 @@ class Player {
   // One touch during which the service does `work`. Returns when it began.
   template <typename Work>
   std::string Touch(Purpose purpose, int finger, Skin skin, Aim aim, Work&& work);
-  void Show(const Service::Outcome& outcome, const std::string& finger_down);
-  void Say(const std::string& line);
+  void PrintAttempt(const Service::Outcome& outcome, const std::string& finger_down);
+  void PrintVerbose(const std::string& line);
 
   Service& service_;
   Phone& phone_;

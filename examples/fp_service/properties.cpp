@@ -17,7 +17,7 @@ enum class Kind { kSwitch, kNumber, kPath };
 struct Property {
   const char* name;
   Kind kind;
-  const char* in_force;  // on this phone, if nothing is set
+  const char* default_value;  // on this phone, if nothing is set
 };
 
 constexpr char kPrefix[] = "persist.vendor.udfps.";
@@ -42,7 +42,7 @@ constexpr Property kProperties[] = {
 
 // Reads the property with the platform, as the library does. Only a valid value gives the same
 // result with two different defaults.
-bool IsTaken(const std::string& name, Kind kind) {
+bool IsValid(const std::string& name, Kind kind) {
   switch (kind) {
     case Kind::kSwitch:
       return android::base::GetBoolProperty(name, true) ==
@@ -72,9 +72,9 @@ std::pair<std::string, std::string> ParseProperty(const std::string& text) {
   }
   const std::string value = text.substr(equals + 1);
   android::base::SetProperty(name, value);
-  if (!IsTaken(name, property->kind)) {
+  if (!IsValid(name, property->kind)) {
     throw std::invalid_argument(fmt::format("{} does not take \"{}\"; {} would stay in force", name,
-                                            value, property->in_force));
+                                            value, property->default_value));
   }
   return {name, value};
 }

@@ -9,7 +9,7 @@
 namespace fp_service {
 namespace {
 
-constexpr int32_t kGoodQuality = 30;
+constexpr int32_t kMinQuality = 30;
 
 // The names of the rows: one for the time before the first phase, then one for each phase.
 std::vector<std::string> RowNames(const Scenario& scenario) {
@@ -32,7 +32,7 @@ size_t WidthOf(const std::vector<std::string>& names) {
 
 // Compares the rejects of the same attempts. A difference counts only if it exceeds twice its
 // standard deviation.
-const char* Effect(const Report::Tally& with, const Report::Tally& without) {
+const char* DescribeEffect(const Report::Tally& with, const Report::Tally& without) {
   const int fewer = without.rejects - with.rejects;
   if (std::abs(fewer) <= 2 * std::sqrt(with.rejects + without.rejects)) {
     return "no clear difference";
@@ -66,7 +66,7 @@ void Report::CountCoverage(const android::fp_utils::AuthEventG7& event, int reje
   const auto band = std::find_if(bands_.rbegin(), bands_.rend(), [&](const Band& candidate) {
     return event.t_cov >= candidate.from_percent;
   });
-  if (event.iq >= kGoodQuality && band != bands_.rend()) {
+  if (event.iq >= kMinQuality && band != bands_.rend()) {
     band->tally.Count(reject);
   }
 }
@@ -130,7 +130,7 @@ std::string Report::Findings(const Report& without, const std::vector<std::strin
       continue;
     }
     text += fmt::format("{}: {}, {} false rejects with it and {} without\n", names[i],
-                        Effect(phase.all, other), phase.all.rejects, other.rejects);
+                        DescribeEffect(phase.all, other), phase.all.rejects, other.rejects);
     if (phase.exposure_begin != calibrated_ms_ && i > 0) {
       text +=
           fmt::format("  it began at {:.1f} ms, where earlier steps had left it, not at {:.1f}\n",
@@ -146,7 +146,7 @@ std::string Report::Findings(const Report& without, const std::vector<std::strin
 
 std::string Report::CoverageTable() const {
   std::string text = fmt::format(
-      "false rejects by coverage of the sensor, of images with quality {} or more\n", kGoodQuality);
+      "false rejects by coverage of the sensor, of images with quality {} or more\n", kMinQuality);
   for (const Band& band : bands_) {
     text += fmt::format("{:<12}{:>16}\n", band.name, band.tally.TextWithPercent());
   }

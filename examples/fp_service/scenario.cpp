@@ -28,7 +28,7 @@ constexpr int kMaxCode = 1000000;
 constexpr int kMaxSeverity = 6;
 
 Aim ReadAim(Fields& fields) {
-  return fields.OneOf<Aim>("aim", {{"good", Aim::kGood}, {"poor", Aim::kPoor}}, Aim::kGood);
+  return fields.GetOneOf<Aim>("aim", {{"good", Aim::kGood}, {"poor", Aim::kPoor}}, Aim::kGood);
 }
 
 EventData ReadEventData(const std::string& event, Fields& fields) {
@@ -37,52 +37,52 @@ EventData ReadEventData(const std::string& event, Fields& fields) {
   constexpr double kMaxBase = 1e6;
   constexpr double kMaxLux = 200000;
   if (event == "phase") {
-    return Phase{.name = fields.Text("name")};
+    return Phase{.name = fields.GetText("name")};
   }
   if (event == "calibrate") {
     return Calibrate{
-        .expo_ms = static_cast<float>(fields.Number("expo_ms", kMinCalibration, kMaxExposureMs)),
-        .base = static_cast<float>(fields.Number("base", kMinCalibration, kMaxBase))};
+        .expo_ms = static_cast<float>(fields.GetNumber("expo_ms", kMinCalibration, kMaxExposureMs)),
+        .base = static_cast<float>(fields.GetNumber("base", kMinCalibration, kMaxBase))};
   }
   if (event == "init_error") {
-    return InitError{.code = fields.Integer("code", -kMaxCode, kMaxCode),
-                     .message = fields.Text("message")};
+    return InitError{.code = fields.GetInteger("code", -kMaxCode, kMaxCode),
+                     .message = fields.GetText("message")};
   }
   if (event == "light") {
-    return Light{.lux = static_cast<float>(fields.Number("lux", 0, kMaxLux))};
+    return Light{.lux = static_cast<float>(fields.GetNumber("lux", 0, kMaxLux))};
   }
   if (event == "attempts") {
     return Attempts{
-        .finger = fields.Integer("finger", 0, kFingers),
-        .count = fields.Integer("count", 1, kMaxCount, 1),
-        .every_s = fields.Integer("every_s", 0, kMaxPause, 1),
-        .skin = fields.OneOf<Skin>(
+        .finger = fields.GetInteger("finger", 0, kFingers),
+        .count = fields.GetInteger("count", 1, kMaxCount, 1),
+        .every_s = fields.GetInteger("every_s", 0, kMaxPause, 1),
+        .skin = fields.GetOneOf<Skin>(
             "skin", {{"normal", Skin::kNormal}, {"dry", Skin::kDry}, {"wet", Skin::kWet}},
             Skin::kNormal),
         .aim = ReadAim(fields)};
   }
   if (event == "enroll") {
-    return Enroll{.finger = fields.Integer("finger", 1, kFingers),
-                  .captures = fields.Integer("captures", 1, kMaxCaptures, 10),
+    return Enroll{.finger = fields.GetInteger("finger", 1, kFingers),
+                  .captures = fields.GetInteger("captures", 1, kMaxCaptures, 10),
                   .aim = ReadAim(fields)};
   }
   if (event == "delete") {
-    return Delete{.finger = fields.Integer("finger", 1, kFingers)};
+    return Delete{.finger = fields.GetInteger("finger", 1, kFingers)};
   }
   if (event == "acquisition_errors") {
-    const AcquisitionErrors errors = {.info = fields.Integer("info", -128, 127),
-                                      .count = fields.Integer("count", 1, kMaxCount, 1),
-                                      .every_s = fields.Integer("every_s", 0, kMaxPause, 1)};
+    const AcquisitionErrors errors = {.info = fields.GetInteger("info", -128, 127),
+                                      .count = fields.GetInteger("count", 1, kMaxCount, 1),
+                                      .every_s = fields.GetInteger("every_s", 0, kMaxPause, 1)};
     if (errors.info == 1) {
       throw InvalidEvent("\"info\" 1 is a good image; write \"attempts\"");
     }
     return errors;
   }
   if (event == "long_press") {
-    return LongPress{.count = fields.Integer("count", 1, kMaxPresses, 1)};
+    return LongPress{.count = fields.GetInteger("count", 1, kMaxPresses, 1)};
   }
   if (event == "heat") {
-    return Heat{.severity = fields.Integer("severity", 0, kMaxSeverity)};
+    return Heat{.severity = fields.GetInteger("severity", 0, kMaxSeverity)};
   }
   if (event == "display_hal_dies") {
     return DisplayHalDies{};
@@ -105,7 +105,7 @@ struct Touches {
   time_t seconds = 0;
 };
 
-Touches TouchesOf(const EventData& data) {
+Touches CountTouches(const EventData& data) {
   const auto spread = [](const auto& touches) {
     return Touches{touches.count, time_t{touches.count - 1} * touches.every_s};
   };
@@ -183,18 +183,18 @@ json Parse(const std::string& line) {
 
 class Reader {
  public:
-  void Take(const std::string& line) {
+  void ReadLine(const std::string& line) {
     ++number_;
     if (line.find_first_not_of(" \t\r") == std::string::npos) {
       return;
     }
     const json parsed = Parse(line);
     Fields fields(parsed);
-    const std::string event = fields.Text("event");
+    const std::string event = fields.GetText("event");
     if (event == "day") {
-      TakeDay(fields);
+      ReadDay(fields);
     } else if (midnight_) {
-      TakeEvent(event, fields);
+      ReadEvent(event, fields);
     } else {
       throw InvalidEvent("the first event is \"day\"");
     }
@@ -214,22 +214,22 @@ class Reader {
   int GetLine() const { return number_; }
 
  private:
-  void TakeDay(Fields& fields) {
-    const time_t midnight = Midnight(fields.Text("date"));
+  void ReadDay(Fields& fields) {
+    const time_t midnight = Midnight(fields.GetText("date"));
     if (midnight_ && midnight <= *midnight_) {
       throw InvalidEvent("\"date\" is not after the day before");
     }
     midnight_ = midnight;
   }
 
-  void TakeEvent(const std::string& event, Fields& fields) {
-    const time_t at = *midnight_ + TimeOfDay(fields.Text("at"));
+  void ReadEvent(const std::string& event, Fields& fields) {
+    const time_t at = *midnight_ + TimeOfDay(fields.GetText("at"));
     if (!scenario_.empty() && at < end_) {
       throw InvalidEvent(fmt::format("\"at\" is before {}, when the event of line {} ends",
                                      LocalTime(end_), end_line_));
     }
     scenario_.push_back({at, ReadEventData(event, fields)});
-    const Touches touches = TouchesOf(scenario_.back().data);
+    const Touches touches = CountTouches(scenario_.back().data);
     end_ = at + touches.seconds;
     end_line_ = number_;
     touches_ += touches.count;
@@ -271,7 +271,7 @@ Scenario ReadScenario(std::istream& lines, const std::string& name) {
   Reader reader;
   try {
     for (std::string line; std::getline(lines, line);) {
-      reader.Take(line);
+      reader.ReadLine(line);
     }
     return reader.Finish();
   } catch (const InvalidEvent& error) {

@@ -46,8 +46,8 @@ constexpr int32_t kUnlitRawMean = 300;  // any finger is brighter while the pane
 // The library waits only 10 ms for the thermal HAL, because a service may be unable to wait longer.
 // This one can.
 void WaitForThermalHal() {
-  constexpr int kPatienceMs = 1000;
-  for (int i = 0; i < kPatienceMs && Thermal::GetInstance().GetCpuSeverity() == -ENODEV; ++i) {
+  constexpr int kTimeoutMs = 1000;
+  for (int i = 0; i < kTimeoutMs && Thermal::GetInstance().GetCpuSeverity() == -ENODEV; ++i) {
     std::this_thread::sleep_for(std::chrono::milliseconds(1));
   }
 }
@@ -79,7 +79,7 @@ void Service::ReportInitError(const InitError& error) {
 void Service::ExposureChanged(void* context, float expo, float /*base*/) {
   auto& service = *static_cast<Service*>(context);
   service.phone_.SetExposure(expo);
-  ++service.steps_;
+  ++service.steps_since_attempt_;
 }
 
 void Service::Calibrate(const fp_service::Calibrate& calibration) {
@@ -125,7 +125,7 @@ std::shared_ptr<AuthEventG7> Service::NewAttempt() {
 Service::Outcome Service::Record(const std::shared_ptr<AuthEventG7>& event) {
   attempts_.AddAttempt(event);
   exposure_.FeedAuthAttempt(event);
-  return {event, std::exchange(steps_, 0)};
+  return {event, std::exchange(steps_since_attempt_, 0)};
 }
 
 Service::Outcome Service::Authenticate() {
@@ -202,7 +202,7 @@ std::shared_ptr<EnrollEventG7> Service::Delete(int finger) {
   return event;
 }
 
-void Service::DumpSurroundings(int fd) {
+void Service::DumpEnvironment(int fd) {
   float lux = 0;
   if (AlsMonitor::GetInstance()->GetLight(&lux) == 0) {
     dprintf(fd, "Ambient light: %.0f lux\n", lux);
@@ -241,7 +241,7 @@ void Service::Dump(int fd) {
             sizes_.GetPercentileValue(axis, 5), sizes_.GetPercentileValue(axis, 50),
             sizes_.GetPercentileValue(axis, 95));
   }
-  DumpSurroundings(fd);
+  DumpEnvironment(fd);
 }
 
 }  // namespace fp_service

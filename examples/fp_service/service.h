@@ -42,7 +42,7 @@ class Service {
   void Calibrate(const fp_service::Calibrate& calibration);
 
   // What a touch is for has to be said before it; the operations below find the finger down.
-  void ExpectFinger(Purpose purpose) { input_.Expect(purpose); }
+  void ExpectFinger(Purpose purpose) { input_.SetPurpose(purpose); }
   Outcome Authenticate();
   Outcome FailToAcquire(int info);
   void CaptureForEnrollment();
@@ -77,7 +77,7 @@ class Service {
   Outcome RecordAcquisitionError(int info);
   Outcome Record(const std::shared_ptr<android::fp_utils::AuthEventG7>& event);
   std::shared_ptr<android::fp_utils::EnrollEventG7> NewEnrollment(int finger);
-  void DumpSurroundings(int fd);
+  void DumpEnvironment(int fd);
 
   Phone& phone_;
   FakeMatcher matcher_;
@@ -89,7 +89,7 @@ class Service {
   android::fp_utils::DisplayController display_;
   PressCounter presses_;
   FingerInput input_;
-  int steps_ = 0;
+  int steps_since_attempt_ = 0;
 };
 
 }  // namespace fp_service

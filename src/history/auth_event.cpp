@@ -14,6 +14,7 @@ namespace {
 
 constexpr char kTag[] = "AuthEvent";
 constexpr size_t kTextSize = 128;
+constexpr char kFieldTypes[] = "xxxxxx";  // of the record text
 
 // Names of AcquiredInfo, indexed by value. The one of 1 (good) is never printed.
 constexpr const char* kAcquisitionErrors[] = {
@@ -71,7 +72,7 @@ bool AuthEvent::LoadFromBackupString(std::string& text) {
   auth_successful = stored_success != 0;
   // The pattern is stricter than the scan. A text that only the scan accepts is not shortened, and
   // the derived record then fails to load.
-  RemoveFirstMatch(text, "xxxxxx");
+  RemoveFields(text, kFieldTypes);
   return true;
 }
 

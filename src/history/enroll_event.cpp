@@ -13,6 +13,7 @@ namespace {
 
 constexpr char kTag[] = "EnrollEvent";
 constexpr size_t kTextSize = 256;
+constexpr char kFieldTypes[] = "xdxxxxfx";  // of the record text
 
 }  // namespace
 
@@ -60,7 +61,7 @@ bool EnrollEvent::LoadFromBackupString(std::string& text) {
   enroll_successful = stored_success != 0;
   // The pattern is stricter than sscanf(). If only sscanf() accepts the text, nothing is removed
   // from it, and the derived record then fails to load.
-  RemoveFirstMatch(text, "xdxxxxfx");
+  RemoveFields(text, kFieldTypes);
   return true;
 }
 

@@ -14,26 +14,26 @@ constexpr char kHex[] = "0123456789abcdefABCDEF";
 
 // The end of the field that begins at `at`, or null. The next field starts after a comma, which no
 // field contains, so only the longest match has to be tried.
-const char* EndOfField(const char* at, char field) {
-  if (field == 'x') {
+const char* EndOfField(const char* at, char type) {
+  if (type == 'x') {
     at += strncmp(at, "0x", 2) == 0 ? 2 : strlen(at);
-  } else if (field == 'f' && *at == '-') {
+  } else if (type == 'f' && *at == '-') {
     ++at;
   }
-  const size_t digits = strspn(at, field == 'x' ? kHex : kDecimal);
+  const size_t digits = strspn(at, type == 'x' ? kHex : kDecimal);
   if (digits == 0) {
     return nullptr;
   }
   at += digits;
-  const size_t decimals = field == 'f' && *at == '.' ? strspn(at + 1, kDecimal) : 0;
+  const size_t decimals = type == 'f' && *at == '.' ? strspn(at + 1, kDecimal) : 0;
   return decimals == 0 ? at : at + 1 + decimals;
 }
 
 // The same for several fields with commas in between.
-const char* EndOfFields(const char* at, const char* fields) {
-  at = EndOfField(at, *fields);
-  while (at != nullptr && *++fields != '\0') {
-    at = *at == ',' ? EndOfField(at + 1, *fields) : nullptr;
+const char* EndOfFields(const char* at, const char* types) {
+  at = EndOfField(at, *types);
+  while (at != nullptr && *++types != '\0') {
+    at = *at == ',' ? EndOfField(at + 1, *types) : nullptr;
   }
   return at;
 }
@@ -44,10 +44,10 @@ void LogParseFailure(const char* tag, const char* signature, const std::string& 
   FP_LOG_ERROR(tag, "[%s] failed to parse str:'%s' with error %d", signature, text.c_str(), -errno);
 }
 
-void RemoveFirstMatch(std::string& text, const char* fields) {
+void RemoveFields(std::string& text, const char* types) {
   for (size_t from = 0; from < text.size(); ++from) {
     const char* const begin = text.c_str() + from;
-    if (const char* const end = EndOfFields(begin, fields)) {
+    if (const char* const end = EndOfFields(begin, types)) {
       text.erase(from, static_cast<size_t>(end - begin));
       return;
     }

@@ -13,12 +13,12 @@ void LogParseFailure(const char* tag, const char* signature, const std::string& 
 inline unsigned* AsUnsigned(int32_t* value) { return reinterpret_cast<unsigned*>(value); }
 
 // Removes the first match of comma-separated fields, so that a derived record finds its own part at
-// the front. `fields` has one character per field:
+// the front. `types` has one character per field:
 //   x   0x[0-9a-fA-F]+
 //   d   [0-9]+
 //   f   -?[0-9]+([.][0-9]+)?
 // The result is that of a regular expression with first-only replacement, but the time is linear in
 // the length and there is no recursion. std::regex promises neither for the text of a damaged file.
-void RemoveFirstMatch(std::string& text, const char* fields);
+void RemoveFields(std::string& text, const char* types);
 
 }  // namespace android::fp_utils

@@ -115,11 +115,11 @@ class Soak : public fp_test::DeviceTest {
         [&] { FailSoon("read", EINTR); },
         [&] { FailSoon("poll", EINTR); },
         [&] { FailSoon("ioctl", EIO); },
-        [&] { phone_.LetDisplayHalDie(); },
+        [&] { phone_.CrashDisplayHalAtNextCall(); },
         [&] { phone_.SetLux(static_cast<float>(RandomInt(40000))); },
         [&] { phone_.SetSkinSeverity(RandomInt(7)); },
         [&] { phone_.LongPress(1 + RandomInt(20)); },
-        [&] { phone_.BlinkTouchDevice(); },
+        [&] { phone_.ReconnectTouchDevice(); },
         [&] {
           ++restarts_;
           fp_host::RestartSensorService();

@@ -71,7 +71,7 @@ Device Merge(std::vector<Contents> inputs) {
 std::vector<std::string> TextsOf(const Records& records) {
   std::vector<std::string> texts;
   for (const Record& record : records) {
-    texts.push_back(std::to_string(record.time) + " " + Words(record));
+    texts.push_back(std::to_string(record.time) + " " + DumpText(record));
   }
   return texts;
 }
@@ -130,7 +130,7 @@ TEST(InspectTimeline, RestartsGapsAndLostPast) {
 
   const Device device = Merge({Dump(part(0, 50)), Dump(part(60, 63))});
   EXPECT_TRUE(device.Of(RecordKind::kAttempt).gaps.at(0).lost_past);
-  EXPECT_EQ("history_lost_past", Summarise(device, By::kNothing, Zone()).findings.back().id);
+  EXPECT_EQ("history_lost_past", Summarise(device, GroupBy::kNothing, Zone()).findings.back().id);
 }
 
 TEST(InspectTimeline, LocalTimesAndZones) {
@@ -190,7 +190,7 @@ TEST(InspectSummary, CountsAndCrossChecks) {
   dump.exposures[0].avg_raw_mean = 1000;
   const Device device =
       Merge({std::move(dump), Dump({Error(kStart + 20000, "failed to enable lhbm")})});
-  const Summary summary = Summarise(device, By::kBurst, Zone());
+  const Summary summary = Summarise(device, GroupBy::kBurst, Zone());
   EXPECT_EQ(32u, summary.all.attempts);
   EXPECT_EQ(31u, summary.all.bursts) << "a pause of ten minutes is none";
   EXPECT_EQ(31u, summary.periods.size());
@@ -248,8 +248,8 @@ TEST(InspectStatistics, Differences) {
   const Bursts bursts = {{10, 1}, {10, 2}, {10, 3}, {10, 7}, {10, 8}, {10, 9}};
   const auto p = PermutationTest({bursts}, [](auto row) { return Distance(row, 3); });
   EXPECT_NEAR(0.1, p.at(0), 0.02);
-  EXPECT_DOUBLE_EQ(0.1, LeastP(6, 3));
-  EXPECT_DOUBLE_EQ(0.0005, LeastP(60, 20)) << "the number of orders that are tried";
+  EXPECT_DOUBLE_EQ(0.1, SmallestP(6, 3));
+  EXPECT_DOUBLE_EQ(0.0005, SmallestP(60, 20)) << "the number of orders that are tried";
   EXPECT_NEAR(0.6 - 0.160, MeanInterval(bursts, 3).low, 0.001);
 }
 
@@ -292,16 +292,16 @@ TEST(InspectCompare, CoverageBeforeLight) {
   // Images of uncovered fingers are darker and poorer: no word on light.
   Comparison found =
       Compare(good, Days(&random, 20, 0.7, success, {.iq = 30, .t_cov = 20, .raw = 900}), {});
-  EXPECT_TRUE(RowIn(found, "t_cov").IsShown());
-  EXPECT_FALSE(RowIn(found, "rawmean_delta").IsShown());
-  EXPECT_FALSE(RowIn(found, "rejected.covered").IsShown());
+  EXPECT_TRUE(RowIn(found, "t_cov").IsSignificant());
+  EXPECT_FALSE(RowIn(found, "rawmean_delta").IsSignificant());
+  EXPECT_FALSE(RowIn(found, "rejected.covered").IsSignificant());
   EXPECT_NE(std::string::npos, found.verdict.find("evidence that A and B differ: rejected"));
   EXPECT_TRUE(found.verdict.ends_with("; no difference shown in rejects of covered images."));
 
   found = Compare(good, Days(&random, 20, 0.7, success, {.iq = 20, .raw = 3000}), {});
-  EXPECT_FALSE(RowIn(found, "t_cov").IsShown());
-  EXPECT_TRUE(RowIn(found, "cause.too_bright").IsShown());
-  EXPECT_TRUE(RowIn(found, "rawmean_delta").IsShown());
+  EXPECT_FALSE(RowIn(found, "t_cov").IsSignificant());
+  EXPECT_TRUE(RowIn(found, "cause.too_bright").IsSignificant());
+  EXPECT_TRUE(RowIn(found, "rawmean_delta").IsSignificant());
 
   const Records day = Days(&random, 4, 0, success, success);
   found = Compare(day, Days(&random, 4, 1, success, {}), {});
@@ -310,7 +310,7 @@ TEST(InspectCompare, CoverageBeforeLight) {
   EXPECT_NE(std::string::npos, Compare({}, day, {}).verdict.find("no row has 20 records"));
   const Try endless = {.success = true, .t_cov = std::numeric_limits<float>::infinity()};
   found = Compare(good, Days(&random, 20, 0.1, endless, {.iq = 20, .raw = 3000}), {});
-  EXPECT_FALSE(RowIn(found, "t_cov").IsShown()) << "no number, no evidence";
+  EXPECT_FALSE(RowIn(found, "t_cov").IsSignificant()) << "no number, no evidence";
 }
 
 TEST(InspectCompare, SinceWhen) {
@@ -337,7 +337,7 @@ TEST(InspectFields, ConditionsOnWhatARecordHas) {
     EXPECT_TRUE(condition) << text << ": " << why;
     Filter filter;
     filter.where = {condition.value_or(Filter::Condition())};
-    return filter.Admits(record, {});
+    return filter.Matches(record, {});
   };
   const Record record = Attempt(kStart, {.iq = 28, .t_cov = 59.5F});
   for (const char* text : {"t_cov<60", "iq<=28", "iq>=28", "iq=28", "iq==28", "iq!=3", "iq<1e3"}) {

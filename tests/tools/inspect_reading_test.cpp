@@ -40,7 +40,7 @@ Texts WordsOf(const Contents& contents, RecordKind kind) {
   for (const Snapshot& snapshot : contents.snapshots) {
     for (const Record& record : snapshot.records) {
       if (snapshot.kind == kind) {
-        texts.push_back(Words(record));
+        texts.push_back(DumpText(record));
       }
     }
   }

@@ -37,7 +37,7 @@ class Outcome {
   explicit Outcome(Output& output) : output_(output) {}
 
   // Reports the errors and warnings of an input; true if there are none.
-  bool Take(const ReadResult& result) {
+  bool Report(const ReadResult& result) {
     if (!result.warning.empty()) {
       output_.PutWarning(result.path, result.warning);
     }
@@ -52,14 +52,14 @@ class Outcome {
 
   int Code() {
     if (fflush(stdout) != 0 || ferror(stdout) != 0) {
-      Complain("the output cannot be written");
+      PrintErrorf("the output cannot be written");
       return kFailed;
     }
     if (has_failed_) {
       return kFailed;
     }
     if (!has_records_) {
-      Complain("no record in any input");
+      PrintErrorf("no record in any input");
       return is_damaged_ ? kDamaged : kNoRecord;
     }
     return is_damaged_ ? kDamaged : kDone;
@@ -76,14 +76,14 @@ class Outcome {
 // its result.
 std::vector<ReadResult> ReadAll(const std::string& input, InputKind kind) {
   std::vector<ReadResult> results;
-  const auto read = [&](const std::string& path, bool is_asked_for) {
+  const auto read = [&](const std::string& path, bool is_named) {
     ReadResult result = {.path = path};
     try {
       result.contents = ReadInput(path, kind);
     } catch (const InputError& error) {
       result.error = error.what();
     }
-    if (is_asked_for || !result.error.empty() || !result.contents.snapshots.empty() ||
+    if (is_named || !result.error.empty() || !result.contents.snapshots.empty() ||
         result.contents.damage_count > 0) {
       results.push_back(std::move(result));
     }
@@ -111,13 +111,13 @@ std::vector<ReadResult> ReadAll(const std::string& input, InputKind kind) {
 
 void AddTo(DeviceBuilder* builder, std::vector<ReadResult> results, Outcome* outcome) {
   for (ReadResult& result : results) {
-    if (outcome->Take(result)) {
+    if (outcome->Report(result)) {
       builder->Add(std::move(result.contents));
     }
   }
 }
 
-int64_t MomentOf(const std::string& text, const Zone& zone) {
+int64_t ParseTime(const std::string& text, const Zone& zone) {
   if (text.starts_with('@')) {
     int64_t epoch = 0;
     std::from_chars(text.data() + 1, text.data() + text.size(), epoch);
@@ -132,8 +132,8 @@ void KeepPeriod(Device* device, const Options& options) {
     return;
   }
   const Zone zone(device->zone);
-  const int64_t since = options.since.empty() ? INT64_MIN : MomentOf(options.since, zone);
-  const int64_t until = options.until.empty() ? INT64_MAX : MomentOf(options.until, zone);
+  const int64_t since = options.since.empty() ? INT64_MIN : ParseTime(options.since, zone);
+  const int64_t until = options.until.empty() ? INT64_MAX : ParseTime(options.until, zone);
   for (Timeline& timeline : device->timelines) {
     std::erase_if(timeline.records, [&](const Record& record) {
       return record.GetKind() != RecordKind::kFingerSize &&
@@ -170,7 +170,7 @@ std::vector<std::string> DevicesOf(const std::vector<std::string>& inputs, Outco
       }
     }
     if (error) {
-      outcome->Take({.path = input, .error = fmt::format("{}: {}", input, error.message())});
+      outcome->Report({.path = input, .error = fmt::format("{}: {}", input, error.message())});
     }
     std::sort(devices.begin() + static_cast<ptrdiff_t>(before), devices.end());
   }
@@ -208,7 +208,7 @@ void ShowProgress(size_t done, size_t all) {
 
 }  // namespace
 
-bool IsMoment(const std::string& text) {
+bool IsValidTime(const std::string& text) {
   if (text.starts_with('@')) {
     return text.size() > 1 && text.find_first_not_of("0123456789", 1) == text.npos;
   }
@@ -222,8 +222,8 @@ int RunSummary(const Options& options) {
   Outcome outcome(*output);
   const Device device = ReadDevice(options, &outcome);
   const Zone zone(device.zone);
-  output->PutSummary(device, Summarise(device, options.by, zone), zone);
-  TellDamage(device);
+  output->PutSummary(device, Summarise(device, options.group_by, zone), zone);
+  PrintDamage(device);
   return outcome.Code();
 }
 
@@ -235,7 +235,7 @@ int RunList(const Options& options) {
   std::vector<const Record*> shown;
   for (const Timeline& timeline : device.timelines) {
     for (const Record& record : timeline.records) {
-      if (options.filter.Admits(record, thresholds)) {
+      if (options.filter.Matches(record, thresholds)) {
         shown.push_back(&record);
       }
     }
@@ -248,7 +248,7 @@ int RunList(const Options& options) {
     output->PutRecord(*record, device, thresholds, zone);
   }
   output->EndList(device);
-  TellDamage(device);
+  PrintDamage(device);
   return outcome.Code();
 }
 
@@ -257,7 +257,7 @@ int RunVerify(const Options& options) {
   Outcome outcome(*output);
   for (const std::string& input : options.inputs) {
     for (const ReadResult& result : ReadAll(input, options.kind)) {
-      if (outcome.Take(result)) {
+      if (outcome.Report(result)) {
         output->PutVerified(result.contents);
       }
     }
@@ -286,9 +286,9 @@ int RunFleet(const Options& options) {
       Device device = builder.Finish();
       KeepPeriod(&device, options);
       const Zone zone(device.zone);
-      const Summary summary = Summarise(device, By::kNothing, zone);
+      const Summary summary = Summarise(device, GroupBy::kNothing, zone);
       output->PutDevice(paths[i], device, summary, zone);
-      TellDamage(device);
+      PrintDamage(device);
       fleet.Add(paths[i], summary);
     }
     ShowProgress(std::min(begin + batch, devices.size()), devices.size());
@@ -302,54 +302,55 @@ int RunReplay(const Options& options) {
   const auto output = MakeOutput(options.format);
   Outcome outcome(*output);
   const Device device = ReadDevice(options, &outcome);
-  Replay replay = ReplayRecorded(device, options.calibration, options.model);
-  if (options.model && !replay.fit) {
-    Complain("--model: the images are too few, or their quality has no maximum over the raw mean");
+  Replay replay = ReplayRecorded(device, options.calibration, options.fit_sensor);
+  if (options.fit_sensor && !replay.fit) {
+    PrintErrorf(
+        "--model: the images are too few, or their quality has no maximum over the raw mean");
     return kFailed;
   }
   for (const Settings& settings : options.variants) {
     AddVariant(settings, &replay);
   }
-  output->PutReplay(replay, device, options.check, Zone(device.zone));
-  TellDamage(device);
+  output->PutReplay(replay, device, options.check_replay, Zone(device.zone));
+  PrintDamage(device);
   const int code = outcome.Code();
   if (code != kDone) {
     return code;
   }
-  if (replay.runs.empty() || (options.check && replay.checks == 0)) {
-    Complain("no dump has a bring-up, the controller and its attempts");
+  if (replay.runs.empty() || (options.check_replay && replay.checks == 0)) {
+    PrintErrorf("no dump has a bring-up, the controller and its attempts");
     return kNoRecord;
   }
-  return options.check && !replay.Agrees() ? kDiffers : kDone;
+  return options.check_replay && !replay.Agrees() ? kDiffers : kDone;
 }
 
 int RunCompare(const Options& options) {
   const auto output = MakeOutput(options.format);
   Outcome outcome(*output);
   const Device a = ReadDevice(options, &outcome);
-  const std::vector<Record>& attempts = a.Of(RecordKind::kAttempt).records;
+  const std::vector<Record>& a_attempts = a.Of(RecordKind::kAttempt).records;
   const Zone zone(a.zone);
   const Thresholds thresholds = Thresholds::Of(a.exposure);
-  TellDamage(a);
+  PrintDamage(a);
   Comparison comparison;
-  bool has_both = !attempts.empty();
+  bool has_both = !a_attempts.empty();
   if (options.since_when) {
-    comparison = CompareSinceWhen(attempts, thresholds, zone);
+    comparison = CompareSinceWhen(a_attempts, thresholds, zone);
   } else {
-    Options second = options;
-    second.inputs = options.others;
-    const Device b = ReadDevice(second, &outcome);
-    const std::vector<Record>& others = b.Of(RecordKind::kAttempt).records;
-    TellDamage(b);
-    comparison = Compare(attempts, others, thresholds);
-    has_both &= !others.empty();
+    Options side_b = options;
+    side_b.inputs = options.side_b_inputs;
+    const Device b = ReadDevice(side_b, &outcome);
+    const std::vector<Record>& b_attempts = b.Of(RecordKind::kAttempt).records;
+    PrintDamage(b);
+    comparison = Compare(a_attempts, b_attempts, thresholds);
+    has_both &= !b_attempts.empty();
   }
   output->PutComparison(comparison, zone);
   const int code = outcome.Code();
   if (code == kFailed || code == kNoRecord || has_both) {
     return options.exit_code && comparison.differs && code != kFailed ? kDiffers : code;
   }
-  Complain("no attempt in one of the groups");
+  PrintErrorf("no attempt in one of the groups");
   return kNoRecord;
 }
 

@@ -21,15 +21,15 @@ struct Options {
   std::string since;
   std::string until;
   bool salvage = false;
-  By by = By::kNothing;
+  GroupBy group_by = GroupBy::kNothing;
   Filter filter;
   unsigned jobs = 0;  // 0: one per processor
   size_t top = 20;
   std::optional<Calibration> calibration;
   std::vector<Settings> variants;
-  bool check = false;
-  bool model = false;
-  std::vector<std::string> others;  // side B of a comparison
+  bool check_replay = false;
+  bool fit_sensor = false;
+  std::vector<std::string> side_b_inputs;  // of a comparison
   bool since_when = false;
   bool exit_code = false;
 };
@@ -45,6 +45,6 @@ int RunCompare(const Options& options);
 
 // Whether `text` is a valid `since` or `until`: "2026-03-04", optionally followed by " 05:06" or
 // " 05:06:07", or "@" followed by seconds since the epoch.
-bool IsMoment(const std::string& text);
+bool IsValidTime(const std::string& text);
 
 }  // namespace fp_inspect

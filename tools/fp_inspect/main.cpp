@@ -29,10 +29,10 @@ constexpr char kFooter[] =
     "Exit codes: 0 done, 1 failed, 2 wrong options, 3 no record in any input, 4 damage seen (the\n"
     "output is complete as far as readable), 5 a difference (compare --exit-code, replay --check).";
 
-CLI::Validator Refuse(const std::string& name, bool (*is_good)(const std::string&)) {
+CLI::Validator MakeValidator(const std::string& name, bool (*is_valid)(const std::string&)) {
   return CLI::Validator(
       [=](const std::string& text) {
-        return is_good(text) ? "" : fmt::format("\"{}\" is no {}", text, name);
+        return is_valid(text) ? "" : fmt::format("\"{}\" is no {}", text, name);
       },
       "", name);
 }
@@ -66,7 +66,7 @@ void AddDevice(CLI::App* command, Options* options) {
       ->add_option("--tz", options->zone,
                    "zone of the device's local times, as Europe/Berlin; else what a bug report "
                    "says, else the machine's")
-      ->check(Refuse("time zone", Zone::Exists))
+      ->check(MakeValidator("time zone", Zone::Exists))
       ->type_name("ZONE");
 }
 
@@ -75,22 +75,22 @@ void AddPeriod(CLI::App* command, Options* options) {
   command
       ->add_option("--since", options->since,
                    "leave out what is before; 2026-03-04, 2026-03-04 05:06[:07] or @epoch")
-      ->check(Refuse("time", IsMoment))
+      ->check(MakeValidator("time", IsValidTime))
       ->type_name("TIME");
   command->add_option("--until", options->until, "leave out this moment and what is behind")
-      ->check(Refuse("time", IsMoment))
+      ->check(MakeValidator("time", IsValidTime))
       ->type_name("TIME");
 }
 
 void AddSummary(CLI::App* app, Options* options) {
-  static const std::map<std::string, By> periods = {
-      {"day", By::kDay}, {"hour", By::kHour}, {"burst", By::kBurst}};
+  static const std::map<std::string, GroupBy> periods = {
+      {"day", GroupBy::kDay}, {"hour", GroupBy::kHour}, {"burst", GroupBy::kBurst}};
   CLI::App* const command = app->add_subcommand(
       "summary", "One device: how many attempts fail, and why. Several inputs are one timeline.");
   AddInputs(command, options);
   AddPeriod(command, options);
   AddFormat(command, options, {"text", "jsonl"});
-  command->add_option("--by", options->by, "also a line for each day, hour or burst")
+  command->add_option("--by", options->group_by, "also a line for each day, hour or burst")
       ->transform(CLI::CheckedTransformer(periods))
       ->type_name("PERIOD");
 }
@@ -137,13 +137,13 @@ void AddFleet(CLI::App* app, Options* options) {
 }
 
 // The options of `replay` that are parsed later, as text.
-struct ReplayTexts {
+struct ReplayArguments {
   std::string calibration;
   std::vector<std::string> settings;
   std::string sweep;
 };
 
-void AddReplay(CLI::App* app, Options* options, ReplayTexts* texts) {
+void AddReplay(CLI::App* app, Options* options, ReplayArguments* arguments) {
   CLI::App* const command = app->add_subcommand(
       "replay",
       "Exposure steps from the recorded attempts, and the first other one if settings "
@@ -152,31 +152,33 @@ void AddReplay(CLI::App* app, Options* options, ReplayTexts* texts) {
   AddDevice(command, options);
   AddFormat(command, options, {"text", "jsonl"});
   command
-      ->add_option("--calibration", texts->calibration,
+      ->add_option("--calibration", arguments->calibration,
                    "the sensor's exposure in ms and its base, as 60:300; without it bounds are "
                    "not applied")
       ->type_name("MS:BASE");
   command
-      ->add_option("--set", texts->settings,
+      ->add_option("--set", arguments->settings,
                    "another setting of the controller, as frr_threshold=10; repeatable, all apply")
       ->type_name("NAME=VALUE")
       ->allow_extra_args(false);
-  command->add_option("--sweep", texts->sweep, "each of several values, as frr_threshold=10:40:5")
+  command
+      ->add_option("--sweep", arguments->sweep, "each of several values, as frr_threshold=10:40:5")
       ->type_name("NAME=FROM:TO:BY");
-  command->add_flag("--check", options->check, "compare the sample with the one in each dump");
-  command->add_flag("--model", options->model,
+  command->add_flag("--check", options->check_replay,
+                    "compare the sample with the one in each dump");
+  command->add_flag("--model", options->fit_sensor,
                     "fit the sensor and model what is behind the first other step");
 }
 
-void ParseReplay(const ReplayTexts& texts, Options* options) try {
-  if (!texts.calibration.empty()) {
-    options->calibration = Calibration::Parse(texts.calibration);
+void ParseReplay(const ReplayArguments& arguments, Options* options) try {
+  if (!arguments.calibration.empty()) {
+    options->calibration = Calibration::Parse(arguments.calibration);
   }
   Settings settings;
-  for (const std::string& text : texts.settings) {
+  for (const std::string& text : arguments.settings) {
     settings.insert_or_assign(ParseSetting(text).first, ParseSetting(text).second);
   }
-  const auto sweep = texts.sweep.empty() ? std::vector<Setting>() : ParseSweep(texts.sweep);
+  const auto sweep = arguments.sweep.empty() ? std::vector<Setting>() : ParseSweep(arguments.sweep);
   for (const auto& [name, value] : sweep) {
     options->variants.push_back(settings);
     options->variants.back().insert_or_assign(name, value);
@@ -186,10 +188,10 @@ void ParseReplay(const ReplayTexts& texts, Options* options) try {
   }
   const Settings any = options->variants.empty() ? Settings() : options->variants.front();
   const bool sets_bound = any.contains("upper_bound_us") || any.contains("lower_bound_us");
-  if (!options->calibration && (options->model || sets_bound)) {
+  if (!options->calibration && (options->fit_sensor || sets_bound)) {
     throw std::invalid_argument("--model and bounds need --calibration");
   }
-  if (options->model && any.empty()) {
+  if (options->fit_sensor && any.empty()) {
     throw std::invalid_argument("--model needs --set or --sweep");
   }
 } catch (const std::invalid_argument& error) {
@@ -202,11 +204,11 @@ void AddCompare(CLI::App* app, Options* options) {
       "What differs between two devices, or before and after: compare A... -- B...; or since when "
       "one device differs from before.");
   AddInputs(command, options);
-  CLI::Option* const others =
-      command->add_option("--against", options->others, "the inputs of B; -- says the same")
+  CLI::Option* const side_b =
+      command->add_option("--against", options->side_b_inputs, "the inputs of B; -- says the same")
           ->type_name("IN");
   command->add_flag("--since-when", options->since_when, "look for one change in the inputs")
-      ->excludes(others);
+      ->excludes(side_b);
   command->add_flag("--exit-code", options->exit_code, "exit with 5 if a difference is shown");
   AddPeriod(command, options);
   AddFormat(command, options, {"text", "jsonl", "csv"});
@@ -226,7 +228,7 @@ void ParseConditions(const std::vector<std::string>& conditions, Filter* filter)
 int Main(int argc, char** argv) {
   Options options;
   std::vector<std::string> conditions;
-  ReplayTexts replay;
+  ReplayArguments replay;
   std::string form;
   CLI::App app("reads fingerprint dumps and histories, and says why unlocks fail");
   app.footer(kFooter);
@@ -255,7 +257,7 @@ int Main(int argc, char** argv) {
     if (app.get_subcommands().empty()) {
       throw CLI::RequiredError("summary, list, verify, fleet, replay or compare");
     }
-    if (app.got_subcommand("compare") && options.others.empty() && !options.since_when) {
+    if (app.got_subcommand("compare") && options.side_b_inputs.empty() && !options.since_when) {
       throw CLI::RequiredError("-- and the inputs of B, or --since-when");
     }
   } catch (const CLI::ParseError& error) {
@@ -271,7 +273,7 @@ int Main(int argc, char** argv) {
   try {
     return commands.at(app.get_subcommands().front()->get_name())(options);
   } catch (const std::exception& error) {
-    Complain("{}", error.what());
+    PrintErrorf("{}", error.what());
     return kFailed;
   }
 }

@@ -66,7 +66,7 @@ const std::map<std::string, const char*>& Meanings() {
   return meanings;
 }
 
-Cause Named(const char* family, const char* title, const std::string& name) {
+Cause NamedCause(const char* family, const char* title, const std::string& name) {
   Cause cause = {.id = family, .title = title + name, .meaning = {}};
   for (const char c : name) {
     cause.id += c == ' ' ? '_' : static_cast<char>(tolower(static_cast<unsigned char>(c)));
@@ -76,7 +76,7 @@ Cause Named(const char* family, const char* title, const std::string& name) {
   return cause;
 }
 
-std::string Behind(const std::string& text, const char* prefix) {
+std::string TextAfter(const std::string& text, const char* prefix) {
   return text.starts_with(prefix) ? text.substr(std::char_traits<char>::length(prefix)) : "";
 }
 
@@ -84,16 +84,16 @@ std::string Behind(const std::string& text, const char* prefix) {
 
 Thresholds Thresholds::Of(const std::optional<Exposure>& exposure) {
   Thresholds thresholds;
-  const auto take = [&](const char* name, int32_t* value) {
+  const auto override_with = [&](const char* name, int32_t* value) {
     if (const auto found = exposure->settings.find(name); found != exposure->settings.end()) {
       *value = static_cast<int32_t>(std::min<uint32_t>(found->second, INT32_MAX));
       thresholds.from_dump = true;
     }
   };
   if (exposure) {
-    take("kIqThreshold", &thresholds.iq);
-    take("kHighRawMeanThreshold", &thresholds.high_raw_mean);
-    take("kLowRawMeanThreshold", &thresholds.low_raw_mean);
+    override_with("kIqThreshold", &thresholds.iq);
+    override_with("kHighRawMeanThreshold", &thresholds.high_raw_mean);
+    override_with("kLowRawMeanThreshold", &thresholds.low_raw_mean);
   }
   return thresholds;
 }
@@ -111,8 +111,8 @@ std::string AcquisitionError(const Record& record) {
   if (attempt == nullptr || attempt->acquired_info == AuthEventG7::kAcquiredGood) {
     return "";
   }
-  const std::string words = Words(record);
-  return Behind(words.substr(0, words.find(',')), "acquisition_error:");
+  const std::string words = DumpText(record);
+  return TextAfter(words.substr(0, words.find(',')), "acquisition_error:");
 }
 
 std::string MatcherReason(const Record& record) {
@@ -120,13 +120,13 @@ std::string MatcherReason(const Record& record) {
   if (attempt == nullptr || !record.g7 || !IsRejected(*attempt) || attempt->rc == 0) {
     return "";
   }
-  return Behind(attempt->GetAuthFailureReason(), "reason:");
+  return TextAfter(attempt->GetAuthFailureReason(), "reason:");
 }
 
 Cause CauseOf(const Record& record, const Thresholds& thresholds) {
   const AuthEventG7& attempt = *record.Attempt();
   if (!IsRejected(attempt)) {
-    return Named("no_image.", "no image: ", AcquisitionError(record));
+    return NamedCause("no_image.", "no image: ", AcquisitionError(record));
   }
   for (const ValueCause& cause : kValueCauses) {
     if (record.g7 && cause.applies(attempt, thresholds)) {
@@ -135,7 +135,7 @@ Cause CauseOf(const Record& record, const Thresholds& thresholds) {
   }
   const std::string reason = MatcherReason(record);
   if (!reason.empty() && reason != "Unknown") {
-    return Named("matcher.", "matcher: ", reason);
+    return NamedCause("matcher.", "matcher: ", reason);
   }
   return {"open", "open", "values good, no reason: finger not enrolled, or a poor enrollment"};
 }

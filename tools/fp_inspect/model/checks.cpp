@@ -9,7 +9,7 @@
 namespace fp_inspect {
 namespace {
 
-constexpr char kPanelStayedDark[] = "failed to enable lhbm";
+constexpr char kPanelNotLit[] = "failed to enable lhbm";
 
 // A check adds what it finds. A new check is a function and its place in kChecks.
 using Check = void (*)(const Device& device, Summary* summary);
@@ -17,7 +17,7 @@ using Check = void (*)(const Device& device, Summary* summary);
 void DarkWhileDisplayFailed(const Device& device, Summary* summary) {
   std::set<int64_t> failures;
   for (const Record& error : device.Of(RecordKind::kError).records) {
-    if (std::get<std::string>(error.value).find(kPanelStayedDark) != std::string::npos) {
+    if (std::get<std::string>(error.value).find(kPanelNotLit) != std::string::npos) {
       failures.insert(error.time);
     }
   }
@@ -32,7 +32,7 @@ void DarkWhileDisplayFailed(const Device& device, Summary* summary) {
   if (explained == 0) {
     return;
   }
-  const std::string note = fmt::format("{} of {} at a \"{}\"", explained, dark, kPanelStayedDark);
+  const std::string note = fmt::format("{} of {} at a \"{}\"", explained, dark, kPanelNotLit);
   for (CauseCount& count : summary->all.causes) {
     if (count.cause.id == "no_image.too_dark") {
       count.note = note;
@@ -46,12 +46,12 @@ void DarkWhileDisplayFailed(const Device& device, Summary* summary) {
 // How many of the rejects that the matcher calls "Low quality" have a good iq.
 void LowQualityContradicted(const Device& device, Summary* summary) {
   const Thresholds& limits = summary->thresholds;
-  size_t said = 0;
+  size_t reported = 0;
   size_t good = 0;
   size_t uncovered = 0;
   for (const Record& record : device.Of(RecordKind::kAttempt).records) {
     if (MatcherReason(record) == "Low quality") {
-      ++said;
+      ++reported;
       const bool is_good = record.Attempt()->iq >= limits.iq;
       good += is_good ? 1 : 0;
       uncovered += is_good && record.Attempt()->t_cov < limits.coverage ? 1 : 0;
@@ -65,8 +65,8 @@ void LowQualityContradicted(const Device& device, Summary* summary) {
        fmt::format(
            "{} of {} \"Low quality\" have iq >= {}, {} of these coverage < {:.0f} %: the word "
            "contradicts the values",
-           good, said, limits.iq, uncovered, limits.coverage),
-       good, said});
+           good, reported, limits.iq, uncovered, limits.coverage),
+       good, reported});
 }
 
 // A step empties the sample. If a full sample calls for a step, that step was refused.
@@ -75,9 +75,9 @@ void ExposureAtBound(const Device& device, Summary* summary) {
     return;
   }
   const Exposure& exposure = *device.exposure;
-  const auto setting = [&](const char* name, double otherwise) {
+  const auto setting = [&](const char* name, double default_value) {
     const auto found = exposure.settings.find(name);
-    return found != exposure.settings.end() ? found->second : otherwise;
+    return found != exposure.settings.end() ? found->second : default_value;
   };
   const Thresholds& limits = summary->thresholds;
   const bool due = exposure.sample_size > 0 &&
@@ -96,7 +96,7 @@ void ExposureAtBound(const Device& device, Summary* summary) {
   }
 }
 
-void LostPast(const Device& device, Summary* summary) {
+void LostRecords(const Device& device, Summary* summary) {
   const Timeline& attempts = device.Of(RecordKind::kAttempt);
   const auto lost = static_cast<size_t>(std::count_if(
       attempts.gaps.begin(), attempts.gaps.end(), [](const Gap& gap) { return gap.lost_past; }));
@@ -125,7 +125,7 @@ void BringUp(const Device& device, Summary* summary) {
 }
 
 constexpr Check kChecks[] = {BringUp, DarkWhileDisplayFailed, LowQualityContradicted,
-                             ExposureAtBound, LostPast};
+                             ExposureAtBound, LostRecords};
 
 }  // namespace
 

@@ -12,9 +12,9 @@
 namespace fp_inspect {
 namespace {
 
-constexpr double kLeastFailures = 5;  // on both sides together, below which a share is not tested
+constexpr double kMinFailures = 5;  // on both sides together, below which a share is not tested
 
-struct Sample {
+struct Observation {
   const AuthEventG7& attempt;
   bool g7;
   std::string cause;  // of a failure
@@ -27,7 +27,7 @@ struct Sample {
 
 using Value = std::optional<double>;
 
-Value If(bool counts, double value) {
+Value ValueIf(bool counts, double value) {
   return counts && std::isfinite(value) ? Value(value) : std::nullopt;
 }
 
@@ -38,31 +38,32 @@ struct Measure {
   const char* id;
   const char* title;
   bool is_share;
-  Value (*of)(const Sample&);
+  Value (*of)(const Observation&);
 };
 
 constexpr Measure kMeasures[] = {
-    {"no_image", "no image", true, [](const Sample& s) { return Value(s.HasImage() ? 0 : 1); }},
+    {"no_image", "no image", true,
+     [](const Observation& s) { return Value(s.HasImage() ? 0 : 1); }},
     {"rejected", "rejected", true,
-     [](const Sample& s) { return If(s.HasImage(), IsRejected(s.attempt)); }},
+     [](const Observation& s) { return ValueIf(s.HasImage(), IsRejected(s.attempt)); }},
     {"t_cov", "coverage", false,
-     [](const Sample& s) { return If(s.HasImage() && s.g7, s.attempt.t_cov); }},
+     [](const Observation& s) { return ValueIf(s.HasImage() && s.g7, s.attempt.t_cov); }},
     {"rejected.covered", "rejected where covered", true,
-     [](const Sample& s) { return If(s.IsCovered(), IsRejected(s.attempt)); }},
+     [](const Observation& s) { return ValueIf(s.IsCovered(), IsRejected(s.attempt)); }},
     {"rejected.uncovered", "rejected where not covered", true,
-     [](const Sample& s) { return If(s.IsUncovered(), IsRejected(s.attempt)); }},
+     [](const Observation& s) { return ValueIf(s.IsUncovered(), IsRejected(s.attempt)); }},
     {"iq", "quality where covered", false,
-     [](const Sample& s) { return If(s.IsCovered(), s.attempt.iq); }},
+     [](const Observation& s) { return ValueIf(s.IsCovered(), s.attempt.iq); }},
     {"rawmean_delta", "raw mean where covered", false,
-     [](const Sample& s) { return If(s.IsCovered(), s.attempt.rawmean_delta); }},
+     [](const Observation& s) { return ValueIf(s.IsCovered(), s.attempt.rawmean_delta); }},
     {"latency", "latency", false,
-     [](const Sample& s) { return If(s.HasImage(), s.attempt.latency); }},
+     [](const Observation& s) { return ValueIf(s.HasImage(), s.attempt.latency); }},
 };
 
-Value CauseIn(const Sample& sample, const Cause& cause) {
+Value IsCause(const Observation& observation, const Cause& cause) {
   const bool counts = cause.id.starts_with("no_image.") ||
-                      (cause.is_light ? sample.IsCovered() : sample.HasImage());
-  return If(counts, sample.cause == cause.id);
+                      (cause.is_light ? observation.IsCovered() : observation.HasImage());
+  return ValueIf(counts, observation.cause == cause.id);
 }
 
 // All rows over the bursts of both groups, those of the first group first.
@@ -76,14 +77,14 @@ class Table {
       if (burst < starts.size() && starts[burst] == i) {
         ++burst;
         times_.push_back(attempts[i].time);
-        samples_.emplace_back();
+        observations_.emplace_back();
       }
       const AuthEventG7& attempt = *attempts[i].Attempt();
       const Cause cause = IsFailed(attempt) ? CauseOf(attempts[i], thresholds_) : Cause();
       if (!cause.id.empty()) {
         causes_[cause.id] = cause;
       }
-      samples_.back().push_back({attempt, attempts[i].g7, cause.id, thresholds_});
+      observations_.back().push_back({attempt, attempts[i].g7, cause.id, thresholds_});
     }
   }
 
@@ -92,8 +93,9 @@ class Table {
       AddRow({.id = measure.id, .title = measure.title, .is_share = measure.is_share}, measure.of);
     }
     for (const auto& [id, cause] : causes_) {
-      AddRow({.id = "cause." + id, .title = cause.title, .is_share = true},
-             [&cause = cause](const Sample& sample) { return CauseIn(sample, cause); });
+      AddRow(
+          {.id = "cause." + id, .title = cause.title, .is_share = true},
+          [&cause = cause](const Observation& observation) { return IsCause(observation, cause); });
     }
   }
 
@@ -105,9 +107,9 @@ class Table {
       comparison->rows[i] = Split(rows_[i], bursts_[i], split);
       comparison->rows[i].p = p;
     }
-    for (size_t burst = 0; burst < samples_.size(); ++burst) {
+    for (size_t burst = 0; burst < observations_.size(); ++burst) {
       const size_t side = burst < split ? 0 : 1;
-      comparison->attempts[side] += samples_[burst].size();
+      comparison->attempts[side] += observations_[burst].size();
       ++comparison->bursts[side];
     }
   }
@@ -121,9 +123,9 @@ class Table {
     for (size_t i = 0; i < rows_.size(); ++i) {
       CompareRow& row = comparison->rows[i];
       const BurstSum all = Total(bursts_[i]);
-      const double least = std::min(all.sum, static_cast<double>(all.n) - all.sum);
+      const double smallest = std::min(all.sum, static_cast<double>(all.n) - all.sum);
       if ((of_any_split ? all.n >= 40 : row.IsLarge()) &&
-          (!row.is_share || least >= kLeastFailures)) {
+          (!row.is_share || smallest >= kMinFailures)) {
         tested.push_back(bursts_[i]);
         into.push_back(&row);
       }
@@ -132,23 +134,23 @@ class Table {
     comparison->tested = p.size();
     for (size_t i = 0; i < p.size(); ++i) {
       into[i]->p = p[i];
-      comparison->differs |= into[i]->IsShown();
+      comparison->differs |= into[i]->IsSignificant();
     }
   }
 
   const std::vector<CompareRow>& Rows() const { return rows_; }
   const Bursts& Of(size_t row) const { return bursts_[row]; }
   int64_t TimeOf(size_t burst) const { return times_[burst]; }
-  size_t Count() const { return samples_.size(); }
+  size_t Count() const { return observations_.size(); }
 
  private:
   template <typename Of>
   void AddRow(CompareRow row, const Of& of) {
     Bursts bursts;
-    for (const auto& burst : samples_) {
+    for (const auto& burst : observations_) {
       bursts.emplace_back();
-      for (const Sample& sample : burst) {
-        if (const Value value = of(sample)) {
+      for (const Observation& observation : burst) {
+        if (const Value value = of(observation)) {
           ++bursts.back().n;
           bursts.back().sum += *value;
         }
@@ -170,8 +172,8 @@ class Table {
   }
 
   const Thresholds& thresholds_;
-  std::map<std::string, Cause> causes_;       // by id
-  std::vector<std::vector<Sample>> samples_;  // by burst
+  std::map<std::string, Cause> causes_;                 // by id
+  std::vector<std::vector<Observation>> observations_;  // by burst
   std::vector<int64_t> times_;
   std::vector<CompareRow> rows_;
   std::vector<Bursts> bursts_;
@@ -198,32 +200,33 @@ const CompareRow& Find(const Comparison& comparison, const std::string& id) {
 }
 
 // States the evidence of one row, and names the other rows that show a difference.
-std::string Shown(const Comparison& comparison, const CompareRow& row, const std::string& a,
-                  const std::string& b) {
+std::string DescribeDifference(const Comparison& comparison, const CompareRow& row,
+                               const std::string& a, const std::string& b) {
   std::string text =
       fmt::format("There is {} evidence that {} and {} differ: {} {} against {} ({})",
                   *row.p <= 0.01 ? "strong" : "moderate", a, b, row.title, Side(row, row.a),
                   Side(row, row.b), Evidence(comparison, row));
   const char* separator = "; also ";
   for (const CompareRow& other : comparison.rows) {
-    if (other.IsShown() && &other != &row) {
+    if (other.IsSignificant() && &other != &row) {
       text += separator + other.title;
       separator = " and ";
     }
   }
   const CompareRow& covered = Find(comparison, "rejected.covered");
-  const bool is_coverage = Find(comparison, "t_cov").IsShown() && covered.p && !covered.IsShown();
+  const bool is_coverage =
+      Find(comparison, "t_cov").IsSignificant() && covered.p && !covered.IsSignificant();
   return text + (is_coverage ? "; no difference shown in rejects of covered images." : ".");
 }
 
-std::string NotShown(const Comparison& comparison) {
+std::string DescribeNoDifference(const Comparison& comparison) {
   if (comparison.tested == 0) {
     return "No difference shown: no row has 20 records on each side and varies.";
   }
   const size_t bursts = comparison.bursts[0] + comparison.bursts[1];
-  const double least =
-      LeastP(bursts, comparison.bursts[0]) * static_cast<double>(comparison.tested);
-  if (least > 0.05) {
+  const double smallest =
+      SmallestP(bursts, comparison.bursts[0]) * static_cast<double>(comparison.tested);
+  if (smallest > 0.05) {
     return fmt::format("No difference shown: {} and {} bursts are too few to show one in {} rows.",
                        comparison.bursts[0], comparison.bursts[1], comparison.tested);
   }
@@ -249,9 +252,9 @@ Comparison Compare(const std::vector<Record>& a, const std::vector<Record>& b,
   table.Test(
       false, [&](std::span<const BurstSum> row) { return Distance(row, split); }, &comparison);
   const auto first = std::find_if(comparison.rows.begin(), comparison.rows.end(),
-                                  [](const CompareRow& row) { return row.IsShown(); });
-  comparison.verdict =
-      comparison.differs ? Shown(comparison, *first, "A", "B") : NotShown(comparison);
+                                  [](const CompareRow& row) { return row.IsSignificant(); });
+  comparison.verdict = comparison.differs ? DescribeDifference(comparison, *first, "A", "B")
+                                          : DescribeNoDifference(comparison);
   return comparison;
 }
 
@@ -274,13 +277,14 @@ Comparison CompareSinceWhen(const std::vector<Record>& attempts, const Threshold
       comparison.rows.begin(), comparison.rows.end(),
       [](const CompareRow& x, const CompareRow& y) { return x.p.value_or(2) < y.p.value_or(2); });
   const Bursts& bursts = table.Of(static_cast<size_t>(best - comparison.rows.begin()));
-  const Peak peak = LargestDistance(bursts);
-  const SplitRange range = RangeOf(peak, bursts);
-  table.SplitAt(peak.split, &comparison);
-  comparison.change = {table.TimeOf(peak.split), table.TimeOf(range.first),
+  const BestSplit best_split = LargestDistance(bursts);
+  const SplitRange range = RangeOf(best_split, bursts);
+  table.SplitAt(best_split.split, &comparison);
+  comparison.change = {table.TimeOf(best_split.split), table.TimeOf(range.first),
                        table.TimeOf(range.last)};
   const std::string since = zone.Text(comparison.change->at, "%Y-%m-%d %H:%M");
-  comparison.verdict = Shown(comparison, *best, "the attempts before " + since, "those since");
+  comparison.verdict =
+      DescribeDifference(comparison, *best, "the attempts before " + since, "those since");
   return comparison;
 }
 

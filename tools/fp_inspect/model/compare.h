@@ -18,7 +18,7 @@ struct CompareRow {
   // A share or a mean of few records says nothing.
   bool IsLarge() const { return a.n >= 20 && b.n >= 20; }
   bool HasInterval() const { return IsLarge() && difference.low <= difference.high; }
-  bool IsShown() const { return p && *p <= 0.05; }
+  bool IsSignificant() const { return p && *p <= 0.05; }
 
   std::string id;
   std::string title;

@@ -24,7 +24,7 @@ using android::base::SetProperty;
 using android::fp_utils::DynamicExposure;
 
 constexpr char kPrefix[] = "persist.vendor.udfps.dynamic.exposure.";
-constexpr size_t kMaxSweep = 1000;
+constexpr size_t kMaxSweepValues = 1000;
 
 struct Name {
   const char* property;  // below kPrefix
@@ -42,7 +42,7 @@ constexpr Name kNames[] = {
 };
 
 // Asks the platform, as the library does: if a text is not valid, each call returns its default.
-std::optional<uint32_t> Taken(const std::string& text) {
+std::optional<uint32_t> ParseAsProperty(const std::string& text) {
   constexpr char kScratch[] = "fp_inspect.value";
   SetProperty(kScratch, text);
   const auto value = GetUintProperty<uint32_t>(kScratch, 0);
@@ -68,8 +68,8 @@ Setting ParseSetting(const std::string& text) {
   for (const Name& known : kNames) {
     if (name == known.property) {
       const std::string value = text.substr(std::min(equals + 1, text.size()));
-      if (const auto taken = Taken(value)) {
-        return {name, *taken};
+      if (const auto parsed = ParseAsProperty(value)) {
+        return {name, *parsed};
       }
       throw std::invalid_argument(fmt::format("{} does not take \"{}\"", name, value));
     }
@@ -82,14 +82,14 @@ std::vector<Setting> ParseSweep(const std::string& text) {
   const size_t first = std::min(text.find(':'), text.size());
   const size_t second = std::min(text.find(':', first + 1), text.size());
   const Setting from = ParseSetting(text.substr(0, first));
-  const auto behind = [&](size_t at, size_t end) {
-    return Taken(text.substr(std::min(at + 1, text.size()), end - at - 1)).value_or(0);
+  const auto value_after = [&](size_t at, size_t end) {
+    return ParseAsProperty(text.substr(std::min(at + 1, text.size()), end - at - 1)).value_or(0);
   };
-  const uint32_t to = behind(first, second);
-  const uint32_t by = behind(second, text.size());
-  if (by == 0 || to < from.second || (to - from.second) / by >= kMaxSweep) {
+  const uint32_t to = value_after(first, second);
+  const uint32_t by = value_after(second, text.size());
+  if (by == 0 || to < from.second || (to - from.second) / by >= kMaxSweepValues) {
     throw std::invalid_argument(
-        fmt::format("\"{}\" is no NAME=FROM:TO:BY of up to {} values", text, kMaxSweep));
+        fmt::format("\"{}\" is no NAME=FROM:TO:BY of up to {} values", text, kMaxSweepValues));
   }
   std::vector<Setting> values;
   for (uint64_t value = from.second; value <= to; value += by) {

@@ -18,36 +18,38 @@ double Shortest(float value) {
   return std::isfinite(value) ? std::stod(fmt::format("{}", value)) : value;
 }
 
-FieldValue Real(bool there, float value) {
-  return there ? FieldValue(Shortest(value)) : FieldValue();
+FieldValue Real(bool is_present, float value) {
+  return is_present ? FieldValue(Shortest(value)) : FieldValue();
 }
 
-FieldValue Whole(bool there, int64_t value) { return there ? FieldValue(value) : FieldValue(); }
+FieldValue Whole(bool is_present, int64_t value) {
+  return is_present ? FieldValue(value) : FieldValue();
+}
 
 FieldValue Text(std::string text) {
   return text.empty() ? FieldValue() : FieldValue(std::move(text));
 }
 
-void AddSlots(Row* row, const char* name, bool there, const auto& slots) {
+void AddSlots(Row* row, const char* name, bool is_present, const auto& slots) {
   for (size_t i = 0; i < slots.size(); ++i) {
-    row->emplace_back(fmt::format("{}{}", name, i), Whole(there, slots[i]));
+    row->emplace_back(fmt::format("{}{}", name, i), Whole(is_present, slots[i]));
   }
 }
 
 Row RowOfAttempt(const Record& record, const AuthEventG7& a, const Thresholds& thresholds) {
   const bool stored = record.whole && record.g7;
-  const bool imaged = a.acquired_info == AuthEventG7::kAcquiredGood;
-  const bool base = record.whole || imaged;
-  const bool printed = stored || (record.g7 && imaged);
-  const bool placed = printed || (record.g7 && a.acquired_info == kAcquiredPartial);
-  const bool stitched = stored || (printed && a.rc == 0);
+  const bool has_image = a.acquired_info == AuthEventG7::kAcquiredGood;
+  const bool base = record.whole || has_image;
+  const bool printed = stored || (record.g7 && has_image);
+  const bool has_position = printed || (record.g7 && a.acquired_info == kAcquiredPartial);
+  const bool has_stitching = stored || (printed && a.rc == 0);
   Row row = {{"acquired_info", a.acquired_info},
              {"auth_successful", Whole(base, a.auth_successful ? 1 : 0)},
              {"fid", Whole(base, a.fid)},
              {"latency", Whole(base, a.latency)},
              {"iq", Whole(base, a.iq)},
-             {"t_cov", Real(placed, a.t_cov)},
-             {"t_dist", Real(placed, a.t_dist)},
+             {"t_cov", Real(has_position, a.t_cov)},
+             {"t_dist", Real(has_position, a.t_dist)},
              {"lptw", Whole(record.g7, a.lptw)},
              {"rc", Whole(record.g7, a.rc)},
              {"rawmean_delta", Whole(printed, a.rawmean_delta)},
@@ -57,8 +59,8 @@ Row RowOfAttempt(const Record& record, const AuthEventG7& a, const Thresholds& t
              {"extra_metric", Whole(stored, a.extra_metric)},
              {"foreign_matter_count", Whole(stored, a.foreign_matter_count)},
              {"match_score", Whole(printed, a.match_score)}};
-  AddSlots(&row, "stitch_img_num_", stitched, a.stitch_img_num_);
-  AddSlots(&row, "stitch_img_area_", stitched, a.stitch_img_area_);
+  AddSlots(&row, "stitch_img_num_", has_stitching, a.stitch_img_num_);
+  AddSlots(&row, "stitch_img_area_", has_stitching, a.stitch_img_area_);
   row.emplace_back("acquisition_error", Text(AcquisitionError(record)));
   row.emplace_back("reason", Text(MatcherReason(record)));
   row.emplace_back("cause", Text(IsFailed(a) ? CauseOf(record, thresholds).id : ""));
@@ -85,7 +87,7 @@ Row RowOfEnrollment(const Record& record, const EnrollEventG7& e) {
   return row;
 }
 
-std::optional<double> NumberOf(const Row& row, const std::string& field) {
+std::optional<double> NumericValue(const Row& row, const std::string& field) {
   for (const auto& [name, value] : row) {
     if (name == field) {
       if (const auto* whole = std::get_if<int64_t>(&value)) {
@@ -98,7 +100,7 @@ std::optional<double> NumberOf(const Row& row, const std::string& field) {
   return std::nullopt;
 }
 
-bool IsGiven(const Row& row, const std::string& reason) {
+bool HasReason(const Row& row, const std::string& reason) {
   return std::any_of(row.begin(), row.end(), [&](const auto& field) {
     const auto* text = std::get_if<std::string>(&field.second);
     return text != nullptr && (field.first == "reason" || field.first == "acquisition_error") &&
@@ -165,12 +167,12 @@ const std::vector<std::string>& FieldNames() {
 std::optional<Filter::Condition> Filter::Condition::Parse(const std::string& text,
                                                           std::string* why) {
   const size_t op = text.find_first_of("<>=!");
-  const size_t behind = op == text.npos ? op : text.find_first_not_of("<>=!", op);
-  if (behind == text.npos) {
+  const size_t number = op == text.npos ? op : text.find_first_not_of("<>=!", op);
+  if (number == text.npos) {
     *why = "a condition is FIELD OPERATOR NUMBER, as t_cov<60";
     return std::nullopt;
   }
-  Condition condition = {.field = text.substr(0, op), .op = text.substr(op, behind - op)};
+  Condition condition = {.field = text.substr(0, op), .op = text.substr(op, number - op)};
   const auto& names = FieldNames();
   const bool known = std::find(names.begin(), names.end(), condition.field) != names.end();
   if (!known || IsTextField(condition.field)) {
@@ -179,7 +181,7 @@ std::optional<Filter::Condition> Filter::Condition::Parse(const std::string& tex
   }
   constexpr std::string_view kOperators[] = {"<", "<=", ">", ">=", "=", "==", "!="};
   const char* const end = text.data() + text.size();
-  const auto read = std::from_chars(text.data() + behind, end, condition.value);
+  const auto read = std::from_chars(text.data() + number, end, condition.value);
   if (std::find(std::begin(kOperators), std::end(kOperators), condition.op) ==
           std::end(kOperators) ||
       read.ec != std::errc() || read.ptr != end) {
@@ -189,7 +191,7 @@ std::optional<Filter::Condition> Filter::Condition::Parse(const std::string& tex
   return condition;
 }
 
-bool Filter::Admits(const Record& record, const Thresholds& thresholds) const {
+bool Filter::Matches(const Record& record, const Thresholds& thresholds) const {
   const AuthEventG7* const attempt = record.Attempt();
   const EnrollEventG7* const enrollment = record.Enrollment();
   const bool is_failed = (attempt != nullptr && IsFailed(*attempt)) ||
@@ -202,14 +204,14 @@ bool Filter::Admits(const Record& record, const Thresholds& thresholds) const {
     return true;
   }
   const Row row = RowOf(record, thresholds);
-  if (!reason.empty() && !IsGiven(row, reason)) {
+  if (!reason.empty() && !HasReason(row, reason)) {
     return false;
   }
-  if (finger && NumberOf(row, "fid") != static_cast<double>(*finger)) {
+  if (finger && NumericValue(row, "fid") != static_cast<double>(*finger)) {
     return false;
   }
   return std::all_of(where.begin(), where.end(), [&](const Condition& condition) {
-    const auto value = NumberOf(row, condition.field);
+    const auto value = NumericValue(row, condition.field);
     return value && Holds(*value, condition.op, condition.value);
   });
 }

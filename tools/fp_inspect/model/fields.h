@@ -36,7 +36,7 @@ struct Filter {
     double value = 0;
   };
 
-  bool Admits(const Record& record, const Thresholds& thresholds) const;
+  bool Matches(const Record& record, const Thresholds& thresholds) const;
 
   bool failed = false;
   std::string reason;  // or the name of an acquisition error; case is ignored

@@ -11,7 +11,7 @@ namespace {
 using Records = std::vector<Record>;
 
 // The first record that is not before `time`.
-size_t PositionAt(const Records& records, int64_t time) {
+size_t FirstNotBefore(const Records& records, int64_t time) {
   const auto at =
       std::lower_bound(records.begin(), records.end(), time,
                        [](const Record& record, int64_t time) { return record.time < time; });
@@ -19,8 +19,8 @@ size_t PositionAt(const Records& records, int64_t time) {
 }
 
 // The first attempt of the run that began at `begin`; empty if attempts may be missing before it.
-std::optional<size_t> FirstOf(const Timeline& timeline, int64_t begin) {
-  const size_t first = PositionAt(timeline.records, begin);
+std::optional<size_t> FirstAttempt(const Timeline& timeline, int64_t begin) {
+  const size_t first = FirstNotBefore(timeline.records, begin);
   const bool in_gap = std::any_of(timeline.gaps.begin(), timeline.gaps.end(), [&](const Gap& gap) {
     return gap.from < begin && gap.to >= begin;
   });
@@ -30,16 +30,16 @@ std::optional<size_t> FirstOf(const Timeline& timeline, int64_t begin) {
   return first;
 }
 
-bool IsBehindGap(const Timeline& timeline, size_t at) {
+bool FollowsGap(const Timeline& timeline, size_t at) {
   return std::any_of(timeline.gaps.begin(), timeline.gaps.end(), [&](const Gap& gap) {
     return gap.to == timeline.records[at].time && gap.from == timeline.records[at - 1].time;
   });
 }
 
-void TakeAttempts(const Timeline& timeline, size_t first, size_t end, Run* run) {
+void AddAttempts(const Timeline& timeline, size_t first, size_t end, Run* run) {
   for (size_t i = first; i < end; ++i) {
     const Record& record = timeline.records[i];
-    if (i > first && IsBehindGap(timeline, i)) {
+    if (i > first && FollowsGap(timeline, i)) {
       run->unknown = "attempts are missing behind the last one here";
       return;
     }
@@ -55,7 +55,7 @@ void TakeAttempts(const Timeline& timeline, size_t first, size_t end, Run* run) 
 
 Run MakeRun(const Timeline& timeline, const std::vector<const ControllerDump*>& dumps) {
   Run run = {.begin = dumps.front()->begin, .settings = SettingsOf(dumps.front()->exposure)};
-  const auto first = FirstOf(timeline, run.begin);
+  const auto first = FirstAttempt(timeline, run.begin);
   if (!first) {
     run.unknown = "attempts ahead of the first recorded one are missing";
     return run;
@@ -63,14 +63,14 @@ Run MakeRun(const Timeline& timeline, const std::vector<const ControllerDump*>& 
   size_t end = *first;
   for (const ControllerDump* dump : dumps) {
     if (dump->last) {
-      const size_t behind =
-          std::max(PositionAt(timeline.records, *dump->last) + dump->in_last_second, *first);
+      const size_t dump_end =
+          std::max(FirstNotBefore(timeline.records, *dump->last) + dump->in_last_second, *first);
       run.checks.push_back(
-          {.source = dump->source, .attempts = behind - *first, .dumped = dump->exposure});
-      end = std::min(std::max(end, behind), timeline.records.size());
+          {.source = dump->source, .attempts = dump_end - *first, .dumped = dump->exposure});
+      end = std::min(std::max(end, dump_end), timeline.records.size());
     }
   }
-  TakeAttempts(timeline, *first, end, &run);
+  AddAttempts(timeline, *first, end, &run);
   std::erase_if(run.checks,
                 [&](const ReplayCheck& check) { return check.attempts > run.attempts.size(); });
   return run;
@@ -96,9 +96,10 @@ Sample SampleOf(const std::vector<AuthEventG7>& fed, size_t begin, size_t size) 
 
 // Feeds the attempts of the run to a controller. If there is a fit, attempts at an exposure other
 // than the recorded one are modelled; otherwise they are fed as they were recorded.
-Course Play(const Run& run, const Settings& settings, const std::optional<Calibration>& calibration,
-            const SensorFit* fit, std::vector<ReplayCheck>* checks = nullptr) {
-  Course course;
+ControllerTrace Simulate(const Run& run, const Settings& settings,
+                         const std::optional<Calibration>& calibration, const SensorFit* fit,
+                         std::vector<ReplayCheck>* checks = nullptr) {
+  ControllerTrace trace;
   ExposureController controller(settings, calibration);
   std::vector<AuthEventG7> fed;
   const auto size = settings.find("number_of_attempts");
@@ -112,15 +113,15 @@ Course Play(const Run& run, const Settings& settings, const std::optional<Calibr
     if (i == run.attempts.size()) {
       break;
     }
-    course.expo.push_back(controller.GetExpo());
+    trace.expo.push_back(controller.GetExpo());
     fed.push_back(fit == nullptr
                       ? run.attempts[i]
                       : fit->At(run.attempts[i], controller.GetExpo() / run.recorded.expo[i]));
-    course.rejected += IsRejected(fed.back()) ? 1 : 0;
+    trace.rejected += IsRejected(fed.back()) ? 1 : 0;
     const int32_t before = controller.GetStep();
     controller.Feed(fed.back());
     if (controller.GetStep() != before) {
-      course.steps.push_back(
+      trace.steps.push_back(
           {.at = i,
            .step = controller.GetStep(),
            .expo = controller.GetExpo(),
@@ -129,15 +130,15 @@ Course Play(const Run& run, const Settings& settings, const std::optional<Calibr
       begin = i + 1;
     }
   }
-  return course;
+  return trace;
 }
 
 // The first step that only one of the courses has, or that leads to different exposures.
-std::optional<Departure> DepartureOf(const Course& recorded, const Course& other,
+std::optional<Departure> DepartureOf(const ControllerTrace& recorded, const ControllerTrace& other,
                                      bool has_same_unit) {
   for (size_t i = 0; i < std::max(recorded.steps.size(), other.steps.size()); ++i) {
-    const auto in = [i](const Course& course) {
-      return i < course.steps.size() ? std::optional(course.steps[i]) : std::nullopt;
+    const auto in = [i](const ControllerTrace& trace) {
+      return i < trace.steps.size() ? std::optional(trace.steps[i]) : std::nullopt;
     };
     Departure departure = {.recorded = in(recorded), .other = in(other)};
     auto& [run, at, a, b, modelled] = departure;
@@ -182,7 +183,7 @@ bool Replay::Agrees() const {
 }
 
 Replay ReplayRecorded(const Device& device, const std::optional<Calibration>& calibration,
-                      bool model) {
+                      bool fit_sensor) {
   std::map<int64_t, std::vector<const ControllerDump*>> dumps;
   for (const ControllerDump& dump : device.dumps) {
     dumps[dump.begin].push_back(&dump);
@@ -190,11 +191,11 @@ Replay ReplayRecorded(const Device& device, const std::optional<Calibration>& ca
   Replay replay = {.calibration = calibration};
   for (const auto& [begin, of_run] : dumps) {
     Run run = MakeRun(device.Of(RecordKind::kAttempt), of_run);
-    run.recorded = Play(run, run.settings, calibration, nullptr, &run.checks);
+    run.recorded = Simulate(run, run.settings, calibration, nullptr, &run.checks);
     replay.checks += run.checks.size();
     replay.runs.push_back(std::move(run));
   }
-  if (model) {
+  if (fit_sensor) {
     Fit(&replay);
   }
   return replay;
@@ -208,12 +209,12 @@ void AddVariant(const Settings& settings, Replay* replay) {
     Settings of_run = settings;
     of_run.insert(run.settings.begin(), run.settings.end());
     const auto unit = [&](const Settings& in) { return in.contains(kUnit) ? in.at(kUnit) : 60; };
-    auto departure = DepartureOf(run.recorded, Play(run, of_run, replay->calibration, nullptr),
+    auto departure = DepartureOf(run.recorded, Simulate(run, of_run, replay->calibration, nullptr),
                                  unit(of_run) == unit(run.settings));
     if (departure) {
       departure->run = i;
       if (replay->fit) {
-        departure->modelled = Play(run, of_run, replay->calibration, &*replay->fit);
+        departure->modelled = Simulate(run, of_run, replay->calibration, &*replay->fit);
       }
       variant.departures.push_back(std::move(*departure));
     }

@@ -42,7 +42,7 @@ struct ReplayCheck {
 };
 
 // One course of the controller through the attempts of a run.
-struct Course {
+struct ControllerTrace {
   std::vector<ExposureStep> steps;
   std::vector<float> expo;  // in force at each attempt
   size_t rejected = 0;
@@ -56,7 +56,7 @@ struct Run {
   std::vector<int64_t> times = {};
   std::string unknown = {};  // why the run or its end is not replayed
   Settings settings = {};
-  Course recorded = {};
+  ControllerTrace recorded = {};
   std::vector<ReplayCheck> checks = {};
   size_t images = 0;
 };
@@ -67,7 +67,7 @@ struct Departure {
   size_t at = 0;                              // position of the attempt
   std::optional<ExposureStep> recorded = {};  // the steps made there
   std::optional<ExposureStep> other = {};
-  std::optional<Course> modelled = {};  // the whole run, modelled after that attempt
+  std::optional<ControllerTrace> modelled = {};  // the whole run, modelled after that attempt
 };
 
 struct Variant {
@@ -87,7 +87,7 @@ struct Replay {
 
 // The recorded course of every run; with `model` also the fit, if there is one.
 Replay ReplayRecorded(const Device& device, const std::optional<Calibration>& calibration,
-                      bool model);
+                      bool fit_sensor);
 
 // Adds the departures that result when `settings` override those of the device.
 void AddVariant(const Settings& settings, Replay* replay);

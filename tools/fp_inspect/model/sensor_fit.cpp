@@ -10,7 +10,7 @@
 namespace fp_inspect {
 namespace {
 
-constexpr size_t kFewestImages = 20;
+constexpr size_t kMinImages = 20;
 
 bool IsCovered(const AuthEventG7& attempt) { return attempt.t_cov >= Thresholds().coverage; }
 
@@ -103,7 +103,7 @@ void FitOutcome(const std::vector<SensorFit::Image>& images, SensorFit* fit) {
 
 std::optional<SensorFit> SensorFit::Of(const std::vector<Image>& images) {
   SensorFit fit = {.images = images.size()};
-  if (images.size() < kFewestImages || !FitQuality(images, &fit)) {
+  if (images.size() < kMinImages || !FitQuality(images, &fit)) {
     return std::nullopt;
   }
   FitRaw(images, &fit);
@@ -121,11 +121,11 @@ AuthEventG7 SensorFit::At(const AuthEventG7& attempt, double ratio) const {
   if (attempt.acquired_info != AuthEventG7::kAcquiredGood || ratio == 1 || !std::isfinite(ratio)) {
     return modelled;
   }
-  constexpr double kMost = INT32_MAX;
-  const double raw = std::clamp(std::round(attempt.rawmean_delta * ratio), -kMost, kMost);
+  constexpr double kMax = INT32_MAX;
+  const double raw = std::clamp(std::round(attempt.rawmean_delta * ratio), -kMax, kMax);
   const double iq = attempt.iq + Quality(raw) - Quality(attempt.rawmean_delta);
   modelled.rawmean_delta = static_cast<int32_t>(raw);
-  modelled.iq = static_cast<int32_t>(std::clamp(std::round(iq), 0.0, kMost));
+  modelled.iq = static_cast<int32_t>(std::clamp(std::round(iq), 0.0, kMax));
   if (IsCovered(attempt) && (attempt.iq < iq_cut) != (modelled.iq < iq_cut)) {
     modelled.auth_successful = modelled.iq >= iq_cut;
   }

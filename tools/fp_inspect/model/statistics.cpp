@@ -12,18 +12,18 @@ namespace fp_inspect {
 namespace {
 
 constexpr size_t kPermutations = 1999;
-constexpr size_t kLeastRecords = 20;     // on each side of a change
+constexpr size_t kMinRecords = 20;       // on each side of a change
 constexpr double kChiSquared99 = 6.635;  // one degree of freedom
-constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
+constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
 
 double MeanOf(const BurstSum& total) { return total.sum / static_cast<double>(total.n); }
 
-double DistanceOf(const BurstSum& before, const BurstSum& behind) {
-  if (before.n == 0 || behind.n == 0) {
+double DistanceOf(const BurstSum& before, const BurstSum& after) {
+  if (before.n == 0 || after.n == 0) {
     return 0;
   }
-  return std::abs(MeanOf(before) - MeanOf(behind)) /
-         std::sqrt(1 / static_cast<double>(before.n) + 1 / static_cast<double>(behind.n));
+  return std::abs(MeanOf(before) - MeanOf(after)) /
+         std::sqrt(1 / static_cast<double>(before.n) + 1 / static_cast<double>(after.n));
 }
 
 // Squared deviations of bursts from the mean of their side.
@@ -38,19 +38,19 @@ double SquaresWithin(std::span<const BurstSum> side) {
 double VarianceOfMean(std::span<const BurstSum> side) {
   const auto count = static_cast<double>(side.size());
   const auto n = static_cast<double>(Total(side).n);
-  return side.size() < 2 ? kNone : SquaresWithin(side) * count / (count - 1) / (n * n);
+  return side.size() < 2 ? kNan : SquaresWithin(side) * count / (count - 1) / (n * n);
 }
 
 template <typename Visit>
-void ForSplits(std::span<const BurstSum> bursts, Visit visit) {
+void ForEachSplit(std::span<const BurstSum> bursts, Visit visit) {
   BurstSum before;
-  BurstSum behind = Total(bursts);
+  BurstSum after = Total(bursts);
   for (size_t split = 1; split < bursts.size(); ++split) {
     const BurstSum& burst = bursts[split - 1];
     before = {before.n + burst.n, before.sum + burst.sum};
-    behind = {behind.n - burst.n, behind.sum - burst.sum};
-    if (before.n >= kLeastRecords && behind.n >= kLeastRecords) {
-      visit(split, DistanceOf(before, behind));
+    after = {after.n - burst.n, after.sum - burst.sum};
+    if (before.n >= kMinRecords && after.n >= kMinRecords) {
+      visit(split, DistanceOf(before, after));
     }
   }
 }
@@ -104,9 +104,9 @@ BurstSum Total(std::span<const BurstSum> bursts) {
 Interval MeanInterval(const Bursts& bursts, size_t split) {
   const std::span all(bursts);
   const auto before = all.first(split);
-  const auto behind = all.subspan(split);
-  const double centre = MeanOf(Total(behind)) - MeanOf(Total(before));
-  const double half = kZ95 * std::sqrt(VarianceOfMean(before) + VarianceOfMean(behind));
+  const auto after = all.subspan(split);
+  const double centre = MeanOf(Total(after)) - MeanOf(Total(before));
+  const double half = kZ95 * std::sqrt(VarianceOfMean(before) + VarianceOfMean(after));
   return {centre - half, centre + half};
 }
 
@@ -114,23 +114,23 @@ double Distance(std::span<const BurstSum> bursts, size_t split) {
   return DistanceOf(Total(bursts.first(split)), Total(bursts.subspan(split)));
 }
 
-Peak LargestDistance(std::span<const BurstSum> bursts) {
-  Peak peak;
-  ForSplits(bursts, [&](size_t split, double distance) {
-    if (distance > peak.distance) {
-      peak = {distance, split};
+BestSplit LargestDistance(std::span<const BurstSum> bursts) {
+  BestSplit best;
+  ForEachSplit(bursts, [&](size_t split, double distance) {
+    if (distance > best.distance) {
+      best = {distance, split};
     }
   });
-  return peak;
+  return best;
 }
 
-SplitRange RangeOf(const Peak& peak, std::span<const BurstSum> bursts) {
+SplitRange RangeOf(const BestSplit& best, std::span<const BurstSum> bursts) {
   const double variance =
-      (SquaresWithin(bursts.first(peak.split)) + SquaresWithin(bursts.subspan(peak.split))) /
+      (SquaresWithin(bursts.first(best.split)) + SquaresWithin(bursts.subspan(best.split))) /
       static_cast<double>(Total(bursts).n);
-  SplitRange range = {peak.split, peak.split};
-  ForSplits(bursts, [&](size_t split, double distance) {
-    if (peak.distance * peak.distance - distance * distance < kChiSquared99 * variance) {
+  SplitRange range = {best.split, best.split};
+  ForEachSplit(bursts, [&](size_t split, double distance) {
+    if (best.distance * best.distance - distance * distance < kChiSquared99 * variance) {
       range = {std::min(range.first, split), std::max(range.last, split)};
     }
   });
@@ -167,7 +167,7 @@ std::vector<double> PermutationTest(const std::vector<Bursts>& rows,
   return p;
 }
 
-double LeastP(size_t bursts, size_t split) {
+double SmallestP(size_t bursts, size_t split) {
   // If the sides have the same size, exchanging them gives the same distance.
   double p = 2 * split == bursts ? 2 : 1;
   for (size_t i = 1; i <= split; ++i) {

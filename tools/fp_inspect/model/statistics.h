@@ -51,13 +51,13 @@ double Distance(std::span<const BurstSum> bursts, size_t split);
 
 // The largest distance over the splits with 20 records or more on each side, and that split; 0
 // without such a split.
-struct Peak {
+struct BestSplit {
   double distance = 0;
   size_t split = 0;
 };
-Peak LargestDistance(std::span<const BurstSum> bursts);
+BestSplit LargestDistance(std::span<const BurstSum> bursts);
 
-// The splits, from first to last, that fit the data almost as well as `peak`: those whose
+// The splits, from first to last, that fit the data almost as well as `best`: those whose
 // likelihood ratio lies below the quantile 0.99 of chi squared, with the variance between bursts;
 // after K. J. Worsley, "Confidence regions and tests for a change-point in a sequence of
 // exponential family random variables", Biometrika 73 (1986), 91-104.
@@ -65,7 +65,7 @@ struct SplitRange {
   size_t first = 0;
   size_t last = 0;
 };
-SplitRange RangeOf(const Peak& peak, std::span<const BurstSum> bursts);
+SplitRange RangeOf(const BestSplit& best, std::span<const BurstSum> bursts);
 
 // For each row, how likely a random order of its bursts gives a statistic as large as the actual
 // one: (c + 1) / (n + 1) of n = 1,999 random orders, the same in each run; B. Phipson and G. K.
@@ -75,7 +75,7 @@ std::vector<double> PermutationTest(const std::vector<Bursts>& rows,
                                     const std::function<double(std::span<const BurstSum>)>& of);
 
 // The least p that such a test can give if the first `split` of `bursts` bursts are on one side.
-double LeastP(size_t bursts, size_t split);
+double SmallestP(size_t bursts, size_t split);
 
 // Corrects for the number of tests; S. Holm, "A simple sequentially rejective multiple test
 // procedure", Scandinavian Journal of Statistics 6 (1979), 65-70.

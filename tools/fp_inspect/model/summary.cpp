@@ -12,22 +12,22 @@
 namespace fp_inspect {
 namespace {
 
-std::string LabelOf(const Record& record, By by, size_t burst, const Zone& zone) {
+std::string LabelOf(const Record& record, GroupBy by, size_t burst, const Zone& zone) {
   switch (by) {
-    case By::kDay:
+    case GroupBy::kDay:
       return zone.Text(record.time, "%Y-%m-%d");
-    case By::kHour:
+    case GroupBy::kHour:
       return zone.Text(record.time, "%Y-%m-%d %Hh");
-    case By::kBurst:
+    case GroupBy::kBurst:
       return fmt::format("burst {}", burst);
-    case By::kNothing:
+    case GroupBy::kNothing:
       break;
   }
   return "";
 }
 
-std::vector<Tally> Periods(const std::vector<Record>& attempts, By by, const Thresholds& thresholds,
-                           const Zone& zone) {
+std::vector<Tally> Periods(const std::vector<Record>& attempts, GroupBy by,
+                           const Thresholds& thresholds, const Zone& zone) {
   std::vector<Tally> periods;
   std::vector<Record> period;
   std::string label;
@@ -99,12 +99,12 @@ Tally TallyOf(const std::vector<Record>& attempts, const Thresholds& thresholds)
   return tally;
 }
 
-Summary Summarise(const Device& device, By by, const Zone& zone) {
+Summary Summarise(const Device& device, GroupBy by, const Zone& zone) {
   Summary summary;
   const std::vector<Record>& attempts = device.Of(RecordKind::kAttempt).records;
   summary.thresholds = Thresholds::Of(device.exposure);
   summary.all = TallyOf(attempts, summary.thresholds);
-  if (by != By::kNothing) {
+  if (by != GroupBy::kNothing) {
     summary.periods = Periods(attempts, by, summary.thresholds, zone);
   }
   CountEnrollments(device, &summary);

@@ -60,9 +60,9 @@ struct Summary {
   size_t salvaged = 0;
 };
 
-enum class By { kNothing, kDay, kHour, kBurst };
+enum class GroupBy { kNothing, kDay, kHour, kBurst };
 
 Tally TallyOf(const std::vector<Record>& attempts, const Thresholds& thresholds);
-Summary Summarise(const Device& device, By by, const Zone& zone);
+Summary Summarise(const Device& device, GroupBy by, const Zone& zone);
 
 }  // namespace fp_inspect

@@ -17,13 +17,13 @@ constexpr size_t kDamageKept = 100;
 
 // A history whose size is a multiple of this is taken for full. The library fixes only the
 // capacities of enrollments and errors; services choose the others.
-constexpr size_t kRoundSize = 50;
+constexpr size_t kCapacityUnit = 50;
 
 // How many records may be in one history but not in the other before the next common record.
-constexpr size_t kReach = 64;
+constexpr size_t kMaxSkippedRecords = 64;
 
 // How many places are tried when looking for the beginning of a history.
-constexpr size_t kPlacesTried = 64;
+constexpr size_t kMaxOverlapsTried = 64;
 
 // A hash of what is the same in a dump and in a backup file, which round floats differently.
 size_t KeyOf(const Record& record) {
@@ -32,7 +32,7 @@ size_t KeyOf(const Record& record) {
     attempt->t_cov = 0;
     attempt->t_dist = 0;
   }
-  return std::hash<std::string>()(std::to_string(record.time) + Words(alike));
+  return std::hash<std::string>()(std::to_string(record.time) + DumpText(alike));
 }
 
 // Merges the histories of one kind, oldest first.
@@ -45,13 +45,13 @@ class Merger {
     std::transform(records.begin(), records.end(), keys.begin(), KeyOf);
     const size_t size = records.size();
     if (keys_.empty()) {
-      timeline_.full = size % kRoundSize == 0;
+      timeline_.full = size % kCapacityUnit == 0;
       timeline_.largest = size;
       Append(std::move(records), keys);
-    } else if (const auto place = FindPlace(keys)) {
-      Align(*place, std::move(records), keys);
+    } else if (const auto overlap = FindOverlap(keys)) {
+      Align(*overlap, std::move(records), keys);
     } else {
-      NoteGap(records, size);
+      AddGap(records, size);
       Append(std::move(records), keys);
     }
     timeline_.full = timeline_.full && size <= timeline_.largest;  // otherwise it has grown
@@ -66,7 +66,7 @@ class Merger {
   }
 
  private:
-  struct Place {
+  struct Overlap {
     size_t old_at;
     size_t new_at;
   };
@@ -80,7 +80,8 @@ class Merger {
   }
 
   // How many records agree from there on. A run to the end of either history is a perfect overlap.
-  size_t RunAt(size_t old_at, size_t new_at, const std::vector<size_t>& keys, bool* to_end) const {
+  size_t MatchLength(size_t old_at, size_t new_at, const std::vector<size_t>& keys,
+                     bool* to_end) const {
     size_t run = 0;
     while (old_at + run < keys_.size() && new_at + run < keys.size() &&
            keys_[old_at + run] == keys[new_at + run]) {
@@ -92,19 +93,19 @@ class Merger {
 
   // Where the new history begins in the old one: at an overlap up to the end of either, or else at
   // the longest run. Its first records may be missing from the old one because of damage.
-  std::optional<Place> FindPlace(const std::vector<size_t>& keys) const {
+  std::optional<Overlap> FindOverlap(const std::vector<size_t>& keys) const {
     for (size_t new_at = 0; new_at < keys.size(); ++new_at) {
       const auto found = positions_.find(keys[new_at]);
       if (found == positions_.end()) {
         continue;
       }
-      Place best = {found->second.front(), new_at};
+      Overlap best = {found->second.front(), new_at};
       size_t longest = 0;
-      for (size_t i = 0; i < std::min(found->second.size(), kPlacesTried); ++i) {
+      for (size_t i = 0; i < std::min(found->second.size(), kMaxOverlapsTried); ++i) {
         bool to_end = false;
-        const size_t run = RunAt(found->second[i], new_at, keys, &to_end);
+        const size_t run = MatchLength(found->second[i], new_at, keys, &to_end);
         if (to_end) {
-          return Place{found->second[i], new_at};
+          return Overlap{found->second[i], new_at};
         }
         if (run > longest) {
           longest = run;
@@ -117,9 +118,9 @@ class Merger {
   }
 
   // Walks through both from that place on. Where they differ, one has records that the other lost.
-  void Align(Place place, std::vector<Record> records, const std::vector<size_t>& keys) {
-    size_t old_at = place.old_at;
-    size_t new_at = place.new_at;
+  void Align(Overlap overlap, std::vector<Record> records, const std::vector<size_t>& keys) {
+    size_t old_at = overlap.old_at;
+    size_t new_at = overlap.new_at;
     std::vector<std::pair<size_t, size_t>> insertions;  // position in the old, index in the new
     for (size_t i = 0; i < new_at; ++i) {
       insertions.emplace_back(old_at, i);
@@ -128,10 +129,10 @@ class Merger {
       if (keys_[old_at] == keys[new_at]) {
         ++old_at;
         ++new_at;
-      } else if (const size_t skipped = Next(keys_, old_at, keys[new_at]); skipped > 0) {
+      } else if (const size_t skipped = DistanceTo(keys_, old_at, keys[new_at]); skipped > 0) {
         old_at += skipped;
         timeline_.dropped += skipped;
-      } else if (Next(keys, new_at, keys_[old_at]) > 0) {
+      } else if (DistanceTo(keys, new_at, keys_[old_at]) > 0) {
         insertions.emplace_back(old_at, new_at++);
       } else {
         ++old_at;
@@ -142,8 +143,8 @@ class Merger {
     Append(std::move(records), keys, new_at);
   }
 
-  static size_t Next(const std::vector<size_t>& keys, size_t at, size_t wanted) {
-    for (size_t ahead = 1; ahead <= kReach && at + ahead < keys.size(); ++ahead) {
+  static size_t DistanceTo(const std::vector<size_t>& keys, size_t at, size_t wanted) {
+    for (size_t ahead = 1; ahead <= kMaxSkippedRecords && at + ahead < keys.size(); ++ahead) {
       if (keys[at + ahead] == wanted) {
         return ahead;
       }
@@ -175,7 +176,7 @@ class Merger {
     }
   }
 
-  void NoteGap(const std::vector<Record>& records, size_t size) {
+  void AddGap(const std::vector<Record>& records, size_t size) {
     const int64_t last = timeline_.records.back().time;
     const int64_t first = records.front().time;
     if (first < last) {

@@ -11,7 +11,7 @@ namespace fp_inspect {
 namespace {
 
 // The variable TZ with which the process was started.
-const std::optional<std::string>& MachinesZone() {
+const std::optional<std::string>& InitialZone() {
   static const auto zone = [] {
     const char* const name = getenv("TZ");
     return name != nullptr ? std::optional<std::string>(name) : std::nullopt;
@@ -21,7 +21,7 @@ const std::optional<std::string>& MachinesZone() {
 
 }  // namespace
 
-Zone::Zone(std::string name) : name_(std::move(name)) { MachinesZone(); }
+Zone::Zone(std::string name) : name_(std::move(name)) { InitialZone(); }
 
 bool Zone::Exists(const std::string& name) {
   const bool is_posix_form = name.find_first_of("0123456789") >= 3 &&
@@ -33,16 +33,16 @@ bool Zone::Exists(const std::string& name) {
           std::filesystem::is_regular_file("/usr/share/zoneinfo/" + name, ignored));
 }
 
-void Zone::Enter() const {
-  static std::optional<std::string> entered;
-  if (entered == name_) {
+void Zone::Activate() const {
+  static std::optional<std::string> active;
+  if (active == name_) {
     return;
   }
-  entered = name_;
+  active = name_;
   if (!name_.empty()) {
     setenv("TZ", name_.c_str(), 1);
-  } else if (MachinesZone()) {
-    setenv("TZ", MachinesZone()->c_str(), 1);
+  } else if (InitialZone()) {
+    setenv("TZ", InitialZone()->c_str(), 1);
   } else {
     unsetenv("TZ");
   }
@@ -50,7 +50,7 @@ void Zone::Enter() const {
 }
 
 int64_t Zone::ToEpoch(int64_t wall) const {
-  Enter();
+  Activate();
   const time_t as_utc = wall;
   tm parts = {};
   gmtime_r(&as_utc, &parts);
@@ -59,14 +59,14 @@ int64_t Zone::ToEpoch(int64_t wall) const {
 }
 
 int64_t Zone::ToWall(int64_t epoch) const {
-  Enter();
+  Activate();
   const time_t seconds = epoch;
   tm parts = {};
   return localtime_r(&seconds, &parts) != nullptr ? timegm(&parts) : epoch;
 }
 
 std::string Zone::Text(int64_t epoch, const char* form) const {
-  Enter();
+  Activate();
   const time_t seconds = epoch;
   tm parts = {};
   if (localtime_r(&seconds, &parts) == nullptr) {

@@ -26,7 +26,7 @@ class Zone {
   std::string Text(int64_t epoch, const char* form = "%Y-%m-%d %H:%M:%S") const;
 
  private:
-  void Enter() const;
+  void Activate() const;
 
   std::string name_;
 };

@@ -122,9 +122,9 @@ json StepJson(const Run& run, const std::optional<ExposureStep>& step, const Zon
   return object;
 }
 
-json StepsJson(const Run& run, const Course& course, const Zone& zone) {
+json StepsJson(const Run& run, const ControllerTrace& trace, const Zone& zone) {
   json steps = json::array();
-  for (const ExposureStep& step : course.steps) {
+  for (const ExposureStep& step : trace.steps) {
     steps.push_back(StepJson(run, step, zone));
   }
   return steps;
@@ -137,7 +137,7 @@ json ExposureJson(const Exposure& exposure) {
           {"avg_raw_mean", exposure.avg_raw_mean}};
 }
 
-json RunJson(const Run& run, const Device& device, bool check, const Zone& zone) {
+json RunJson(const Run& run, const Device& device, bool check_replay, const Zone& zone) {
   json object = Object("run");
   AddTime(&object, "begin", run.begin, zone);
   object["attempts"] = run.attempts.size();
@@ -145,7 +145,7 @@ json RunJson(const Run& run, const Device& device, bool check, const Zone& zone)
   object["unknown"] = run.unknown.empty() ? json(nullptr) : json(run.unknown);
   object["settings"] = run.settings;
   object["steps"] = StepsJson(run, run.recorded, zone);
-  for (size_t i = 0; check && i < run.checks.size(); ++i) {
+  for (size_t i = 0; check_replay && i < run.checks.size(); ++i) {
     const ReplayCheck& of_dump = run.checks[i];
     object["checks"].push_back({{"input", device.sources[of_dump.source]},
                                 {"attempts", of_dump.attempts},
@@ -251,10 +251,10 @@ class JsonlOutput : public Output {
     Put(object);
   }
 
-  void PutReplay(const Replay& replay, const Device& device, bool check,
+  void PutReplay(const Replay& replay, const Device& device, bool check_replay,
                  const Zone& zone) override {
     for (const Run& run : replay.runs) {
-      Put(RunJson(run, device, check, zone));
+      Put(RunJson(run, device, check_replay, zone));
     }
     if (replay.fit) {
       Put(FitJson(*replay.fit));
@@ -332,7 +332,7 @@ class JsonlOutput : public Output {
 
  private:
   static void PutMessage(const char* type, const std::string& input, const std::string& text) {
-    Tell(text);
+    PrintError(text);
     json object = Object(type);
     object["input"] = input;
     object["text"] = text;

@@ -25,18 +25,18 @@ std::string Printable(std::string text) {
   return text;
 }
 
-void Tell(const std::string& text) {
+void PrintError(const std::string& text) {
   const std::string line = "fp_inspect: " + Printable(text) + "\n";
   (void)!fwrite(line.data(), 1, line.size(), stderr);
 }
 
-void TellDamage(const Device& device) {
+void PrintDamage(const Device& device) {
   for (size_t i = 0; i < std::min(device.damage.size(), kDamageShown); ++i) {
     const Damage& damage = device.damage[i];
-    Complain("damage at byte {}: {} ({})", damage.offset, Printable(damage.text), damage.check);
+    PrintErrorf("damage at byte {}: {} ({})", damage.offset, Printable(damage.text), damage.check);
   }
   if (device.damage_count > kDamageShown) {
-    Complain("{} more", device.damage_count - kDamageShown);
+    PrintErrorf("{} more", device.damage_count - kDamageShown);
   }
 }
 

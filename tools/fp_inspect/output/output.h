@@ -16,14 +16,14 @@
 namespace fp_inspect {
 
 // Writes a line to the standard error and ignores a failure to do so.
-void Tell(const std::string& text);
+void PrintError(const std::string& text);
 template <typename... Values>
-void Complain(fmt::format_string<Values...> form, Values&&... values) {
-  Tell(fmt::format(form, std::forward<Values>(values)...));
+void PrintErrorf(fmt::format_string<Values...> form, Values&&... values) {
+  PrintError(fmt::format(form, std::forward<Values>(values)...));
 }
 
 // Writes the first of the noted damage to the standard error.
-void TellDamage(const Device& device);
+void PrintDamage(const Device& device);
 
 // Writes what a command found to the standard output, in one format. To add a format, add a class
 // in its own file and a line in output.cpp. A format leaves out what it cannot express.
@@ -38,7 +38,7 @@ class Output {
                          const Thresholds& /*thresholds*/, const Zone& /*zone*/) {}
   virtual void EndList(const Device& /*device*/) {}
   // With `check`, also writes the comparison with the samples in the dumps.
-  virtual void PutReplay(const Replay& /*replay*/, const Device& /*device*/, bool /*check*/,
+  virtual void PutReplay(const Replay& /*replay*/, const Device& /*device*/, bool /*check_replay*/,
                          const Zone& /*zone*/) {}
   virtual void PutVerified(const Contents& /*contents*/) {}
   virtual void PutDevice(const std::string& /*name*/, const Device& /*device*/,
@@ -48,8 +48,12 @@ class Output {
 
   // An input that could not be read, and anything else that the user should know about an input.
   // Both go to the standard error; a format for programs also writes them as objects.
-  virtual void PutFailure(const std::string& /*input*/, const std::string& text) { Tell(text); }
-  virtual void PutWarning(const std::string& /*input*/, const std::string& text) { Tell(text); }
+  virtual void PutFailure(const std::string& /*input*/, const std::string& text) {
+    PrintError(text);
+  }
+  virtual void PutWarning(const std::string& /*input*/, const std::string& text) {
+    PrintError(text);
+  }
 };
 
 // "text", "jsonl" or "csv".
@@ -58,7 +62,7 @@ std::unique_ptr<Output> MakeTextOutput();
 std::unique_ptr<Output> MakeJsonlOutput();
 std::unique_ptr<Output> MakeCsvOutput();
 
-void PrintReplay(const Replay& replay, const Device& device, bool check, const Zone& zone);
+void PrintReplay(const Replay& replay, const Device& device, bool check_replay, const Zone& zone);
 
 // Replaces the control characters in a text from a device, because a terminal would obey them.
 std::string Printable(std::string text);

@@ -23,12 +23,12 @@ std::string StepText(const Run& run, const ExposureStep& step, const Zone& zone)
                      SampleText(run, step.sample, zone));
 }
 
-std::string DumpText(const Exposure& exposure) {
+std::string ExposureText(const Exposure& exposure) {
   return fmt::format("{} attempts, FRR {:.2f} %, iq {:.2f}, raw {:.2f}", exposure.sample_size,
                      exposure.frr, exposure.avg_iq, exposure.avg_raw_mean);
 }
 
-void PrintRun(const Run& run, const Device& device, bool check, const Zone& zone) {
+void PrintRun(const Run& run, const Device& device, bool check_replay, const Zone& zone) {
   fmt::print("bring-up of {}: {} attempts, {} of {} images rejected{}{}\n", zone.Text(run.begin),
              run.attempts.size(), run.recorded.rejected, run.images,
              run.recorded.steps.empty() ? ", no step" : "",
@@ -36,12 +36,12 @@ void PrintRun(const Run& run, const Device& device, bool check, const Zone& zone
   for (const ExposureStep& step : run.recorded.steps) {
     fmt::print("  {} {}\n", zone.Text(run.times[step.at]), StepText(run, step, zone));
   }
-  for (size_t i = 0; check && i < run.checks.size(); ++i) {
+  for (size_t i = 0; check_replay && i < run.checks.size(); ++i) {
     const ReplayCheck& of_dump = run.checks[i];
-    fmt::print("{} {} behind attempt {}: {}{}\n", of_dump.Agrees() ? " " : "!",
-               Printable(device.sources[of_dump.source]), of_dump.attempts,
-               DumpText(of_dump.dumped),
-               of_dump.Agrees() ? ", as replayed" : "; replayed: " + DumpText(of_dump.replayed));
+    fmt::print(
+        "{} {} behind attempt {}: {}{}\n", of_dump.Agrees() ? " " : "!",
+        Printable(device.sources[of_dump.source]), of_dump.attempts, ExposureText(of_dump.dumped),
+        of_dump.Agrees() ? ", as replayed" : "; replayed: " + ExposureText(of_dump.replayed));
   }
 }
 
@@ -89,9 +89,9 @@ void PrintVariant(const Variant& variant, const Replay& replay, const Zone& zone
 
 }  // namespace
 
-void PrintReplay(const Replay& replay, const Device& device, bool check, const Zone& zone) {
+void PrintReplay(const Replay& replay, const Device& device, bool check_replay, const Zone& zone) {
   for (const Run& run : replay.runs) {
-    PrintRun(run, device, check, zone);
+    PrintRun(run, device, check_replay, zone);
   }
   if (!replay.calibration && !replay.runs.empty()) {
     fmt::print("no --calibration: exposure unknown, bounds not applied\n");

@@ -67,7 +67,7 @@ class TextOutput : public Output {
       fmt::print("no attempts\n");
     }
     PutGaps(attempts, zone);
-    PutOthers(summary);
+    PutCounts(summary);
     PutPeriods(summary);
     for (const Finding& finding : summary.findings) {
       fmt::print("{} {}\n", Mark("!"), Printable(finding.text));
@@ -78,12 +78,13 @@ class TextOutput : public Output {
                  const Zone& zone) override {
     const std::string time = record.GetKind() == RecordKind::kFingerSize ? "-------------------"
                                                                          : zone.Text(record.time);
-    fmt::print("{} {}{}\n", time, Printable(Words(record)), record.salvaged ? " (salvaged)" : "");
+    fmt::print("{} {}{}\n", time, Printable(DumpText(record)),
+               record.salvaged ? " (salvaged)" : "");
   }
 
-  void PutReplay(const Replay& replay, const Device& device, bool check,
+  void PutReplay(const Replay& replay, const Device& device, bool check_replay,
                  const Zone& zone) override {
-    PrintReplay(replay, device, check, zone);
+    PrintReplay(replay, device, check_replay, zone);
   }
 
   void PutVerified(const Contents& contents) override {
@@ -132,7 +133,7 @@ class TextOutput : public Output {
                        comparison.change ? "since" : "B", "95 %", "p"));
     for (const CompareRow& row : comparison.rows) {
       const double scale = row.is_share ? 100 : 1;
-      PutRow(fmt::format("{} {:<44}{:<20}{:<20}{:>12}{:>10}", row.IsShown() ? Mark("!") : " ",
+      PutRow(fmt::format("{} {:<44}{:<20}{:<20}{:>12}{:>10}", row.IsSignificant() ? Mark("!") : " ",
                          Printable(row.title), SideText(row, row.a), SideText(row, row.b),
                          row.HasInterval()
                              ? fmt::format("{:+.0f}..{:+.0f}", scale * row.difference.low,
@@ -204,7 +205,7 @@ class TextOutput : public Output {
     }
   }
 
-  static void PutOthers(const Summary& summary) {
+  static void PutCounts(const Summary& summary) {
     if (summary.enrolled + summary.enroll_failed + summary.deleted > 0) {
       fmt::print("fingers: {} enrolled, {} failed, {} deleted\n", summary.enrolled,
                  summary.enroll_failed, summary.deleted);

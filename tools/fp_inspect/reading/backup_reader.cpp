@@ -19,9 +19,9 @@ using android::fp_utils::AuthEvent;
 using android::fp_utils::EnrollEvent;
 
 // The library reads a record text into a buffer of this size and ends it with a zero byte.
-constexpr size_t kBuffer = 1024;
+constexpr size_t kMaxRecordText = 1024;
 constexpr size_t kMaxHeader = 64;
-constexpr size_t kReach = kBuffer + kMaxHeader;  // a frame and its header fit
+constexpr size_t kMaxFrame = kMaxRecordText + kMaxHeader;  // a frame and its header fit
 
 struct Header {
   uint32_t crc = 0;
@@ -44,7 +44,7 @@ std::optional<Header> ScanHeader(std::string_view at) {
   return header;
 }
 
-bool TakeHex(std::string_view* at, size_t max_digits, uint64_t* value) {
+bool ConsumeHex(std::string_view* at, size_t max_digits, uint64_t* value) {
   if (!at->starts_with("0x")) {
     return false;
   }
@@ -56,18 +56,18 @@ bool TakeHex(std::string_view* at, size_t max_digits, uint64_t* value) {
     }
     *value = *value << 4 | static_cast<uint64_t>(c <= '9' ? c - '0' : (c | 0x20) - 'a' + 10);
   }
-  const bool taken = digits > 0 && at->size() > 2 + digits && (*at)[2 + digits] == ',';
-  at->remove_prefix(taken ? 3 + digits : 0);
-  return taken;
+  const bool is_complete = digits > 0 && at->size() > 2 + digits && (*at)[2 + digits] == ',';
+  at->remove_prefix(is_complete ? 3 + digits : 0);
+  return is_complete;
 }
 
 // Accepts only what the library writes, with a length that a record can have.
-std::optional<Header> StrictHeader(std::string_view at) {
+std::optional<Header> ParseExactHeader(std::string_view at) {
   const size_t before = at.size();
   uint64_t crc = 0;
   Header header;
-  if (!TakeHex(&at, 8, &crc) || !TakeHex(&at, 3, &header.length) || header.length == 0 ||
-      header.length > kBuffer) {
+  if (!ConsumeHex(&at, 8, &crc) || !ConsumeHex(&at, 3, &header.length) || header.length == 0 ||
+      header.length > kMaxRecordText) {
     return std::nullopt;
   }
   header.crc = static_cast<uint32_t>(crc);
@@ -115,8 +115,8 @@ std::optional<Record> ReadRecord(std::string_view view) {
 
 // The record of the frame at the front, if the frame is intact and exactly as the library writes
 // it.
-std::optional<Record> IntactFrame(std::string_view at, size_t* frame_size) {
-  const auto header = StrictHeader(at);
+std::optional<Record> ReadIntactFrame(std::string_view at, size_t* frame_size) {
+  const auto header = ParseExactHeader(at);
   if (!header || header->size + header->length > at.size()) {
     return std::nullopt;
   }
@@ -129,7 +129,7 @@ std::optional<Record> IntactFrame(std::string_view at, size_t* frame_size) {
 }
 
 // The kind of history, by the name of its file. For other names, the first record determines it.
-std::optional<RecordKind> HistoryOf(const std::string& path) {
+std::optional<RecordKind> KindFromPath(const std::string& path) {
   const std::string name = path.substr(path.rfind('/') + 1);
   return name.starts_with("AuthStats.")             ? std::optional(RecordKind::kAttempt)
          : name.starts_with("EnrollEventContainer") ? std::optional(RecordKind::kEnrollment)
@@ -140,7 +140,7 @@ std::optional<RecordKind> HistoryOf(const std::string& path) {
 class BackupReader {
  public:
   BackupReader(ByteWindow& input, Contents* contents)
-      : input_(input), contents_(*contents), kind_(HistoryOf(contents->name)) {}
+      : input_(input), contents_(*contents), kind_(KindFromPath(contents->name)) {}
 
   void Run() {
     contents_.kind = InputKind::kBackup;
@@ -160,7 +160,7 @@ class BackupReader {
  private:
   // One iteration of the loop with which the library loads a file; false where that loop stops.
   bool ReadFrame() {
-    const std::string_view at = input_.Fill(kReach);
+    const std::string_view at = input_.Fill(kMaxFrame);
     if (at.empty()) {
       return false;
     }
@@ -168,42 +168,42 @@ class BackupReader {
     if (!header) {
       return Stop("header", "no frame begins here");
     }
-    if (header->length > kBuffer) {
+    if (header->length > kMaxRecordText) {
       return Stop("length", fmt::format("a frame of {} bytes is too long", header->length));
     }
-    const size_t there = std::min<size_t>(header->length, at.size() - header->size);
-    memcpy(buffer_, at.data() + header->size, there);
+    const size_t available = std::min<size_t>(header->length, at.size() - header->size);
+    memcpy(buffer_, at.data() + header->size, available);
     // If the file ends too early, the buffer keeps bytes of the previous record, as in the library.
-    buffer_[std::min<size_t>(header->length, kBuffer - 1)] = '\0';
-    const bool cut = there < header->length;
+    buffer_[std::min<size_t>(header->length, kMaxRecordText - 1)] = '\0';
+    const bool cut = available < header->length;
     if (android::fp_utils::crc32(buffer_, header->length) != header->crc) {
       return cut ? Stop("cut", "the file ends inside this frame")
                  : Stop("crc", "the checksum of this frame differs");
     }
-    TakeFrame({buffer_, header->length});
-    input_.Drop(header->size + there);
+    AddFrame({buffer_, header->length});
+    input_.Drop(header->size + available);
     return true;
   }
 
   bool Stop(const char* check, std::string text) {
-    contents_.Note(input_.GetOffset(), check, std::move(text));
+    contents_.AddDamage(input_.GetOffset(), check, std::move(text));
     return false;
   }
 
   // The class of the history loads only records of its own kind.
-  void TakeFrame(std::string_view text) {
+  void AddFrame(std::string_view text) {
     auto record = ReadRecord(text);
     if (record && !kind_) {
       kind_ = record->GetKind();
     }
-    const bool own =
+    const bool is_accepted =
         record && record->GetKind() == kind_ && (kind_ != RecordKind::kEnrollment || record->g7);
-    if (!own) {
-      contents_.Note(input_.GetOffset(), "record", "the record of this frame does not read");
+    if (!is_accepted) {
+      contents_.AddDamage(input_.GetOffset(), "record", "the record of this frame does not read");
     }
-    contents_.loaded += own ? 1 : 0;
+    contents_.loaded += is_accepted ? 1 : 0;
     if (record) {
-      Keep(std::move(*record), !own);
+      Keep(std::move(*record), !is_accepted);
     }
   }
 
@@ -219,9 +219,9 @@ class BackupReader {
   // them, so that nothing is taken for a record that never was one.
   void Salvage() {
     bool intact = false;
-    for (std::string_view at; !(at = input_.Fill(kReach)).empty();) {
+    for (std::string_view at; !(at = input_.Fill(kMaxFrame)).empty();) {
       size_t size = 0;
-      if (auto record = IntactFrame(at, &size)) {
+      if (auto record = ReadIntactFrame(at, &size)) {
         Keep(std::move(*record), true);
         input_.Drop(size);
         intact = true;
@@ -241,7 +241,7 @@ class BackupReader {
   Contents& contents_;
   std::optional<RecordKind> kind_;  // of the history's own records
   Snapshot snapshots_[kRecordKinds];
-  char buffer_[kBuffer] = {};
+  char buffer_[kMaxRecordText] = {};
 };
 
 }  // namespace
@@ -252,7 +252,7 @@ bool LooksLikeBackup(std::string_view beginning) {
   }
   for (size_t at = 0; (at = beginning.find("0x", at)) != beginning.npos; ++at) {
     size_t size = 0;
-    if (IntactFrame(beginning.substr(at), &size)) {
+    if (ReadIntactFrame(beginning.substr(at), &size)) {
       return true;
     }
   }

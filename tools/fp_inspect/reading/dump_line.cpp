@@ -16,35 +16,35 @@ constexpr size_t kIndexDigits = 3;  // at least
 
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 
-bool TakeNumber(std::string_view* text, auto* value) {
+bool ConsumeNumber(std::string_view* text, auto* value) {
   const auto [end, error] = std::from_chars(text->data(), text->data() + text->size(), *value);
   text->remove_prefix(static_cast<size_t>(end - text->data()));
   return error == std::errc();
 }
 
-bool Take(std::string_view* text, std::string_view literal) {
-  const bool there = text->starts_with(literal);
-  text->remove_prefix(there ? literal.size() : 0);
-  return there;
+bool Consume(std::string_view* text, std::string_view literal) {
+  const bool is_present = text->starts_with(literal);
+  text->remove_prefix(is_present ? literal.size() : 0);
+  return is_present;
 }
 
-bool Take(std::string_view* text, std::string_view name, auto* value) {
-  return Take(text, name) && TakeNumber(text, value);
+bool Consume(std::string_view* text, std::string_view name, auto* value) {
+  return Consume(text, name) && ConsumeNumber(text, value);
 }
 
-bool TakeFlag(std::string_view* text, std::string_view name, bool* value) {
+bool ConsumeFlag(std::string_view* text, std::string_view name, bool* value) {
   int number = 0;
-  const bool taken = Take(text, name, &number);
+  const bool is_complete = Consume(text, name, &number);
   *value = number == 1;
-  return taken;
+  return is_complete;
 }
 
-bool TakeSlots(std::string_view* text, std::string_view name, auto* slots) {
-  bool taken = Take(text, name);
-  for (size_t i = 0; taken && i < slots->size(); ++i) {
-    taken = (i == 0 || Take(text, "_")) && TakeNumber(text, &(*slots)[i]);
+bool ConsumeSlots(std::string_view* text, std::string_view name, auto* slots) {
+  bool is_complete = Consume(text, name);
+  for (size_t i = 0; is_complete && i < slots->size(); ++i) {
+    is_complete = (i == 0 || Consume(text, "_")) && ConsumeNumber(text, &(*slots)[i]);
   }
-  return taken;
+  return is_complete;
 }
 
 // An enrollment's operation that is neither addition nor deletion; dumps do not print its number.
@@ -59,19 +59,19 @@ const std::map<std::string, int8_t, std::less<>>& AcquiredCodes() {
       AuthEventG7 event;
       event.acquired_info = static_cast<int8_t>(code);
       record.value = event;
-      codes[Words(record)] = event.acquired_info;
+      codes[DumpText(record)] = event.acquired_info;
     }
     return codes;
   }();
   return codes;
 }
 
-bool TakeOutcome(std::string_view* text, AuthEventG7* event) {
+bool ConsumeOutcome(std::string_view* text, AuthEventG7* event) {
   if (!text->starts_with("acquisition_error:")) {
     event->acquired_info = AuthEventG7::kAcquiredGood;
-    return TakeFlag(text, "auth_successful:", &event->auth_successful) &&
-           Take(text, ", fid:", &event->fid) && Take(text, ", latency:", &event->latency) &&
-           Take(text, ", iq:", &event->iq);
+    return ConsumeFlag(text, "auth_successful:", &event->auth_successful) &&
+           Consume(text, ", fid:", &event->fid) && Consume(text, ", latency:", &event->latency) &&
+           Consume(text, ", iq:", &event->iq);
   }
   const std::string_view words = text->substr(0, text->find(','));
   const auto code = AcquiredCodes().find(words);
@@ -81,13 +81,14 @@ bool TakeOutcome(std::string_view* text, AuthEventG7* event) {
 }
 
 // Reads as many fields as there are. IfPrintedAs() later rejects a record with missing fields.
-void TakeMatcherFields(std::string_view text, AuthEventG7* event) {
-  (void)(Take(&text, ", rc:", &event->rc) && Take(&text, ", lptw:", &event->lptw) &&
-         Take(&text, ", t_cov:", &event->t_cov) && Take(&text, "%, t_dist:", &event->t_dist) &&
-         Take(&text, "mm, rawmean_delta:", &event->rawmean_delta) &&
-         Take(&text, ", match_score:", &event->match_score) &&
-         TakeSlots(&text, ", stitch_img_num_:", &event->stitch_img_num_) &&
-         TakeSlots(&text, ", stitch_img_area_:", &event->stitch_img_area_));
+void ConsumeMatcherFields(std::string_view text, AuthEventG7* event) {
+  (void)(Consume(&text, ", rc:", &event->rc) && Consume(&text, ", lptw:", &event->lptw) &&
+         Consume(&text, ", t_cov:", &event->t_cov) &&
+         Consume(&text, "%, t_dist:", &event->t_dist) &&
+         Consume(&text, "mm, rawmean_delta:", &event->rawmean_delta) &&
+         Consume(&text, ", match_score:", &event->match_score) &&
+         ConsumeSlots(&text, ", stitch_img_num_:", &event->stitch_img_num_) &&
+         ConsumeSlots(&text, ", stitch_img_area_:", &event->stitch_img_area_));
 }
 
 // A dump has the reason that the library derived from the packed metrics, but not the metrics. For
@@ -103,7 +104,7 @@ void SetMetrics(AuthEventG7* event, int which) {
 constexpr int kMetricSets = 4;
 
 std::optional<Record> IfPrintedAs(Record record, std::string_view words) {
-  return Words(record) == words ? std::optional(std::move(record)) : std::nullopt;
+  return DumpText(record) == words ? std::optional(std::move(record)) : std::nullopt;
 }
 
 }  // namespace
@@ -144,7 +145,7 @@ std::optional<DumpLine> FindDumpLine(std::string_view line) {
     std::string_view rest = line.substr(at + 1);
     DumpLine found;
     const size_t digits = std::min(rest.find_first_not_of("0123456789"), rest.size());
-    if (digits < kIndexDigits || !TakeNumber(&rest, &found.index) || !Take(&rest, " ")) {
+    if (digits < kIndexDigits || !ConsumeNumber(&rest, &found.index) || !Consume(&rest, " ")) {
       continue;
     }
     const auto time = ReadWallTime(rest);
@@ -160,12 +161,12 @@ std::optional<DumpLine> FindDumpLine(std::string_view line) {
 std::optional<Record> ReadAttempt(std::string_view words) {
   AuthEventG7 event;
   std::string_view rest = words;
-  if (!TakeOutcome(&rest, &event)) {
+  if (!ConsumeOutcome(&rest, &event)) {
     return std::nullopt;
   }
   Record record;
   record.g7 = !rest.empty();
-  TakeMatcherFields(rest, &event);
+  ConsumeMatcherFields(rest, &event);
   for (int which = 0; which < kMetricSets; ++which) {
     SetMetrics(&event, which);
     record.value = event;
@@ -180,23 +181,23 @@ std::optional<Record> ReadEnrollment(std::string_view words) {
   EnrollEventG7 event;
   std::string_view rest = words;
   event.op = rest.starts_with("op:ADD") ? EnrollEventG7::kOpAdd : kOpUnprinted;
-  if (Take(&rest, "op:DEL")) {
+  if (Consume(&rest, "op:DEL")) {
     event.op = EnrollEventG7::kOpDelete;
-    (void)(Take(&rest, ", gid:", &event.gid) && Take(&rest, ", fid:", &event.fid));
-  } else if (Take(&rest, "op:ADD")) {
-    (void)(TakeFlag(&rest, ", enroll_successful:", &event.enroll_successful) &&
-           Take(&rest, ", gid:", &event.gid) && Take(&rest, ", fid:", &event.fid) &&
-           Take(&rest, ", capture_count:", &event.capture_count) &&
-           Take(&rest, ", iq_avg:", &event.iq_avg) &&
-           Take(&rest, ", enrolled_fingers_count:", &event.enrolled_fingers_count));
+    (void)(Consume(&rest, ", gid:", &event.gid) && Consume(&rest, ", fid:", &event.fid));
+  } else if (Consume(&rest, "op:ADD")) {
+    (void)(ConsumeFlag(&rest, ", enroll_successful:", &event.enroll_successful) &&
+           Consume(&rest, ", gid:", &event.gid) && Consume(&rest, ", fid:", &event.fid) &&
+           Consume(&rest, ", capture_count:", &event.capture_count) &&
+           Consume(&rest, ", iq_avg:", &event.iq_avg) &&
+           Consume(&rest, ", enrolled_fingers_count:", &event.enrolled_fingers_count));
   } else {
     event.enroll_successful = rest.find("reason:") == rest.npos;
   }
   Record record;
-  record.g7 = Take(&rest, ", rc:", &event.rc);
-  (void)(Take(&rest, ", rawmean_delta:", &event.rawmean_delta) &&
-         TakeSlots(&rest, ", stitch_img_num_:", &event.stitch_img_num_) &&
-         TakeSlots(&rest, ", stitch_img_area_:", &event.stitch_img_area_));
+  record.g7 = Consume(&rest, ", rc:", &event.rc);
+  (void)(Consume(&rest, ", rawmean_delta:", &event.rawmean_delta) &&
+         ConsumeSlots(&rest, ", stitch_img_num_:", &event.stitch_img_num_) &&
+         ConsumeSlots(&rest, ", stitch_img_area_:", &event.stitch_img_area_));
   record.value = event;
   return IfPrintedAs(std::move(record), words);
 }

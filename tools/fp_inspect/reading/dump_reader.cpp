@@ -18,7 +18,7 @@ constexpr size_t kMaxLine = 1 << 16;
 
 // After this many lines without a record a section has ended, and a bring-up line no longer belongs
 // to the next dump.
-constexpr size_t kFarAway = 256;
+constexpr size_t kMaxLinesBetweenRecords = 256;
 
 enum class Section { kNone, kStats, kAttempts, kErrors, kEnrollments, kExposure };
 
@@ -41,7 +41,7 @@ RecordKind KindOf(Section section) {
 }
 
 // Reads the number that follows `name`, wherever in the line that is.
-bool NumberBehind(std::string_view line, std::string_view name, auto* value) {
+bool ParseNumberAfter(std::string_view line, std::string_view name, auto* value) {
   const size_t at = line.find(name);
   if (at == line.npos) {
     return false;
@@ -56,7 +56,7 @@ class DumpReader {
 
   // Almost no line of a bug report is from the library. The last and the first character of a line
   // are enough to skip most of the others.
-  void TakeLine(std::string_view line, uint64_t offset, bool complete) {
+  void ReadLine(std::string_view line, uint64_t offset, bool complete) {
     ++line_number_;
     if (line.ends_with('\r')) {
       line.remove_suffix(1);
@@ -64,24 +64,24 @@ class DumpReader {
     if (line.empty()) {
       return;
     }
-    if (line.back() == ':' && TakeTitle(line)) {
+    if (line.back() == ':' && ReadTitle(line)) {
       return;
     }
     if (line.front() == 'I' || line.front() == 'E' || line.front() == 'U') {
-      TakeBringUp(line);
+      ReadBringUp(line);
     } else if (line.starts_with(kZoneProperty)) {
       contents_.time_zone = line.substr(
           kZoneProperty.size(), line.find(']', kZoneProperty.size()) - kZoneProperty.size());
     }
     if (section_ != Section::kNone || line.starts_with("  #")) {
-      TakeInSection(line, offset, complete);
+      ReadInSection(line, offset, complete);
     }
   }
 
   void Finish() { EndSection(); }
 
  private:
-  bool TakeTitle(std::string_view line) {
+  bool ReadTitle(std::string_view line) {
     for (const Title& title : kTitles) {
       if (line.ends_with(title.words)) {
         BeginSection(title.section);
@@ -95,15 +95,15 @@ class DumpReader {
     // Auth Events that follow Auth Stats belong to them.
     if (section_ != Section::kStats || section != Section::kAttempts) {
       EndSection();
-      declared_.reset();
+      expected_records_.reset();
       only_g7_ = false;
     }
     section_ = section;
     last_record_line_ = line_number_;
     ++contents_.sections;
     contents_.kind = InputKind::kDump;
-    if (!near_bring_up_.empty() && line_number_ - near_bring_up_line_ < kFarAway) {
-      contents_.bring_up = std::exchange(near_bring_up_, {});
+    if (!last_bring_up_.empty() && line_number_ - last_bring_up_line_ < kMaxLinesBetweenRecords) {
+      contents_.bring_up = std::exchange(last_bring_up_, {});
     }
     if (section == Section::kExposure) {
       BeginExposure();
@@ -119,56 +119,56 @@ class DumpReader {
                                    .snapshots = contents_.snapshots.size()});
   }
 
-  void TakeBringUp(std::string_view line) {
+  void ReadBringUp(std::string_view line) {
     constexpr std::string_view kError = "Error:";
     if (line.starts_with("Initialization successful, start_time:") ||
         line.starts_with("Unexpected state:") ||
         (line.starts_with(kError) && ReadWallTime(line.substr(kError.size())))) {
-      near_bring_up_ = line;
-      near_bring_up_line_ = line_number_;
+      last_bring_up_ = line;
+      last_bring_up_line_ = line_number_;
     }
   }
 
-  void TakeInSection(std::string_view line, uint64_t offset, bool complete) {
+  void ReadInSection(std::string_view line, uint64_t offset, bool complete) {
     if (const auto found = FindDumpLine(line)) {
-      TakeRecord(*found, offset, complete);
+      AddRecord(*found, offset, complete);
     } else if (section_ == Section::kStats) {
-      TakeStats(line);
+      ReadStats(line);
     } else if (section_ == Section::kExposure) {
-      TakeExposure(line);
+      ReadExposure(line);
     }
-    if (line_number_ - last_record_line_ > kFarAway) {
+    if (line_number_ - last_record_line_ > kMaxLinesBetweenRecords) {
       EndSection();
       section_ = Section::kNone;
     }
   }
 
-  void TakeStats(std::string_view line) {
+  void ReadStats(std::string_view line) {
     size_t total = 0;
-    if (NumberBehind(line, "total_attempts:", &total)) {
-      declared_ = total;
+    if (ParseNumberAfter(line, "total_attempts:", &total)) {
+      expected_records_ = total;
       only_g7_ = line.find(", avg_rawmean_delta:") != line.npos;
     }
   }
 
-  void TakeExposure(std::string_view line) {
+  void ReadExposure(std::string_view line) {
     Exposure& exposure = contents_.exposures.back();
     if (const size_t name = line.find("  k"); name != line.npos) {
       const std::string_view setting = line.substr(name + 2);
       int64_t value = 0;
-      if (NumberBehind(setting, ": ", &value)) {
+      if (ParseNumberAfter(setting, ": ", &value)) {
         // Printed as a signed number.
         exposure.settings[std::string(setting.substr(0, setting.find(':')))] =
             static_cast<uint32_t>(value);
       }
     }
-    NumberBehind(line, "Stats of last ", &exposure.sample_size);
-    NumberBehind(line, "    FRR: ", &exposure.frr);
-    NumberBehind(line, "    Avg IQ: ", &exposure.avg_iq);
-    exposure.whole |= NumberBehind(line, "    Avg raw mean: ", &exposure.avg_raw_mean);
+    ParseNumberAfter(line, "Stats of last ", &exposure.sample_size);
+    ParseNumberAfter(line, "    FRR: ", &exposure.frr);
+    ParseNumberAfter(line, "    Avg IQ: ", &exposure.avg_iq);
+    exposure.whole |= ParseNumberAfter(line, "    Avg raw mean: ", &exposure.avg_raw_mean);
   }
 
-  static std::optional<Record> Read(RecordKind kind, std::string_view words) {
+  static std::optional<Record> ParseRecord(RecordKind kind, std::string_view words) {
     if (kind == RecordKind::kAttempt) {
       return ReadAttempt(words);
     }
@@ -192,9 +192,9 @@ class DumpReader {
                : KindOf(section_);
   }
 
-  void TakeRecord(const DumpLine& line, uint64_t offset, bool complete) {
+  void AddRecord(const DumpLine& line, uint64_t offset, bool complete) {
     const RecordKind kind = KindOfLine(line.words);
-    auto record = complete ? Read(kind, line.words) : std::nullopt;
+    auto record = complete ? ParseRecord(kind, line.words) : std::nullopt;
     if (section_ == Section::kNone && !record) {
       return;  // another program's list
     }
@@ -206,7 +206,7 @@ class DumpReader {
       snapshot_.kind = kind;
     }
     if (line.index > next_index_) {
-      contents_.Note(
+      contents_.AddDamage(
           offset, "missing",
           fmt::format("records #{:03} to #{:03} are missing", next_index_, line.index - 1));
     }
@@ -214,8 +214,8 @@ class DumpReader {
     last_record_line_ = line_number_;
     last_offset_ = offset;
     if (!record) {
-      contents_.Note(offset, complete ? "line" : "cut",
-                     fmt::format("record #{:03} does not read", line.index));
+      contents_.AddDamage(offset, complete ? "line" : "cut",
+                          fmt::format("record #{:03} does not read", line.index));
       return;
     }
     record->time = line.time;
@@ -235,12 +235,13 @@ class DumpReader {
 
   void EndSection() {
     const bool counted = section_ == Section::kAttempts || section_ == Section::kStats;
-    if (counted && declared_ && next_index_ < *declared_) {
-      contents_.Note(last_offset_, "count",
-                     fmt::format("the statistics count {} attempts, the last line is that of {}",
-                                 *declared_, next_index_));
+    if (counted && expected_records_ && next_index_ < *expected_records_) {
+      contents_.AddDamage(
+          last_offset_, "count",
+          fmt::format("the statistics count {} attempts, the last line is that of {}",
+                      *expected_records_, next_index_));
     }
-    declared_.reset();
+    expected_records_.reset();
     EndSnapshot();
   }
 
@@ -248,11 +249,11 @@ class DumpReader {
   Section section_ = Section::kNone;
   Snapshot snapshot_;
   uint64_t next_index_ = 0;
-  std::optional<size_t> declared_;  // number of attempts, from the line of statistics
-  bool only_g7_ = false;            // every attempt of the history has the matcher's fields
-  std::string near_bring_up_;
+  std::optional<size_t> expected_records_;  // number of attempts, from the line of statistics
+  bool only_g7_ = false;                    // every attempt of the history has the matcher's fields
+  std::string last_bring_up_;
   size_t line_number_ = 0;
-  size_t near_bring_up_line_ = 0;
+  size_t last_bring_up_line_ = 0;
   size_t last_record_line_ = 0;
   uint64_t last_offset_ = 0;
 };
@@ -273,7 +274,7 @@ void ReadDump(ByteWindow& input, Contents* contents) {
     while ((newline = static_cast<const char*>(memchr(window.data() + begin + known, '\n',
                                                       window.size() - begin - known))) != nullptr) {
       const auto end = static_cast<size_t>(newline - window.data());
-      reader.TakeLine(window.substr(begin, end - begin), offset + begin, true);
+      reader.ReadLine(window.substr(begin, end - begin), offset + begin, true);
       begin = end + 1;
       known = 0;
     }
@@ -282,7 +283,7 @@ void ReadDump(ByteWindow& input, Contents* contents) {
     const bool ends_here = begin == 0 && input.Fill(known + 1).size() == known;
     if (known >= kMaxLine || (ends_here && known > 0)) {
       window = input.Fill(known);
-      reader.TakeLine(window.substr(0, known), input.GetOffset(), false);
+      reader.ReadLine(window.substr(0, known), input.GetOffset(), false);
       input.Drop(known);
       known = 0;
     }

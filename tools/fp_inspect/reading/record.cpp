@@ -15,7 +15,7 @@ std::string WithoutTime(const Event& event) {
 
 }  // namespace
 
-std::string Words(const Record& record) {
+std::string DumpText(const Record& record) {
   if (const AuthEventG7* attempt = record.Attempt()) {
     return record.g7
                ? WithoutTime(*attempt)
@@ -32,7 +32,7 @@ std::string Words(const Record& record) {
   return std::get<std::string>(record.value);
 }
 
-void Contents::Note(uint64_t offset, std::string check, std::string text) {
+void Contents::AddDamage(uint64_t offset, std::string check, std::string text) {
   ++damage_count;
   if (damage.size() < kDamageKept) {
     damage.push_back({offset, std::move(check), std::move(text)});

@@ -39,7 +39,7 @@ struct Record {
 };
 
 // The record as the dump prints it, without its time.
-std::string Words(const Record& record);
+std::string DumpText(const Record& record);
 
 // One history at one moment, oldest record first.
 struct Snapshot {
@@ -72,7 +72,7 @@ enum class InputKind { kNone, kDump, kBackup };
 
 struct Contents {
   // Counts every damage and keeps the first ones.
-  void Note(uint64_t offset, std::string check, std::string text);
+  void AddDamage(uint64_t offset, std::string check, std::string text);
 
   std::string name;
   InputKind kind = InputKind::kNone;
