@@ -150,7 +150,7 @@ TEST(InspectReplay, TellsWhatItCannotKnow) {
 
   // Some attempts are in no dump.
   const Replay gap = ReplayRecorded(Read({first, shoot(52)}), kCalibration, false);
-  EXPECT_EQ("attempts are missing behind the last one here", gap.runs.at(0).unknown);
+  EXPECT_EQ("attempts after the last one shown are missing", gap.runs.at(0).unknown);
   EXPECT_EQ(10u, gap.runs[0].attempts.size());
   EXPECT_EQ(1u, gap.checks) << "the later sample is not compared";
 
@@ -172,7 +172,7 @@ TEST(InspectReplay, TellsWhatItCannotKnow) {
   }
   full += first.substr(first.find("DynamicExposure:"));
   const Replay lost = ReplayRecorded(Read({full}), kCalibration, false);
-  EXPECT_EQ("attempts ahead of the first recorded one are missing", lost.runs.at(0).unknown);
+  EXPECT_EQ("attempts before the first recorded one may be missing", lost.runs.at(0).unknown);
   EXPECT_TRUE(lost.runs[0].attempts.empty());
 }
 

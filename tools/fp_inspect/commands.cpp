@@ -52,7 +52,7 @@ class Outcome {
 
   int Code() {
     if (fflush(stdout) != 0 || ferror(stdout) != 0) {
-      PrintErrorf("the output cannot be written");
+      PrintErrorf("cannot write the output");
       return kFailed;
     }
     if (has_failed_) {
@@ -100,8 +100,8 @@ std::vector<ReadResult> ReadAll(const std::string& input, InputKind kind) {
     if (left_out > 0) {
       results.push_back(
           {.path = input,
-           .warning = fmt::format("{}: left out {} links to folders, pipes and devices", input,
-                                  left_out)});
+           .warning = fmt::format("{}: entries skipped (links to folders, pipes, devices): {}",
+                                  input, left_out)});
     }
   } catch (const InputError& error) {
     results.push_back({.path = input, .error = error.what()});
@@ -305,7 +305,7 @@ int RunReplay(const Options& options) {
   Replay replay = ReplayRecorded(device, options.calibration, options.fit_sensor);
   if (options.fit_sensor && !replay.fit) {
     PrintErrorf(
-        "--model: the images are too few, or their quality has no maximum over the raw mean");
+        "--model: no fit: fewer than 20 images, or image quality has no maximum over the raw mean");
     return kFailed;
   }
   for (const Settings& settings : options.variants) {
@@ -318,7 +318,7 @@ int RunReplay(const Options& options) {
     return code;
   }
   if (replay.runs.empty() || (options.check_replay && replay.checks == 0)) {
-    PrintErrorf("no dump has a bring-up, the controller and its attempts");
+    PrintErrorf("no dump has a successful bring-up, the exposure controller and attempts");
     return kNoRecord;
   }
   return options.check_replay && !replay.Agrees() ? kDiffers : kDone;
@@ -350,7 +350,7 @@ int RunCompare(const Options& options) {
   if (code == kFailed || code == kNoRecord || has_both) {
     return options.exit_code && comparison.differs && code != kFailed ? kDiffers : code;
   }
-  PrintErrorf("no attempt in one of the groups");
+  PrintErrorf("one side has no attempts");
   return kNoRecord;
 }
 

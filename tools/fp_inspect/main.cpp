@@ -24,15 +24,17 @@ namespace fp_inspect {
 namespace {
 
 constexpr char kFooter[] =
-    "IN is a dump, a bug report, a backup file of a history, a folder of these, or - for the\n"
-    "standard input.\n\n"
-    "Exit codes: 0 done, 1 failed, 2 wrong options, 3 no record in any input, 4 damage seen (the\n"
-    "output is complete as far as readable), 5 a difference (compare --exit-code, replay --check).";
+    "IN is a dump, a bug report, a history's backup file, a folder of these, or - for standard\n"
+    "input.\n\n"
+    "Exit codes: 0 success, 1 failure, 2 invalid options, 3 no record in any input, 4 damaged "
+    "input\n"
+    "(the output covers everything readable), 5 difference found (compare --exit-code,\n"
+    "replay --check).";
 
 CLI::Validator MakeValidator(const std::string& name, bool (*is_valid)(const std::string&)) {
   return CLI::Validator(
       [=](const std::string& text) {
-        return is_valid(text) ? "" : fmt::format("\"{}\" is no {}", text, name);
+        return is_valid(text) ? "" : fmt::format("\"{}\" is not a valid {}", text, name);
       },
       "", name);
 }
@@ -45,27 +47,29 @@ void AddInputs(CLI::App* command, Options* options) {
       ->required()
       ->type_name("IN");
   command
-      ->add_option("--kind", options->kind, "what the inputs are: auto, dump (any text) or backup")
-      ->transform(CLI::Transformer(kinds))
-      ->check(CLI::IsMember({InputKind::kNone, InputKind::kDump, InputKind::kBackup}))
+      ->add_option("--kind", options->kind, "type of the inputs: auto, dump (any text) or backup")
+      ->transform(CLI::CheckedTransformer(kinds).description(""))
       ->type_name("KIND")
       ->default_str("auto");
 }
 
 void AddFormat(CLI::App* command, Options* options, const std::vector<std::string>& formats) {
-  command->add_option("--format", options->format, fmt::format("{}", fmt::join(formats, ", ")))
-      ->check(CLI::IsMember(formats))
+  command
+      ->add_option("--format", options->format,
+                   fmt::format("output format: {}", fmt::join(formats, ", ")))
+      ->check(CLI::IsMember(formats).description(""))
       ->type_name("FORMAT")
       ->default_str("text");
 }
 
 void AddDevice(CLI::App* command, Options* options) {
   command->add_flag("--salvage", options->salvage,
-                    "take the records too that read behind a damage");
+                    "include readable records after damage in a backup file");
   command
-      ->add_option("--tz", options->zone,
-                   "zone of the device's local times, as Europe/Berlin; else what a bug report "
-                   "says, else the machine's")
+      ->add_option(
+          "--tz", options->zone,
+          "time zone of the device's local times, e.g. Europe/Berlin; default: that of the bug "
+          "report, otherwise this machine's")
       ->check(MakeValidator("time zone", Zone::Exists))
       ->type_name("ZONE");
 }
@@ -73,11 +77,13 @@ void AddDevice(CLI::App* command, Options* options) {
 void AddPeriod(CLI::App* command, Options* options) {
   AddDevice(command, options);
   command
-      ->add_option("--since", options->since,
-                   "leave out what is before; 2026-03-04, 2026-03-04 05:06[:07] or @epoch")
+      ->add_option(
+          "--since", options->since,
+          "only records from this time on: 2026-03-04, \"2026-03-04 05:06[:07]\" or @SECONDS "
+          "since the epoch")
       ->check(MakeValidator("time", IsValidTime))
       ->type_name("TIME");
-  command->add_option("--until", options->until, "leave out this moment and what is behind")
+  command->add_option("--until", options->until, "only records before this time")
       ->check(MakeValidator("time", IsValidTime))
       ->type_name("TIME");
 }
@@ -86,30 +92,35 @@ void AddSummary(CLI::App* app, Options* options) {
   static const std::map<std::string, GroupBy> periods = {
       {"day", GroupBy::kDay}, {"hour", GroupBy::kHour}, {"burst", GroupBy::kBurst}};
   CLI::App* const command = app->add_subcommand(
-      "summary", "One device: how many attempts fail, and why. Several inputs are one timeline.");
+      "summary",
+      "Show how many attempts of one device fail, and why. Merges the inputs into one timeline.");
   AddInputs(command, options);
   AddPeriod(command, options);
   AddFormat(command, options, {"text", "jsonl"});
-  command->add_option("--by", options->group_by, "also a line for each day, hour or burst")
-      ->transform(CLI::CheckedTransformer(periods))
+  command->add_option("--by", options->group_by, "also show a line for each day, hour or burst")
+      ->transform(CLI::CheckedTransformer(periods).description(""))
       ->type_name("PERIOD");
 }
 
 void AddList(CLI::App* app, Options* options, std::vector<std::string>* conditions) {
-  CLI::App* const command = app->add_subcommand("list", "The records, one a line.");
+  CLI::App* const command = app->add_subcommand("list", "List the records, one per line.");
   AddInputs(command, options);
   AddPeriod(command, options);
   AddFormat(command, options, {"text", "jsonl", "csv"});
-  command->add_flag("--failed", options->filter.failed, "failed attempts and enrollments only");
+  command->add_flag("--failed", options->filter.failed, "only failed attempts and enrollments");
   command
-      ->add_option("--reason", options->filter.reason,
-                   "with this reason or acquisition error only, as \"Low quality\" or TOO_DARK")
+      ->add_option(
+          "--reason", options->filter.reason,
+          "only records with this failure reason or acquisition error, e.g. \"Low quality\" or "
+          "TOO_DARK")
       ->type_name("REASON");
-  command->add_option("--finger", options->filter.finger, "of this finger only")->type_name("FID");
+  command->add_option("--finger", options->filter.finger, "only records of this finger id")
+      ->type_name("FID");
   command
-      ->add_option("--where", *conditions,
-                   "where a field compares so with a number, as 't_cov<60'; repeatable, all must "
-                   "hold")
+      ->add_option(
+          "--where", *conditions,
+          "only records whose field matches, e.g. 't_cov<60'; repeatable, all conditions must "
+          "match")
       ->type_name("CONDITION")
       ->allow_extra_args(false);
 }
@@ -117,21 +128,25 @@ void AddList(CLI::App* app, Options* options, std::vector<std::string>* conditio
 void AddVerify(CLI::App* app, Options* options) {
   CLI::App* const command = app->add_subcommand(
       "verify",
-      "What the service would load of a file, where the damage is, what reads behind it.");
+      "Show which records the service would load, where a file is damaged, and how many records "
+      "after the damage are readable.");
   AddInputs(command, options);
   AddFormat(command, options, {"text", "jsonl"});
 }
 
 void AddFleet(CLI::App* app, Options* options) {
   CLI::App* const command = app->add_subcommand(
-      "fleet", "Many devices, each an input or an entry of a folder: the worst, causes, outliers.");
+      "fleet",
+      "Rank many devices, one per input or folder entry: worst devices, causes, outliers.");
   AddInputs(command, options);
   AddPeriod(command, options);
   AddFormat(command, options, {"text", "jsonl"});
-  command->add_option("-j,--jobs", options->jobs, "inputs read at once; default: one a processor")
+  command
+      ->add_option("-j,--jobs", options->jobs,
+                   "inputs to read in parallel; default: one per processor")
       ->check(CLI::Range(1U, 256U))
       ->type_name("N");
-  command->add_option("--top", options->top, "so many of the worst are shown")
+  command->add_option("--top", options->top, "number of devices to show, worst first")
       ->capture_default_str()
       ->type_name("N");
 }
@@ -146,28 +161,30 @@ struct ReplayArguments {
 void AddReplay(CLI::App* app, Options* options, ReplayArguments* arguments) {
   CLI::App* const command = app->add_subcommand(
       "replay",
-      "Exposure steps from the recorded attempts, and the first other one if settings "
-      "had been others.");
+      "Reconstruct the exposure steps from the recorded attempts. With --set or --sweep, also find "
+      "the first step that other settings would change.");
   AddInputs(command, options);
   AddDevice(command, options);
   AddFormat(command, options, {"text", "jsonl"});
   command
-      ->add_option("--calibration", arguments->calibration,
-                   "the sensor's exposure in ms and its base, as 60:300; without it bounds are "
-                   "not applied")
+      ->add_option(
+          "--calibration", arguments->calibration,
+          "calibrated exposure in ms and exposure base, e.g. 60:300; without it, bounds are "
+          "not applied")
       ->type_name("MS:BASE");
   command
       ->add_option("--set", arguments->settings,
-                   "another setting of the controller, as frr_threshold=10; repeatable, all apply")
+                   "controller setting to change, e.g. frr_threshold=10; repeatable, all apply")
       ->type_name("NAME=VALUE")
       ->allow_extra_args(false);
   command
-      ->add_option("--sweep", arguments->sweep, "each of several values, as frr_threshold=10:40:5")
+      ->add_option("--sweep", arguments->sweep,
+                   "values of one setting to try, e.g. frr_threshold=10:40:5")
       ->type_name("NAME=FROM:TO:BY");
   command->add_flag("--check", options->check_replay,
-                    "compare the sample with the one in each dump");
+                    "compare the replayed sample with the one in each dump");
   command->add_flag("--model", options->fit_sensor,
-                    "fit the sensor and model what is behind the first other step");
+                    "fit a sensor model and predict the images after the first different step");
 }
 
 void ParseReplay(const ReplayArguments& arguments, Options* options) try {
@@ -189,10 +206,10 @@ void ParseReplay(const ReplayArguments& arguments, Options* options) try {
   const Settings any = options->variants.empty() ? Settings() : options->variants.front();
   const bool sets_bound = any.contains("upper_bound_us") || any.contains("lower_bound_us");
   if (!options->calibration && (options->fit_sensor || sets_bound)) {
-    throw std::invalid_argument("--model and bounds need --calibration");
+    throw std::invalid_argument("--model and exposure bounds require --calibration");
   }
   if (options->fit_sensor && any.empty()) {
-    throw std::invalid_argument("--model needs --set or --sweep");
+    throw std::invalid_argument("--model requires --set or --sweep");
   }
 } catch (const std::invalid_argument& error) {
   throw CLI::ValidationError("replay", error.what());
@@ -201,15 +218,17 @@ void ParseReplay(const ReplayArguments& arguments, Options* options) try {
 void AddCompare(CLI::App* app, Options* options) {
   CLI::App* const command = app->add_subcommand(
       "compare",
-      "What differs between two devices, or before and after: compare A... -- B...; or since when "
-      "one device differs from before.");
+      "Compare two devices, or one device before and after a change: compare A... -- B... With "
+      "--since-when, find out when one device changed.");
   AddInputs(command, options);
   CLI::Option* const side_b =
-      command->add_option("--against", options->side_b_inputs, "the inputs of B; -- says the same")
+      command->add_option("--against", options->side_b_inputs, "the inputs of side B; same as --")
           ->type_name("IN");
-  command->add_flag("--since-when", options->since_when, "look for one change in the inputs")
+  command
+      ->add_flag("--since-when", options->since_when, "find the time of a change within the inputs")
       ->excludes(side_b);
-  command->add_flag("--exit-code", options->exit_code, "exit with 5 if a difference is shown");
+  command->add_flag("--exit-code", options->exit_code,
+                    "exit with code 5 if there is a significant difference");
   AddPeriod(command, options);
   AddFormat(command, options, {"text", "jsonl", "csv"});
 }
@@ -230,7 +249,7 @@ int Main(int argc, char** argv) {
   std::vector<std::string> conditions;
   ReplayArguments replay;
   std::string form;
-  CLI::App app("reads fingerprint dumps and histories, and says why unlocks fail");
+  CLI::App app("find out from fingerprint dumps and histories why unlocks fail");
   app.footer(kFooter);
   AddSummary(&app, &options);
   AddList(&app, &options, &conditions);
@@ -258,7 +277,7 @@ int Main(int argc, char** argv) {
       throw CLI::RequiredError("summary, list, verify, fleet, replay or compare");
     }
     if (app.got_subcommand("compare") && options.side_b_inputs.empty() && !options.since_when) {
-      throw CLI::RequiredError("-- and the inputs of B, or --since-when");
+      throw CLI::RequiredError("-- IN... for side B, or --since-when,");
     }
   } catch (const CLI::ParseError& error) {
     return app.exit(error) == 0 ? kDone : kUsage;

@@ -84,8 +84,8 @@ class Simulation {
       within += change && change->earliest <= at && at <= change->latest ? 1 : 0;
     }
     fmt::print(
-        "{} days, changed in the middle: shown in {:.1f} % of {}, between the times told in "
-        "{:.1f} % of these\n",
+        "{} days, second device from the middle on: change found in {:.1f} % of {} timelines, its "
+        "time within the reported interval in {:.1f} % of these\n",
         days, 100.0 * static_cast<double>(shown) / static_cast<double>(series), series,
         100.0 * static_cast<double>(within) / static_cast<double>(std::max<size_t>(shown, 1)));
   }
@@ -100,8 +100,8 @@ void Measure(const std::string& reports) {
   Simulation simulation;
   for (const size_t days : {1, 3, 6}) {
     fmt::print(
-        "{} days: a difference is shown between {:.1f} % of 1,000 pairs of good devices, "
-        "{:.1f} % of bad ones, {:.1f} % of a good and a bad one\n",
+        "{} days: a difference is found in {:.1f} % of 1,000 pairs of good devices, {:.1f} % of "
+        "pairs of bad ones, {:.1f} % of pairs of a good and a bad one\n",
         days, simulation.Shown(good, good, days, 1000), simulation.Shown(bad, bad, days, 1000),
         simulation.Shown(good, bad, days, 1000));
   }

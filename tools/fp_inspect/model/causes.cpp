@@ -38,30 +38,30 @@ constexpr ValueCause kValueCauses[] = {
     {"low_coverage",
      [](const AuthEventG7& a, const Thresholds& t) { return a.iq >= t.iq && a.t_cov < t.coverage; },
      [](const Thresholds& t) {
-       return fmt::format("finger covers < {:.0f} %, image good", t.coverage);
+       return fmt::format("low coverage (t_cov < {:.0f} %, iq >= {})", t.coverage, t.iq);
      },
-     "no exposure setting changes these: finger, case, screen protector", false},
+     "not related to exposure: check finger placement, case, screen protector", false},
 };
 
 // What is known of single acquisition errors and reasons beyond their name.
 const std::map<std::string, const char*>& Meanings() {
   static const std::map<std::string, const char*> meanings = {
-      {"TOO_DARK", "the panel stayed dark or the finger is wet"},
-      {"TOO_BRIGHT", "light past the finger"},
-      {"PARTIAL", "the finger was not on the sensor"},
-      {"SENSOR_DIRTY", "clean the glass, look at the screen protector"},
-      {"TOO_FAST", "the finger lifted during the capture"},
-      {"LIFT_TOO_SOON", "the finger lifted during the capture"},
-      {"VENDOR", "the service's own code, see its log"},
-      {"Low quality", "image poor or finger not enrolled: look at iq, coverage, enrollment"},
+      {"TOO_DARK", "the panel did not light up, or the finger is wet"},
+      {"TOO_BRIGHT", "ambient light leaks past the finger"},
+      {"PARTIAL", "the finger was not fully on the sensor"},
+      {"SENSOR_DIRTY", "clean the glass, check the screen protector"},
+      {"TOO_FAST", "the finger was lifted during the capture"},
+      {"LIFT_TOO_SOON", "the finger was lifted during the capture"},
+      {"VENDOR", "vendor-specific error; see the log of the service"},
+      {"Low quality", "poor image or finger not enrolled: check iq, coverage and enrollment"},
       {"Image Partial", "the finger covered little of the sensor"},
-      {"Foreign matter", "dirt on glass or finger"},
-      {"Residual", "a print left on the glass"},
-      {"Spoof", "taken for no live finger"},
-      {"Off target", "the finger lay beside the sensor"},
-      {"Partial off target", "the finger lay partly beside the sensor"},
-      {"Too Dark", "the matcher's word; iq is not below the threshold"},
-      {"Too bright", "the matcher's word; iq is not below the threshold"},
+      {"Foreign matter", "dirt on the glass or the finger"},
+      {"Residual", "residual fingerprint on the glass"},
+      {"Spoof", "not recognised as a live finger"},
+      {"Off target", "the finger missed the sensor"},
+      {"Partial off target", "the finger was partly off the sensor"},
+      {"Too Dark", "reported by the matcher, although iq is good"},
+      {"Too bright", "reported by the matcher, although iq is good"},
   };
   return meanings;
 }
@@ -137,7 +137,8 @@ Cause CauseOf(const Record& record, const Thresholds& thresholds) {
   if (!reason.empty() && reason != "Unknown") {
     return NamedCause("matcher.", "matcher: ", reason);
   }
-  return {"open", "open", "values good, no reason: finger not enrolled, or a poor enrollment"};
+  return {"open", "unexplained",
+          "good values and no reason given: finger not enrolled, or poor enrollment"};
 }
 
 }  // namespace fp_inspect

@@ -32,15 +32,17 @@ void DarkWhileDisplayFailed(const Device& device, Summary* summary) {
   if (explained == 0) {
     return;
   }
-  const std::string note = fmt::format("{} of {} at a \"{}\"", explained, dark, kPanelNotLit);
+  const std::string note =
+      fmt::format("{} of {} coincide with \"{}\"", explained, dark, kPanelNotLit);
   for (CauseCount& count : summary->all.causes) {
     if (count.cause.id == "no_image.too_dark") {
       count.note = note;
     }
   }
-  summary->findings.push_back({"dark_at_display_error",
-                               "TOO_DARK: " + note + ": the display HAL died or refused, not light",
-                               explained, dark});
+  summary->findings.push_back(
+      {"dark_at_display_error",
+       "TOO_DARK: " + note + ": the display HAL failed; exposure is not the cause", explained,
+       dark});
 }
 
 // How many of the rejects that the matcher calls "Low quality" have a good iq.
@@ -63,8 +65,8 @@ void LowQualityContradicted(const Device& device, Summary* summary) {
   summary->findings.push_back(
       {"low_quality_contradicted",
        fmt::format(
-           "{} of {} \"Low quality\" have iq >= {}, {} of these coverage < {:.0f} %: the word "
-           "contradicts the values",
+           "{} of {} \"Low quality\" rejects have a good iq (>= {}), {} of these low coverage (< "
+           "{:.0f} %): the reason contradicts the values",
            good, reported, limits.iq, uncovered, limits.coverage),
        good, reported});
 }
@@ -89,7 +91,7 @@ void ExposureAtBound(const Device& device, Summary* summary) {
     summary->findings.push_back(
         {"exposure_at_bound",
          fmt::format(
-             "the sample calls for a step {} and was not emptied: the exposure is at its {} "
+             "the exposure sample calls for a step {} that was not made: the exposure is at its {} "
              "bound, or not calibrated",
              is_dark ? "up" : "down", is_dark ? "upper" : "lower"),
          exposure.sample_size, exposure.sample_size});
@@ -103,16 +105,16 @@ void LostRecords(const Device& device, Summary* summary) {
   if (lost > 0) {
     summary->findings.push_back(
         {"history_lost_past",
-         fmt::format("{} of {} gaps lie before a history that was not full: the file was damaged, "
-                     "or the process killed during a save",
+         fmt::format("{} of {} gaps precede a history that was not full: its backup file was "
+                     "damaged, or the process was killed during a save",
                      lost, attempts.gaps.size()),
          lost, attempts.gaps.size()});
   }
   if (attempts.dropped > 0) {
     summary->findings.push_back(
         {"records_dropped",
-         fmt::format("{} attempts of an earlier dump are missing in a later one: a restart before "
-                     "the next save, or a damaged file",
+         fmt::format("{} attempts of an earlier dump are missing from a later one: the service "
+                     "restarted before it saved them, or the backup file was damaged",
                      attempts.dropped),
          attempts.dropped, attempts.records.size()});
   }

@@ -46,17 +46,17 @@ constexpr Measure kMeasures[] = {
      [](const Observation& s) { return Value(s.HasImage() ? 0 : 1); }},
     {"rejected", "rejected", true,
      [](const Observation& s) { return ValueIf(s.HasImage(), IsRejected(s.attempt)); }},
-    {"t_cov", "coverage", false,
+    {"t_cov", "coverage (%)", false,
      [](const Observation& s) { return ValueIf(s.HasImage() && s.g7, s.attempt.t_cov); }},
-    {"rejected.covered", "rejected where covered", true,
+    {"rejected.covered", "rejected (covered)", true,
      [](const Observation& s) { return ValueIf(s.IsCovered(), IsRejected(s.attempt)); }},
-    {"rejected.uncovered", "rejected where not covered", true,
+    {"rejected.uncovered", "rejected (not covered)", true,
      [](const Observation& s) { return ValueIf(s.IsUncovered(), IsRejected(s.attempt)); }},
-    {"iq", "quality where covered", false,
+    {"iq", "image quality (covered)", false,
      [](const Observation& s) { return ValueIf(s.IsCovered(), s.attempt.iq); }},
-    {"rawmean_delta", "raw mean where covered", false,
+    {"rawmean_delta", "raw mean (covered)", false,
      [](const Observation& s) { return ValueIf(s.IsCovered(), s.attempt.rawmean_delta); }},
-    {"latency", "latency", false,
+    {"latency", "latency (ms)", false,
      [](const Observation& s) { return ValueIf(s.HasImage(), s.attempt.latency); }},
 };
 
@@ -186,9 +186,9 @@ std::string Side(const CompareRow& row, const BurstSum& side) {
 
 std::string Evidence(const Comparison& comparison, const CompareRow& row) {
   const double scale = row.is_share ? 100 : 1;
-  return fmt::format("{}p = {:.2g} corrected for {} rows, {} and {} bursts",
+  return fmt::format("{}p = {:.2g} after correction for {} rows, {} and {} bursts",
                      row.HasInterval()
-                         ? fmt::format("difference {:+.0f} to {:+.0f}, ",
+                         ? fmt::format("95 % interval of the difference {:+.0f} to {:+.0f}, ",
                                        scale * row.difference.low, scale * row.difference.high)
                          : "",
                      *row.p, comparison.tested, comparison.bursts[0], comparison.bursts[1]);
@@ -202,10 +202,9 @@ const CompareRow& Find(const Comparison& comparison, const std::string& id) {
 // States the evidence of one row, and names the other rows that show a difference.
 std::string DescribeDifference(const Comparison& comparison, const CompareRow& row,
                                const std::string& a, const std::string& b) {
-  std::string text =
-      fmt::format("There is {} evidence that {} and {} differ: {} {} against {} ({})",
-                  *row.p <= 0.01 ? "strong" : "moderate", a, b, row.title, Side(row, row.a),
-                  Side(row, row.b), Evidence(comparison, row));
+  std::string text = fmt::format("{} evidence that {} and {} differ: {} {} vs. {} ({})",
+                                 *row.p <= 0.01 ? "Strong" : "Moderate", a, b, row.title,
+                                 Side(row, row.a), Side(row, row.b), Evidence(comparison, row));
   const char* separator = "; also ";
   for (const CompareRow& other : comparison.rows) {
     if (other.IsSignificant() && &other != &row) {
@@ -216,26 +215,27 @@ std::string DescribeDifference(const Comparison& comparison, const CompareRow& r
   const CompareRow& covered = Find(comparison, "rejected.covered");
   const bool is_coverage =
       Find(comparison, "t_cov").IsSignificant() && covered.p && !covered.IsSignificant();
-  return text + (is_coverage ? "; no difference shown in rejects of covered images." : ".");
+  return text + (is_coverage ? "; no significant difference in rejects of covered images." : ".");
 }
 
 std::string DescribeNoDifference(const Comparison& comparison) {
   if (comparison.tested == 0) {
-    return "No difference shown: no row has 20 records on each side and varies.";
+    return "No significant difference: too few records or failures to test any row.";
   }
   const size_t bursts = comparison.bursts[0] + comparison.bursts[1];
   const double smallest =
       SmallestP(bursts, comparison.bursts[0]) * static_cast<double>(comparison.tested);
   if (smallest > 0.05) {
-    return fmt::format("No difference shown: {} and {} bursts are too few to show one in {} rows.",
+    return fmt::format("No significant difference: {} and {} bursts are too few to test {} rows.",
                        comparison.bursts[0], comparison.bursts[1], comparison.tested);
   }
   double p = 1;
   for (const CompareRow& row : comparison.rows) {
     p = std::min(p, row.p.value_or(1));
   }
-  return fmt::format("No difference shown: the least p of {} rows in {} and {} bursts is {:.2g}.",
-                     comparison.tested, comparison.bursts[0], comparison.bursts[1], p);
+  return fmt::format(
+      "No significant difference: the smallest corrected p is {:.2g} ({} rows, {} and {} bursts).",
+      p, comparison.tested, comparison.bursts[0], comparison.bursts[1]);
 }
 
 }  // namespace
@@ -268,7 +268,7 @@ Comparison CompareSinceWhen(const std::vector<Record>& attempts, const Threshold
   table.Test(true, largest, &comparison);
   if (!comparison.differs) {
     comparison.rows.clear();
-    comparison.verdict = fmt::format("No difference shown: no change in {} attempts of {} bursts.",
+    comparison.verdict = fmt::format("No significant change in {} attempts ({} bursts).",
                                      attempts.size(), table.Count());
     return comparison;
   }
@@ -284,7 +284,7 @@ Comparison CompareSinceWhen(const std::vector<Record>& attempts, const Threshold
                        table.TimeOf(range.last)};
   const std::string since = zone.Text(comparison.change->at, "%Y-%m-%d %H:%M");
   comparison.verdict =
-      DescribeDifference(comparison, *best, "the attempts before " + since, "those since");
+      DescribeDifference(comparison, *best, "attempts before " + since, "later ones");
   return comparison;
 }
 

@@ -71,11 +71,12 @@ Setting ParseSetting(const std::string& text) {
       if (const auto parsed = ParseAsProperty(value)) {
         return {name, *parsed};
       }
-      throw std::invalid_argument(fmt::format("{} does not take \"{}\"", name, value));
+      throw std::invalid_argument(fmt::format("invalid value \"{}\" for {}", value, name));
     }
     names += fmt::format(" {}", known.property);
   }
-  throw std::invalid_argument(fmt::format("the controller reads no \"{}\", but{}", name, names));
+  throw std::invalid_argument(
+      fmt::format("unknown setting \"{}\"; valid settings:{}", name, names));
 }
 
 std::vector<Setting> ParseSweep(const std::string& text) {
@@ -89,7 +90,7 @@ std::vector<Setting> ParseSweep(const std::string& text) {
   const uint32_t by = value_after(second, text.size());
   if (by == 0 || to < from.second || (to - from.second) / by >= kMaxSweepValues) {
     throw std::invalid_argument(
-        fmt::format("\"{}\" is no NAME=FROM:TO:BY of up to {} values", text, kMaxSweepValues));
+        fmt::format("\"{}\" is not NAME=FROM:TO:BY with 1 to {} values", text, kMaxSweepValues));
   }
   std::vector<Setting> values;
   for (uint64_t value = from.second; value <= to; value += by) {
@@ -106,7 +107,7 @@ Calibration Calibration::Parse(const std::string& text) {
   const auto base = std::from_chars(colon == end ? end : colon + 1, end, calibration.base);
   if (colon != expo.ptr || base.ptr != end || !std::isnormal(calibration.expo) ||
       !std::isnormal(calibration.base) || calibration.expo < 0 || calibration.base < 0) {
-    throw std::invalid_argument(fmt::format("\"{}\" is no MS:BASE, as 60:300", text));
+    throw std::invalid_argument(fmt::format("\"{}\" is not MS:BASE, e.g. 60:300", text));
   }
   return calibration;
 }

@@ -169,14 +169,14 @@ std::optional<Filter::Condition> Filter::Condition::Parse(const std::string& tex
   const size_t op = text.find_first_of("<>=!");
   const size_t number = op == text.npos ? op : text.find_first_not_of("<>=!", op);
   if (number == text.npos) {
-    *why = "a condition is FIELD OPERATOR NUMBER, as t_cov<60";
+    *why = "a condition has the form FIELD OPERATOR NUMBER, e.g. t_cov<60";
     return std::nullopt;
   }
   Condition condition = {.field = text.substr(0, op), .op = text.substr(op, number - op)};
   const auto& names = FieldNames();
   const bool known = std::find(names.begin(), names.end(), condition.field) != names.end();
   if (!known || IsTextField(condition.field)) {
-    *why = fmt::format("\"{}\" is no field with numbers", condition.field);
+    *why = fmt::format("\"{}\" is not a numeric field", condition.field);
     return std::nullopt;
   }
   constexpr std::string_view kOperators[] = {"<", "<=", ">", ">=", "=", "==", "!="};
@@ -185,7 +185,7 @@ std::optional<Filter::Condition> Filter::Condition::Parse(const std::string& tex
   if (std::find(std::begin(kOperators), std::end(kOperators), condition.op) ==
           std::end(kOperators) ||
       read.ec != std::errc() || read.ptr != end) {
-    *why = fmt::format("\"{}\" is no comparison with a number", text.substr(op));
+    *why = fmt::format("\"{}\" is not an operator followed by a number", text.substr(op));
     return std::nullopt;
   }
   return condition;

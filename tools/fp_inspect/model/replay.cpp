@@ -40,11 +40,11 @@ void AddAttempts(const Timeline& timeline, size_t first, size_t end, Run* run) {
   for (size_t i = first; i < end; ++i) {
     const Record& record = timeline.records[i];
     if (i > first && FollowsGap(timeline, i)) {
-      run->unknown = "attempts are missing behind the last one here";
+      run->unknown = "attempts after the last one shown are missing";
       return;
     }
     if (!record.g7) {
-      run->unknown = "the next attempt lacks the fields that the controller reads";
+      run->unknown = "the next attempt lacks fields that the controller needs";
       return;
     }
     run->attempts.push_back(*record.Attempt());
@@ -57,7 +57,7 @@ Run MakeRun(const Timeline& timeline, const std::vector<const ControllerDump*>& 
   Run run = {.begin = dumps.front()->begin, .settings = SettingsOf(dumps.front()->exposure)};
   const auto first = FirstAttempt(timeline, run.begin);
   if (!first) {
-    run.unknown = "attempts ahead of the first recorded one are missing";
+    run.unknown = "attempts before the first recorded one may be missing";
     return run;
   }
   size_t end = *first;

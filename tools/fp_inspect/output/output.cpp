@@ -36,7 +36,7 @@ void PrintDamage(const Device& device) {
     PrintErrorf("damage at byte {}: {} ({})", damage.offset, Printable(damage.text), damage.check);
   }
   if (device.damage_count > kDamageShown) {
-    PrintErrorf("{} more", device.damage_count - kDamageShown);
+    PrintErrorf("{} more damaged places", device.damage_count - kDamageShown);
   }
 }
 

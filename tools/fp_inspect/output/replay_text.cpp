@@ -13,25 +13,26 @@ std::string ExpoText(const ExposureStep& step) {
 }
 
 std::string SampleText(const Run& run, const Sample& sample, const Zone& zone) {
-  return fmt::format("{} attempts from {}: {} of {} images rejected, iq {:.2f}, raw {:.2f}",
-                     sample.last - sample.first + 1, zone.Text(run.times[sample.first], "%H:%M:%S"),
-                     sample.rejected, sample.images, sample.avg_iq, sample.avg_raw_mean);
+  return fmt::format(
+      "{} attempts since {}: {} of {} images rejected, mean iq {:.2f}, mean raw {:.2f}",
+      sample.last - sample.first + 1, zone.Text(run.times[sample.first], "%H:%M:%S"),
+      sample.rejected, sample.images, sample.avg_iq, sample.avg_raw_mean);
 }
 
 std::string StepText(const Run& run, const ExposureStep& step, const Zone& zone) {
-  return fmt::format("{} to step {}{}, on {}", step.up ? "up" : "down", step.step, ExpoText(step),
-                     SampleText(run, step.sample, zone));
+  return fmt::format("step {} to {}{}, based on {}", step.up ? "up" : "down", step.step,
+                     ExpoText(step), SampleText(run, step.sample, zone));
 }
 
 std::string ExposureText(const Exposure& exposure) {
-  return fmt::format("{} attempts, FRR {:.2f} %, iq {:.2f}, raw {:.2f}", exposure.sample_size,
-                     exposure.frr, exposure.avg_iq, exposure.avg_raw_mean);
+  return fmt::format("{} attempts, FRR {:.2f} %, mean iq {:.2f}, mean raw {:.2f}",
+                     exposure.sample_size, exposure.frr, exposure.avg_iq, exposure.avg_raw_mean);
 }
 
 void PrintRun(const Run& run, const Device& device, bool check_replay, const Zone& zone) {
-  fmt::print("bring-up of {}: {} attempts, {} of {} images rejected{}{}\n", zone.Text(run.begin),
+  fmt::print("bring-up at {}: {} attempts, {} of {} images rejected{}{}\n", zone.Text(run.begin),
              run.attempts.size(), run.recorded.rejected, run.images,
-             run.recorded.steps.empty() ? ", no step" : "",
+             run.recorded.steps.empty() ? ", no exposure step" : "",
              run.unknown.empty() ? "" : " (" + run.unknown + ")");
   for (const ExposureStep& step : run.recorded.steps) {
     fmt::print("  {} {}\n", zone.Text(run.times[step.at]), StepText(run, step, zone));
@@ -39,18 +40,18 @@ void PrintRun(const Run& run, const Device& device, bool check_replay, const Zon
   for (size_t i = 0; check_replay && i < run.checks.size(); ++i) {
     const ReplayCheck& of_dump = run.checks[i];
     fmt::print(
-        "{} {} behind attempt {}: {}{}\n", of_dump.Agrees() ? " " : "!",
+        "{} {} after attempt {}: {}{}\n", of_dump.Agrees() ? " " : "!",
         Printable(device.sources[of_dump.source]), of_dump.attempts, ExposureText(of_dump.dumped),
-        of_dump.Agrees() ? ", as replayed" : "; replayed: " + ExposureText(of_dump.replayed));
+        of_dump.Agrees() ? ", same as replay" : "; replay: " + ExposureText(of_dump.replayed));
   }
 }
 
 void PrintFit(const SensorFit& fit) {
   fmt::print(
-      "fit of {} images:\n"
-      "  raw = {:.2f} * ms, error {:.0f} %\n"
-      "  iq = {:.1f} - {:.1f} * ((raw - {:.0f}) / 1000)^2, error {:.1f}\n"
-      "  rejected below iq {}, wrong for {} of {} covered images\n",
+      "sensor model fitted to {} images:\n"
+      "  raw = {:.2f} * exposure in ms, standard deviation {:.0f} %\n"
+      "  iq = {:.1f} - {:.1f} * ((raw - {:.0f}) / 1000)^2, standard deviation {:.1f}\n"
+      "  rejected if iq < {}: wrong for {} of {} covered images\n",
       fit.images, fit.raw_per_ms, 100 * fit.raw_error, fit.best_quality, fit.falloff, fit.best_raw,
       fit.quality_error, fit.iq_cut, fit.wrong, fit.covered);
 }
@@ -60,7 +61,7 @@ void PrintDeparture(const Departure& departure, const Run& run, const Zone& zone
   fmt::print("  {} attempt {}: {}", zone.Text(run.times[at]), at + 1,
              other ? StepText(run, *other, zone) : "no step");
   if (recorded) {
-    fmt::print("; recorded: {}", StepText(run, *recorded, zone));
+    fmt::print("; with the recorded settings: {}", StepText(run, *recorded, zone));
   }
   fmt::print("\n");
   if (!modelled) {
@@ -71,8 +72,9 @@ void PrintDeparture(const Departure& departure, const Run& run, const Zone& zone
     steps += fmt::format("{} {} to {:.3f} ms", steps.empty() ? "" : ",",
                          zone.Text(run.times[step.at], "%H:%M:%S"), step.expo);
   }
-  fmt::print("    modelled: {} of {} images rejected (recorded {}); steps:{}\n", modelled->rejected,
-             run.images, run.recorded.rejected, steps.empty() ? " none" : steps);
+  fmt::print("    modelled: {} of {} images rejected (recorded: {}); steps:{}\n",
+             modelled->rejected, run.images, run.recorded.rejected,
+             steps.empty() ? " none" : steps);
 }
 
 void PrintVariant(const Variant& variant, const Replay& replay, const Zone& zone) {
@@ -80,7 +82,7 @@ void PrintVariant(const Variant& variant, const Replay& replay, const Zone& zone
   for (const auto& [name, value] : variant.settings) {
     settings += fmt::format(" {}={}", name, value);
   }
-  fmt::print("with{}: another step after {} of {} bring-ups\n", settings, variant.departures.size(),
+  fmt::print("with{}: steps differ after {} of {} bring-ups\n", settings, variant.departures.size(),
              replay.runs.size());
   for (const Departure& departure : variant.departures) {
     PrintDeparture(departure, replay.runs[departure.run], zone);
@@ -103,7 +105,8 @@ void PrintReplay(const Replay& replay, const Device& device, bool check_replay, 
     PrintVariant(variant, replay, zone);
   }
   if (!replay.variants.empty() && !replay.fit) {
-    fmt::print("Images behind such a step belong to another exposure: nothing is said of them.\n");
+    fmt::print(
+        "The effect on images after a different step is unknown: use --model to estimate it.\n");
   }
 }
 

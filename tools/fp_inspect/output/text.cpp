@@ -39,8 +39,8 @@ std::string SideText(const CompareRow& row, const BurstSum& side) {
     return ShareText({.k = static_cast<size_t>(side.sum), .n = side.n});
   }
   return side.n < 20
-             ? fmt::format("of {}", side.n)
-             : fmt::format("mean {:.0f} of {}", side.sum / static_cast<double>(side.n), side.n);
+             ? fmt::format("n = {}", side.n)
+             : fmt::format("mean {:.0f}, n = {}", side.sum / static_cast<double>(side.n), side.n);
 }
 
 // A row of a table without the blanks of its empty last columns.
@@ -59,7 +59,7 @@ class TextOutput : public Output {
       fmt::print(
           "{} attempts, {} to {}{}{}\n", Bold(all.attempts), zone.Text(all.first, kMinute),
           zone.Text(all.last, kMinute),
-          attempts.full ? " (history probably full: earlier ones are gone)" : "",
+          attempts.full ? " (history probably full: older attempts are lost)" : "",
           summary.salvaged > 0 ? fmt::format(", {} records salvaged", summary.salvaged) : "");
       PutShares(all);
       PutCauses(all);
@@ -112,18 +112,20 @@ class TextOutput : public Output {
                  damage.text, damage.check);
     }
     if (contents.damage_count > contents.damage.size()) {
-      fmt::print("  {} more\n", contents.damage_count - contents.damage.size());
+      fmt::print("  {} more damaged places\n", contents.damage_count - contents.damage.size());
     }
     if (salvaged > 0) {
-      fmt::print("  {} records read behind it; --salvage of the other commands takes them\n",
-                 salvaged);
+      fmt::print(
+          "  {} records after the damage are readable; other commands include them with "
+          "--salvage\n",
+          salvaged);
     }
   }
 
   void PutComparison(const Comparison& comparison, const Zone& zone) override {
     fmt::print("{}\n", Bold(Printable(comparison.verdict)));
     if (const auto& change = comparison.change; change && change->earliest < change->latest) {
-      fmt::print("the change began between {} and {}\n", zone.Text(change->earliest, kMinute),
+      fmt::print("the change happened between {} and {}\n", zone.Text(change->earliest, kMinute),
                  zone.Text(change->latest, kMinute));
     }
     if (comparison.rows.empty()) {
@@ -142,8 +144,8 @@ class TextOutput : public Output {
                          row.p ? fmt::format("{:.2g}", *row.p) : ""));
     }
     fmt::print(
-        "covered: coverage of 60 % or more; 95 %: of shares with attempts taken as independent; p: "
-        "by burst, corrected for {} rows\n",
+        "covered: t_cov of 60 % or more; 95 %: interval of the difference, for shares assuming "
+        "independent attempts; p: by bursts, corrected for {} rows\n",
         comparison.tested);
   }
 
@@ -174,7 +176,7 @@ class TextOutput : public Output {
     fmt::print("no image {}; rejected {}", all.no_image.k, ShareText(all.rejected));
     if (all.rejected.IsLarge()) {
       const Interval range = all.rejected.Range();
-      fmt::print("  (95 %: {:.0f} to {:.0f}, taken as independent; they come in {} burst{})",
+      fmt::print("  (95 % interval {:.0f} to {:.0f} %, assuming independent attempts; {} burst{})",
                  100 * range.low, 100 * range.high, all.bursts, all.bursts == 1 ? "" : "s");
     }
     fmt::print("\n");
@@ -185,7 +187,7 @@ class TextOutput : public Output {
       return;
     }
     const Share& failures = all.causes.front().of_failures;
-    PutRow(fmt::format("{:<44}{:>5}{:>8}{:>9}", fmt::format("why ({} failures)", failures.n), "n",
+    PutRow(fmt::format("{:<44}{:>5}{:>8}{:>9}", fmt::format("cause ({} failures)", failures.n), "n",
                        failures.IsLarge() ? "share" : "", failures.IsLarge() ? "95 %" : ""));
     for (const CauseCount& count : all.causes) {
       const Share& share = count.of_failures;
@@ -200,14 +202,15 @@ class TextOutput : public Output {
 
   static void PutGaps(const Timeline& attempts, const Zone& zone) {
     for (const Gap& gap : attempts.gaps) {
-      fmt::print("  gap: nothing is known from {} to {}{}\n", zone.Text(gap.from, kMinute),
-                 zone.Text(gap.to, kMinute), gap.lost_past ? " (a history lost its past)" : "");
+      fmt::print("  gap: no records from {} to {}{}\n", zone.Text(gap.from, kMinute),
+                 zone.Text(gap.to, kMinute),
+                 gap.lost_past ? " (older records of a history were lost)" : "");
     }
   }
 
   static void PutCounts(const Summary& summary) {
     if (summary.enrolled + summary.enroll_failed + summary.deleted > 0) {
-      fmt::print("fingers: {} enrolled, {} failed, {} deleted\n", summary.enrolled,
+      fmt::print("enrollments: {} succeeded, {} failed; {} fingers deleted\n", summary.enrolled,
                  summary.enroll_failed, summary.deleted);
     }
     if (summary.critical_errors > 0) {
@@ -232,7 +235,7 @@ class TextOutput : public Output {
   }
 
   void PutWorst(const Fleet& fleet, size_t top) const {
-    fmt::print("{:<40}{:>9}{:>9}  {:<20}{:>9}  {}\n", "worst by the lower bound", "attempts",
+    fmt::print("{:<40}{:>9}{:>9}  {:<20}{:>9}  {}\n", "worst first, by lower bound", "attempts",
                "no image", "rejected", "95 %", "most frequent cause");
     for (size_t i = 0; i < std::min(top, fleet.rows.size()); ++i) {
       const FleetRow& row = fleet.rows[i];
@@ -243,7 +246,7 @@ class TextOutput : public Output {
                          Printable(name), row.attempts, row.no_image.k, ShareText(row.rejected),
                          row.rejected.IsLarge() ? RangeText(row.rejected) : "",
                          Printable(row.top_cause.cause.title),
-                         row.has_findings ? " (see summary)" : ""));
+                         row.has_findings ? " (findings: see summary)" : ""));
     }
   }
 
@@ -252,10 +255,10 @@ class TextOutput : public Output {
       return;
     }
     std::vector<double> shares = fleet.shares;
-    fmt::print("reject share of {} devices with 20 images or more:", shares.size());
+    fmt::print("reject rate of {} devices with 20 images or more:", shares.size());
     for (const auto& [name, q] :
-         {std::pair("least", 0.0), std::pair("quarter", 0.25), std::pair("median", 0.5),
-          std::pair("three quarters", 0.75), std::pair("95 %", 0.95), std::pair("most", 1.0)}) {
+         {std::pair("min", 0.0), std::pair("25th percentile", 0.25), std::pair("median", 0.5),
+          std::pair("75th", 0.75), std::pair("95th", 0.95), std::pair("max", 1.0)}) {
       fmt::print(" {} {}{}", name, Percent(Quantile(shares, q)), q < 1 ? "," : "\n");
     }
     const auto outliers = std::count_if(fleet.rows.begin(), fleet.rows.end(),

@@ -166,10 +166,10 @@ class BackupReader {
     }
     const auto header = ScanHeader(at);
     if (!header) {
-      return Stop("header", "no frame begins here");
+      return Stop("header", "no valid frame header");
     }
     if (header->length > kMaxRecordText) {
-      return Stop("length", fmt::format("a frame of {} bytes is too long", header->length));
+      return Stop("length", fmt::format("frame of {} bytes is too long", header->length));
     }
     const size_t available = std::min<size_t>(header->length, at.size() - header->size);
     memcpy(buffer_, at.data() + header->size, available);
@@ -178,7 +178,7 @@ class BackupReader {
     const bool cut = available < header->length;
     if (android::fp_utils::crc32(buffer_, header->length) != header->crc) {
       return cut ? Stop("cut", "the file ends inside this frame")
-                 : Stop("crc", "the checksum of this frame differs");
+                 : Stop("crc", "checksum mismatch");
     }
     AddFrame({buffer_, header->length});
     input_.Drop(header->size + available);
@@ -199,7 +199,7 @@ class BackupReader {
     const bool is_accepted =
         record && record->GetKind() == kind_ && (kind_ != RecordKind::kEnrollment || record->g7);
     if (!is_accepted) {
-      contents_.AddDamage(input_.GetOffset(), "record", "the record of this frame does not read");
+      contents_.AddDamage(input_.GetOffset(), "record", "cannot parse the record in this frame");
     }
     contents_.loaded += is_accepted ? 1 : 0;
     if (record) {
@@ -228,7 +228,7 @@ class BackupReader {
         continue;
       }
       if (intact) {
-        Stop("frame", "another damage");
+        Stop("frame", "damaged frame");
       }
       intact = false;
       const size_t next = at.find("0x", 1);

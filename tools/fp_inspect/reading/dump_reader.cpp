@@ -215,7 +215,7 @@ class DumpReader {
     last_offset_ = offset;
     if (!record) {
       contents_.AddDamage(offset, complete ? "line" : "cut",
-                          fmt::format("record #{:03} does not read", line.index));
+                          fmt::format("cannot parse record #{:03}", line.index));
       return;
     }
     record->time = line.time;
@@ -238,7 +238,7 @@ class DumpReader {
     if (counted && expected_records_ && next_index_ < *expected_records_) {
       contents_.AddDamage(
           last_offset_, "count",
-          fmt::format("the statistics count {} attempts, the last line is that of {}",
+          fmt::format("the statistics count {} attempts, but the list ends after {}",
                       *expected_records_, next_index_));
     }
     expected_records_.reset();

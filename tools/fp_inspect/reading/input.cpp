@@ -36,7 +36,7 @@ ByteWindow::ByteWindow(const std::string& path) : path_(path), buffer_(kCapacity
     Fail(path, S_ISDIR(status.st_mode) ? "is a folder" : "is neither a file nor a pipe");
   }
   if (path != "-" && S_ISFIFO(status.st_mode) && Fill(1).empty()) {
-    Fail(path, "is a named pipe that nobody writes");
+    Fail(path, "is a named pipe without a writer");
   }
 }
 
