@@ -39,7 +39,7 @@ demo:  ## run a fingerprint service through a day on a simulated device
 	$(call build,release,fp_service)
 	$(DEMO) --scenario examples/fp_service/scenarios/day.jsonl
 
-inspect-demo: build  ## a week on a good and a bad device, and what fp_inspect says of their dumps
+inspect-demo: build  ## a week on a good and a bad device, and what fp_inspect prints about their dumps
 	@tools/fp_inspect/demo/run build/release
 
 test: build  ## build and run all tests
@@ -70,7 +70,7 @@ aarch64:
 	$(call build,aarch64)
 	scripts/check_golden "qemu-aarch64-static build/aarch64/tests/golden/print_golden"
 
-# Beside the tests, whose objects are there already.
+# Adds the benchmarks to the build of the tests, to reuse its objects.
 bench-build:
 	@scripts/setup build test bench
 	$(call build,release,,-DFP_UTILS_BUILD_BENCH=ON)
@@ -126,12 +126,12 @@ package: build  ## Debian packages of the library with its headers, and of the t
 package-check: package
 	scripts/check_package build/release
 
-# Of the interface the library's own build tells all; its tests are not needed.
+# The interface depends only on the library, so its tests are not built.
 abi-library:
 	@scripts/setup build test abi
 	$(call build,debug,,-DFP_UTILS_BUILD_TESTS=OFF)
 
-abi: abi-library  ## make the present exported interface the baseline
+abi: abi-library  ## make the current exported interface the baseline
 	scripts/check_abi build/debug/src/libfp_utils.so --update
 
 abi-check: abi-library

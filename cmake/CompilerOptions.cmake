@@ -11,7 +11,8 @@ if(FP_UTILS_SANITIZE)
     -fsanitize=${FP_UTILS_SANITIZE} -fno-sanitize-recover=all)
   target_link_options(fp_utils_options INTERFACE -fsanitize=${FP_UTILS_SANITIZE})
   if(FP_UTILS_SANITIZE MATCHES undefined)
-    # Its run time makes pipes of its own, which would meet the faults that tests put on pipe().
+    # The run time of this check creates pipes, which would fail when tests inject faults into
+    # pipe().
     target_compile_options(fp_utils_options INTERFACE -fno-sanitize=vptr)
   endif()
 endif()

@@ -5,7 +5,7 @@ set(package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/fp_utils")
 get_property(fp_host_libraries GLOBAL PROPERTY FP_HOST_LIBRARIES)
 install(TARGETS fp_utils fp_host_platform EXPORT fp_utils-targets
   LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}")
-# In a folder of their own: they must never be taken for the platform's.
+# In a separate folder, so that they are not mistaken for the platform's libraries.
 install(TARGETS ${fp_host_libraries} EXPORT fp_utils-targets
   LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}/fp_utils_host")
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/platform/host/include/"
@@ -23,7 +23,7 @@ install(FILES
   "${CMAKE_CURRENT_LIST_DIR}/AndroidPlatform.cmake"
   DESTINATION "${package_dir}")
 
-# The prefix is the one that `cmake --install` is given, so the file is made then.
+# The prefix is only known to `cmake --install`, so the file is generated then.
 install(CODE "set(version ${PROJECT_VERSION})
 set(description [[${PROJECT_DESCRIPTION}]])
 set(libdir ${CMAKE_INSTALL_LIBDIR})

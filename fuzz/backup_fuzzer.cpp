@@ -27,7 +27,7 @@ const HistoryKind& Kind() {
   return kind;
 }
 
-// The record texts of everything that has the form of a frame, whatever its CRC.
+// The record texts of all well-formed frames, even with a wrong CRC.
 std::vector<std::string> FramedTexts(const std::string& file) {
   std::vector<std::string> texts;
   size_t at = 0;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Makes fp_inspect read arbitrary content as a backup file. It must not crash, records must start
-// in the file in ascending order, and the frame of a salvaged record must have a correct CRC.
+// Makes fp_inspect read arbitrary content as a backup file. It must not crash, the offsets of the
+// records must ascend, and the frame of a salvaged record must have a correct CRC.
 #include <cstdint>
 #include <cstdlib>
 #include <string_view>

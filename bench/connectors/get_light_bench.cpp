@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // Compares AlsMonitor::GetLight() with a plain loop that polls and fetches until a batch is not
-// full. With an empty queue, both wait for the timeout of the poll. With a full one they would wait
-// for it before each batch but the first; there, every poll returns at once, so that only the loop
-// itself is measured.
+// full. With an empty queue, both wait for the timeout of the poll. With a full queue, they would
+// wait for it before each batch except the first, so polls are made to return at once and only the
+// loop is measured.
 #include <benchmark/benchmark.h>
 
 #include <chrono>

@@ -58,8 +58,7 @@ void LightToPoll(benchmark::State& state) {
 BENCHMARK(LightToCallback)->Iterations(5)->UseManualTime();
 BENCHMARK(LightToPoll)->Iterations(5)->UseManualTime();
 
-// Without a goal: it matters more whether the core of the woken thread was asleep than which of the
-// two is measured.
+// Has no goal: the ratio depends mainly on whether the core of the woken thread was asleep.
 const bool kRatio =
     ReportRatio("light_event_over_bare_poll", "LightToCallback/iterations:5/manual_time",
                 "LightToPoll/iterations:5/manual_time");

@@ -29,7 +29,7 @@ using fp_test::Allocations;
 
 constexpr FpsTouchHandler::TouchConfig kArea = {.left = 0, .top = 0, .right = 200, .bottom = 200};
 
-constexpr size_t kInfoOffset = 8 + 68;  // where the buffer has the `info` of its first record
+constexpr size_t kInfoOffset = 8 + 68;  // of `info` in the first record of the buffer
 
 void ReportToCallback(benchmark::State& state) {
   TouchNode node;

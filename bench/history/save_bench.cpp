@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Compares saves of a history of N records, to which a service adds one and drops the oldest each
-// time, with the plain way: format every record and call fprintf for each frame, into a file opened
+// Compares saving a history of N records, of which the oldest is replaced before each save, with
+// the plain implementation: format every record and call fprintf for each frame, into a file opened
 // with mode "w".
 #include <benchmark/benchmark.h>
 #include <fcntl.h>
@@ -30,7 +30,7 @@ using android::fp_utils::EnrollEventG7;
 
 constexpr int64_t kEnrollments = 50;  // the capacity of a container
 
-// A history of so many records, created without a file.
+// A history with this number of records, without an old file.
 std::unique_ptr<AuthStatsG7> AuthHistory(int64_t records) {
   DeviceInMemory();
   std::filesystem::remove(fp_host::HostPath("/data/vendor/fingerprint/AuthStats.bench"));

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The same task with a database: keep the newest 100 records, and commit after each.
+// Does the same task with a database: keeps the newest 100 records, and commits after each.
 #include <benchmark/benchmark.h>
 #include <sqlite3.h>
 

@@ -43,7 +43,7 @@ class FastestReporter : public benchmark::ConsoleReporter {
     const auto numerator = fastest_.find(row.numerator);
     const auto denominator = fastest_.find(row.denominator);
     if (numerator == fastest_.end() || denominator == fastest_.end()) {
-      return;  // filtered out
+      return;  // excluded by --benchmark_filter
     }
     const double ratio = numerator->second / denominator->second;
     if (!row.goal) {

@@ -13,7 +13,7 @@ enum class Goal { kAtLeast, kAtMost };
 bool Claim(const std::string& name, const std::string& numerator, const std::string& denominator,
            Goal goal, double value);
 
-// Prints the ratio without a goal.
+// Reports the ratio of the times without a goal.
 bool ReportRatio(const std::string& name, const std::string& numerator,
                  const std::string& denominator);
 

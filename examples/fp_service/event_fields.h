@@ -17,19 +17,19 @@ class InvalidEvent : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-// The fields of one event. A field that was never read is unknown, which is an error.
+// The fields of one event. RejectUnknownFields() rejects fields that nobody has read.
 class Fields {
  public:
   explicit Fields(const nlohmann::json& object) : object_(object) {
     if (!object.is_object()) {
-      throw InvalidEvent("an event is a JSON object");
+      throw InvalidEvent("an event must be a JSON object");
     }
   }
 
   double GetNumber(const std::string& name, double low, double high) {
     const nlohmann::json& value = Required(name);
     if (!value.is_number() || !(value >= low && value <= high)) {
-      throw InvalidEvent(fmt::format("\"{}\" is a number from {} to {}", name, low, high));
+      throw InvalidEvent(fmt::format("\"{}\" must be a number from {} to {}", name, low, high));
     }
     return value;
   }
@@ -37,7 +37,7 @@ class Fields {
   int GetInteger(const std::string& name, int low, int high) {
     const nlohmann::json& value = Required(name);
     if (!value.is_number_integer() || !(value >= low && value <= high)) {
-      throw InvalidEvent(fmt::format("\"{}\" is a whole number from {} to {}", name, low, high));
+      throw InvalidEvent(fmt::format("\"{}\" must be an integer from {} to {}", name, low, high));
     }
     return value;
   }
@@ -49,7 +49,7 @@ class Fields {
   std::string GetText(const std::string& name) {
     const nlohmann::json& value = Required(name);
     if (!value.is_string()) {
-      throw InvalidEvent(fmt::format("\"{}\" is a text", name));
+      throw InvalidEvent(fmt::format("\"{}\" must be a string", name));
     }
     std::string text = value;
     if (text.size() > kMaxText) {
@@ -57,7 +57,7 @@ class Fields {
     }
     for (const char character : text) {
       if (static_cast<unsigned char>(character) < ' ' || character == '\x7f') {
-        throw InvalidEvent(fmt::format("\"{}\" has a control character", name));
+        throw InvalidEvent(fmt::format("\"{}\" contains a control character", name));
       }
     }
     return text;
@@ -75,7 +75,7 @@ class Fields {
       for (const auto& [key, value] : choices) {
         names += (names.empty() ? "\"" : ", \"") + key + "\"";
       }
-      throw InvalidEvent(fmt::format("\"{}\" is one of {}", name, names));
+      throw InvalidEvent(fmt::format("\"{}\" must be one of {}", name, names));
     }
     return choice->second;
   }
@@ -83,7 +83,7 @@ class Fields {
   void RejectUnknownFields() const {
     for (const auto& [name, value] : object_.items()) {
       if (!read_fields_.contains(name)) {
-        throw InvalidEvent(nlohmann::json(name).dump() + " is no field of this event");
+        throw InvalidEvent("unknown field " + nlohmann::json(name).dump());
       }
     }
   }

@@ -9,7 +9,7 @@ namespace {
 
 constexpr double kMiddleQuality = 22;  // half of the images of this quality match
 constexpr double kQualitySoftness = 2.5;
-constexpr double kHalfCoverage = 45;  // percent; half of the images that small match at most
+constexpr double kHalfCoverage = 45;  // percent; at most half of such images match
 constexpr double kCoverageEdge = 8;
 
 // Result codes of a failed match; kNoMatch leaves the reason to the metrics.
@@ -28,7 +28,7 @@ constexpr int32_t kTooBrightAbove = 2700;
 constexpr int32_t kTooDarkBelow = 1300;
 constexpr int32_t kLowQualityBelow = 30;
 
-// What an enrollment needs on average.
+// The averages that an enrollment needs.
 constexpr float kEnrollCoverage = 85;  // percent
 constexpr float kEnrollQuality = 25;
 

@@ -10,14 +10,13 @@
 
 namespace fp_service {
 
-// Stands in for the matcher of a real device. It knows whose finger an image shows, and lets it
-// fail as often as a matcher would for the image's quality and the part of the finger that it
-// shows:
+// Stands in for the matcher of a real device. It knows which finger an image shows, and rejects it
+// as often as a matcher would for the quality and the coverage of the image:
 //
 //   chance of a match = logistic((quality - middle) / softness) * logistic((coverage - half) /
 //   edge)
 //
-// Result codes and metrics are those for which the library's records have a `reason:`.
+// The library's records translate its result codes and metrics into a `reason:`.
 class FakeMatcher {
  public:
   // The state that survives a restart of the service.
@@ -25,7 +24,7 @@ class FakeMatcher {
     explicit Storage(uint64_t seed) : random(seed) {}
 
     Random random;
-    std::array<bool, kFingers + 1> enrolled = {};  // by finger; 0 never is
+    std::array<bool, kFingers + 1> enrolled = {};  // by finger; [0] is never true
   };
 
   struct Result {
@@ -49,7 +48,7 @@ class FakeMatcher {
 
   Result Match(const Capture& image, float coverage_percent);
 
-  // Takes an image for the enrollment under way.
+  // Adds an image to the current enrollment.
   void AddImage(const Capture& image, float coverage_percent);
   // Enrolls `finger` with the images since the last enrollment, if they are good enough.
   Enrollment FinishEnrollment(int finger);
@@ -63,7 +62,7 @@ class FakeMatcher {
 
   Storage& storage_;
 
-  // Sums over the images of the enrollment under way.
+  // Sums over the images of the current enrollment.
   int32_t captures_ = 0;
   float coverage_sum_ = 0;
   float quality_sum_ = 0;

@@ -12,7 +12,7 @@
 
 namespace fp_service {
 
-// What a touch is for. The values are the pipeline states in which a finger is down for it.
+// The purpose of a touch. Each value is the pipeline state while a finger is down for it.
 enum class Purpose : uint32_t { kEnroll = 0x101, kAuthenticate = 0x201 };
 
 // Turns touch reports into finger state and pipeline state, on the handler's worker. The service's
@@ -35,7 +35,7 @@ class FingerInput {
   // Waits up to a second for a finger. Returns nothing on a device that does not report touches.
   std::optional<Touch> WaitForFinger();
 
-  // Tells that the sensor has captured its image.
+  // Reports that the sensor has captured its image.
   void ImageCaptured();
 
   void WaitForLift();

@@ -27,9 +27,9 @@ usage: fp_service --scenario FILE [OPTION]...
        fp_service --dump-only [OPTION]...
 
   --scenario FILE        JSON Lines file of events
-  --dump-only            start, print the dump of what is found, stop
+  --dump-only            start, print the dump, stop
   --device-root DIR      folder that holds the device's files (fp_device)
-  --seed N               of the simulated sensor and matcher (1)
+  --seed N               seed of the simulated sensor and matcher (1)
   --property NAME=VALUE  set a system property; repeatable
   --log LEVEL            library log on stderr: debug, info, error or off (off)
   -v, --verbose          print every attempt, and all records of the dump
@@ -59,7 +59,7 @@ uint64_t ParseSeed(const char* text) {
   const char* const end = text + strlen(text);
   const auto result = std::from_chars(text, end, seed);
   if (result.ec != std::errc() || result.ptr != end) {
-    throw std::invalid_argument("--seed is a whole number from 0 to 18446744073709551615");
+    throw std::invalid_argument("--seed must be an integer from 0 to 18446744073709551615");
   }
   return seed;
 }
@@ -74,7 +74,7 @@ android_LogPriority ParseLevel(const std::string& text) {
       return priority;
     }
   }
-  throw std::invalid_argument("--log is debug, info, error or off");
+  throw std::invalid_argument("--log must be debug, info, error or off");
 }
 
 void ApplyOption(Options& options, int option) {
@@ -104,7 +104,7 @@ void ApplyOption(Options& options, int option) {
       options.help = true;
       return;
     default:
-      throw std::invalid_argument("see --help");  // getopt has said what is wrong
+      throw std::invalid_argument("see --help");  // getopt has printed what is wrong
   }
 }
 
@@ -117,7 +117,7 @@ Options Parse(int argc, char** argv) {
     throw std::invalid_argument(fmt::format("unexpected argument {}", argv[optind]));
   }
   if (!options.help && options.dump_only != options.scenario.empty()) {
-    throw std::invalid_argument("either --scenario or --dump-only is needed, see --help");
+    throw std::invalid_argument("either --scenario or --dump-only is required, see --help");
   }
   return options;
 }

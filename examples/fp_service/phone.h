@@ -23,8 +23,8 @@ struct PhoneState {
   int skin_severity = 0;
 };
 
-// The simulated phone around the service: its file tree, touch controller, panel, sensors and heat,
-// and the user's finger.
+// The simulated phone around the service: its file tree, touch controller, panel, sensors and
+// temperature, and the user's finger.
 class Phone {
  public:
   // Units of the touch controller per display pixel.
@@ -41,9 +41,9 @@ class Phone {
   void LongPress(int times);
   void PutFinger(int finger, Skin skin, Aim aim);
   void LiftFinger();
-  void CrashDisplayHalAtNextCall();  // at its next call
-  void RestartDeadHals();            // as init does
-  void ReconnectTouchDevice();       // hangs up and reconnects
+  void CrashDisplayHalAtNextCall();
+  void RestartDeadHals();       // as init does
+  void ReconnectTouchDevice();  // hangs up and reconnects
 
   // The interface of the sensor's driver.
   void SetExposure(float ms) { sensor_.SetExposure(ms); }

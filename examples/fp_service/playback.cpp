@@ -25,10 +25,10 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr char kPersistentFolder[] = "data/vendor";  // what the phone keeps while it is off
+constexpr char kPersistentFolder[] = "data/vendor";  // survives a power-off
 constexpr char kAttemptsFile[] = "data/vendor/fingerprint/AuthStats.0";
 
-// State that each process of the service passes on to the next.
+// State that the processes of the service pass on to each other.
 struct Shared {
   explicit Shared(uint64_t seed) : phone(seed) {}
 
@@ -42,7 +42,7 @@ Shared& MakeShared(uint64_t seed) {
   void* memory =
       mmap(nullptr, sizeof(Shared), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
   if (memory == MAP_FAILED) {
-    throw std::runtime_error("no memory to share with the service");
+    throw std::runtime_error("cannot map shared memory");
   }
   return *new (memory) Shared(seed);
 }
@@ -69,7 +69,7 @@ bool EndsService(const Event& event) {
          std::holds_alternative<PowerCut>(event.data);
 }
 
-// The service from one start to its end, in a process of its own.
+// Runs the service from its start to its end. Called in a child process.
 void RunService(const Pass& pass, const Scenario& scenario, std::span<const Event> events) {
   Phone phone(pass.device_root, pass.shared.phone);
   SetProperties(pass.properties);
@@ -108,7 +108,7 @@ void RunServiceInChild(const Pass& pass, const Scenario& scenario, std::span<con
   fflush(stdout);
   const pid_t process = fork();
   if (process < 0) {
-    throw std::runtime_error("the service's process cannot be started");
+    throw std::runtime_error("cannot start the service's process");
   }
   if (process == 0) {
     RunService(pass, scenario, events);
@@ -118,7 +118,7 @@ void RunServiceInChild(const Pass& pass, const Scenario& scenario, std::span<con
   const bool cut = !events.empty() && std::holds_alternative<PowerCut>(events.back().data);
   if (WIFSIGNALED(status) && !(cut && WTERMSIG(status) == SIGKILL)) {
     throw std::runtime_error(
-        fmt::format("the service was ended by {}", strsignal(WTERMSIG(status))));
+        fmt::format("the service was terminated by {}", strsignal(WTERMSIG(status))));
   }
   if (WIFEXITED(status) && WEXITSTATUS(status) != 0) {
     throw std::runtime_error("the service has failed");  // it has printed the reason
@@ -135,8 +135,7 @@ void TruncateAttemptsFile(const Pass& pass) {
   }
   fs::resize_file(file, size / 2);
   if (pass.output != Output::kNothing) {
-    fmt::print("power cut during a save: {} of {} bytes of AuthStats.0 are there\n", size / 2,
-               size);
+    fmt::print("power cut during a save: {} of {} bytes of AuthStats.0 are left\n", size / 2, size);
   }
 }
 

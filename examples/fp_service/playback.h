@@ -18,8 +18,8 @@ struct Settings {
 };
 
 // Plays `scenario` on a copy of the device without exposure control, then on the device with it,
-// and prints a comparison and the service's dump. Each start of the service is a process of its
-// own, as on a phone. Throws std::runtime_error if one fails.
+// and prints a comparison and the service's dump. Each start of the service is a separate process,
+// as on a phone. Throws std::runtime_error if one fails.
 void PlayTwice(const Scenario& scenario, const Settings& settings);
 
 // Starts the service on the device and prints its dump.

@@ -14,7 +14,7 @@ namespace fp_service {
 // How much of a scenario is printed while it is played.
 enum class Output {
   kNothing,
-  kDumps,     // of long lists the newest records
+  kDumps,     // only the newest records of long lists
   kAttempts,  // everything
 };
 
@@ -45,7 +45,7 @@ class Player {
   void Handle(const PowerCut& /*cut*/) {}
   void Handle(const Dump& dump);
 
-  // One touch during which the service does `work`. Returns when it began.
+  // Makes one touch, during which the service does `work`. Returns the time of the finger down.
   template <typename Work>
   std::string Touch(Purpose purpose, int finger, Skin skin, Aim aim, Work&& work);
   void PrintAttempt(const Service::Outcome& outcome, const std::string& finger_down);

@@ -22,7 +22,7 @@ class PressCounter {
   std::mutex mutex_;
   std::condition_variable changed_;
   int count_ = 0;
-  android::fp_utils::SensorListener listener_;  // the last member: it ends before the rest
+  android::fp_utils::SensorListener listener_;  // last, so that it is destroyed first
 };
 
 }  // namespace fp_service

@@ -22,7 +22,7 @@ struct Property {
 
 constexpr char kPrefix[] = "persist.vendor.udfps.";
 
-// Below kPrefix; platform/device/README.md explains them.
+// Names without kPrefix. platform/device/README.md explains the properties.
 constexpr Property kProperties[] = {
     {"dynamic_exposure_supported", Kind::kSwitch, "true"},
     {"dynamic.exposure.number_of_attempts", Kind::kNumber, "10"},
@@ -40,8 +40,8 @@ constexpr Property kProperties[] = {
     {"fth.touch_resolution_scaling_factor", Kind::kNumber, "10"},
 };
 
-// Reads the property with the platform, as the library does. Only a valid value gives the same
-// result with two different defaults.
+// Reads the property with the platform's functions, as the library does. Only a valid value gives
+// the same result with two different defaults.
 bool IsValid(const std::string& name, Kind kind) {
   switch (kind) {
     case Kind::kSwitch:
@@ -61,7 +61,7 @@ bool IsValid(const std::string& name, Kind kind) {
 std::pair<std::string, std::string> ParseProperty(const std::string& text) {
   const size_t equals = text.find('=');
   if (equals == std::string::npos) {
-    throw std::invalid_argument("a property is written NAME=VALUE");
+    throw std::invalid_argument("a property must have the form NAME=VALUE");
   }
   const std::string name = text.substr(0, equals);
   const auto* property = std::find_if(
@@ -73,8 +73,8 @@ std::pair<std::string, std::string> ParseProperty(const std::string& text) {
   const std::string value = text.substr(equals + 1);
   android::base::SetProperty(name, value);
   if (!IsValid(name, property->kind)) {
-    throw std::invalid_argument(fmt::format("{} does not take \"{}\"; {} would stay in force", name,
-                                            value, property->default_value));
+    throw std::invalid_argument(fmt::format("invalid value \"{}\" for {}; {} would stay in effect",
+                                            value, name, property->default_value));
   }
   return {name, value};
 }

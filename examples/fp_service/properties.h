@@ -9,8 +9,9 @@ namespace fp_service {
 
 using Properties = std::vector<std::pair<std::string, std::string>>;
 
-// Parses "NAME=VALUE" of a system property that the library reads. Throws std::invalid_argument,
-// with the value in force, if it reads no such property or would not take the value.
+// Parses "NAME=VALUE" of a system property that the library reads. Throws std::invalid_argument if
+// the library reads no such property or would not accept the value; the message then names the
+// value that stays in effect.
 std::pair<std::string, std::string> ParseProperty(const std::string& text);
 
 void SetProperties(const Properties& properties);

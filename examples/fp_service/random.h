@@ -6,8 +6,8 @@
 
 namespace fp_service {
 
-// Random numbers that are the same for a seed with every standard library, whose distributions
-// differ.
+// Random numbers that depend only on the seed. The distributions of <random> differ between
+// standard libraries.
 class Random {
  public:
   explicit Random(uint64_t seed) : engine_(seed) {}

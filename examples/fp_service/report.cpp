@@ -37,7 +37,7 @@ const char* DescribeEffect(const Report::Tally& with, const Report::Tally& witho
   if (std::abs(fewer) <= 2 * std::sqrt(with.rejects + without.rejects)) {
     return "no clear difference";
   }
-  return fewer > 0 ? "exposure control helped" : "exposure control did harm";
+  return fewer > 0 ? "exposure control helped" : "exposure control made it worse";
 }
 
 }  // namespace
@@ -132,9 +132,8 @@ std::string Report::Findings(const Report& without, const std::vector<std::strin
     text += fmt::format("{}: {}, {} false rejects with it and {} without\n", names[i],
                         DescribeEffect(phase.all, other), phase.all.rejects, other.rejects);
     if (phase.exposure_begin != calibrated_ms_ && i > 0) {
-      text +=
-          fmt::format("  it began at {:.1f} ms, where earlier steps had left it, not at {:.1f}\n",
-                      phase.exposure_begin, calibrated_ms_);
+      text += fmt::format("  it began at {:.1f} ms because of earlier steps, not at {:.1f}\n",
+                          phase.exposure_begin, calibrated_ms_);
     }
     if (phase.steps > 0) {
       text += fmt::format("  rejected before the first step: {}; after the last: {}\n",

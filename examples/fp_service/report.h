@@ -40,15 +40,15 @@ class Report {
   void Calibrated(float exposure_ms) { calibrated_ms_ = exposure_ms; }
   void BeginPhase(float exposure_ms);
 
-  // Counts an attempt, of an enrolled finger or not, and the exposure steps that it led to.
+  // Counts an attempt, of an enrolled finger or not, and the exposure steps that it caused.
   void Count(const android::fp_utils::AuthEventG7& event, bool enrolled, int steps,
              float exposure_ms);
 
-  // The counts of the present phase so far.
+  // The counts of the current phase so far.
   const Tally& GetPhase() const { return phases_[current_].all; }
 
-  // The phases of `scenario` with exposure control (this report) and without it, in which of them
-  // control made a difference, and a table of coverage.
+  // Returns a table of the phases of `scenario` with exposure control (this report) and without it,
+  // the phases in which control made a difference, and a table by coverage.
   std::string Compare(const Report& without, const Scenario& scenario) const;
 
  private:
@@ -57,7 +57,7 @@ class Report {
   std::string Findings(const Report& without, const std::vector<std::string>& names) const;
   std::string CoverageTable() const;
 
-  // The time before the first phase, then each phase.
+  // By phase, starting at 1; element 0 is the time before the first phase.
   std::array<PhaseTally, kMaxPhases + 1> phases_ = {};
   size_t current_ = 0;
   float calibrated_ms_ = 0;

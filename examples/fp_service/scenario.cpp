@@ -19,7 +19,7 @@ namespace {
 
 using nlohmann::json;
 
-// Larger counts are taken for typing errors.
+// Larger values are rejected as typing errors.
 constexpr int kMaxCount = 1000000;
 constexpr int kMaxPause = 86400;
 constexpr int kMaxCaptures = 100;
@@ -74,7 +74,7 @@ EventData ReadEventData(const std::string& event, Fields& fields) {
                                       .count = fields.GetInteger("count", 1, kMaxCount, 1),
                                       .every_s = fields.GetInteger("every_s", 0, kMaxPause, 1)};
     if (errors.info == 1) {
-      throw InvalidEvent("\"info\" 1 is a good image; write \"attempts\"");
+      throw InvalidEvent("\"info\" 1 is a good image; use \"attempts\"");
     }
     return errors;
   }
@@ -96,7 +96,7 @@ EventData ReadEventData(const std::string& event, Fields& fields) {
   if (event == "dump") {
     return Dump{};
   }
-  throw InvalidEvent(fmt::format("\"{}\" is no event", event));
+  throw InvalidEvent(fmt::format("unknown event \"{}\"", event));
 }
 
 // The touches of an event and the seconds from the first to the last.
@@ -130,7 +130,7 @@ int TimeOfDay(const std::string& text) {
   if (sscanf(text.c_str(), "%2d:%2d:%2d%n", &hour, &minute, &second, &end) != 3 ||
       static_cast<size_t>(end) != text.size() || hour < 0 || hour > 23 || minute < 0 ||
       minute > 59 || second < 0 || second > 59) {
-    throw InvalidEvent("\"at\" is a time like \"07:05:00\"");
+    throw InvalidEvent("\"at\" must be a time like \"07:05:00\"");
   }
   return (hour * 60 + minute) * 60 + second;
 }
@@ -142,7 +142,7 @@ time_t Midnight(const std::string& text) {
   if (sscanf(text.c_str(), "%4d-%2d-%2d%n", &parts.tm_year, &parts.tm_mon, &parts.tm_mday, &end) !=
           3 ||
       static_cast<size_t>(end) != text.size()) {
-    throw InvalidEvent("\"date\" is a date like \"2026-03-04\"");
+    throw InvalidEvent("\"date\" must be a date like \"2026-03-04\"");
   }
   parts.tm_year -= 1900;
   parts.tm_mon -= 1;
@@ -151,7 +151,7 @@ time_t Midnight(const std::string& text) {
   const time_t midnight = mktime(&parts);
   if (parts.tm_year != wanted.tm_year || parts.tm_mon != wanted.tm_mon ||
       parts.tm_mday != wanted.tm_mday) {
-    throw InvalidEvent(fmt::format("there is no {}", text));
+    throw InvalidEvent(fmt::format("{} does not exist", text));
   }
   return midnight;
 }
@@ -168,7 +168,7 @@ json Parse(const std::string& line) {
   std::set<std::string> names;
   const auto check = [&](int depth, json::parse_event_t event, const json& parsed) {
     if (depth == 1 && event == json::parse_event_t::key && !names.insert(parsed).second) {
-      throw InvalidEvent(parsed.dump() + " stands there twice");
+      throw InvalidEvent(parsed.dump() + " occurs twice");
     }
     return true;
   };
@@ -196,17 +196,17 @@ class Reader {
     } else if (midnight_) {
       ReadEvent(event, fields);
     } else {
-      throw InvalidEvent("the first event is \"day\"");
+      throw InvalidEvent("the first event must be \"day\"");
     }
     fields.RejectUnknownFields();
   }
 
   Scenario Finish() {
     if (!midnight_) {
-      throw InvalidEvent("a scenario begins with the event \"day\"");
+      throw InvalidEvent("a scenario must begin with the event \"day\"");
     }
     if (scenario_.empty()) {
-      throw InvalidEvent("nothing happens on the day");
+      throw InvalidEvent("the scenario has no events");
     }
     return std::move(scenario_);
   }
@@ -217,7 +217,7 @@ class Reader {
   void ReadDay(Fields& fields) {
     const time_t midnight = Midnight(fields.GetText("date"));
     if (midnight_ && midnight <= *midnight_) {
-      throw InvalidEvent("\"date\" is not after the day before");
+      throw InvalidEvent("\"date\" is not after the previous one");
     }
     midnight_ = midnight;
   }
@@ -251,14 +251,15 @@ class Reader {
       }
     } else if (!calibrated_ &&
                (std::holds_alternative<Attempts>(data) || std::holds_alternative<Enroll>(data))) {
-      throw InvalidEvent("no \"calibrate\" since the service started: it has no exposure");
+      throw InvalidEvent(
+          "\"calibrate\" is required after each start of the service, to set its exposure");
     }
   }
 
   Scenario scenario_;
   int number_ = 0;
   std::optional<time_t> midnight_;
-  time_t end_ = 0;  // of the event above
+  time_t end_ = 0;  // of the previous event
   int end_line_ = 0;
   int touches_ = 0;
   int phases_ = 0;

@@ -9,15 +9,15 @@
 #include <variant>
 #include <vector>
 
-// What happens to the simulated device: a file of JSON Lines, one event a line. README.md beside
-// this file documents the events for those who write scenarios.
+// A scenario is a JSON Lines file with the events of the simulated device. README.md documents the
+// events.
 
 namespace fp_service {
 
 constexpr int kFingers = 5;     // that can be enrolled, numbered from 1; 0 is never enrolled
 constexpr int kMaxPhases = 64;  // of a scenario
 
-// State of the fingertip: how much of the panel's light it sends back to the sensor.
+// State of the fingertip: how much of the panel's light it reflects to the sensor.
 enum class Skin { kNormal, kDry, kWet };
 
 // Whether the fingertip is placed on the whole sensor, or covers only part of it.

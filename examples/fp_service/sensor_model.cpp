@@ -9,7 +9,7 @@ namespace {
 
 constexpr double kIdealRaw = 2000;         // between the controller's thresholds, 1500 and 2500
 constexpr double kPanelRawPerMs = 33.333;  // a normal finger at the usual calibration of 60 ms
-constexpr double kLeakRawPerMs = 22;       // ambient light past the finger, in full sun
+constexpr double kLeakRawPerMs = 22;       // ambient light that leaks past the finger, in full sun
 constexpr double kFullSunLux = 30000;
 constexpr double kDrySkin = 0.80;
 constexpr double kWetSkin = 0.56;
@@ -17,11 +17,12 @@ constexpr double kWetSkin = 0.56;
 constexpr double kBestQuality = 45;
 constexpr double kQualityFalloff = 26;  // per (1000 raw)^2
 
-constexpr double kUnlit = 0.02;  // what the panel gives without its high-brightness mode
+constexpr double kUnlit = 0.02;  // fraction of the panel's light without its high-brightness mode
 constexpr double kRawNoise = 70;
 constexpr double kQualityNoise = 2.5;
 
-// A fingertip in display pixels: lengths of its axes, how they vary, and how far off it lands.
+// A fingertip in display pixels: lengths of its axes, how they vary, and how far from the sensor's
+// centre it lands.
 constexpr double kMajor = 280;
 constexpr double kMinor = 236;
 constexpr double kSizeNoise = 20;

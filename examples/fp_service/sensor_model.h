@@ -9,7 +9,7 @@
 
 namespace fp_service {
 
-// Where and how large a finger touches, in display pixels and radians.
+// Position and size of a finger contact, in display pixels and radians.
 struct Contact {
   float x;
   float y;
@@ -25,14 +25,15 @@ struct Capture {
   int finger;  // the finger in the image, for the matcher alone; 0 is one that is not enrolled
 };
 
-// The optical sensor under the panel, reduced to what exposure control sees, and the user's hand.
+// Models the optical sensor under the panel, as far as exposure control depends on it, and how the
+// user places a finger.
 //
 //   raw     = (panel * skin + leak(lux)) * exposure      mean of the raw image
 //   quality = best - falloff * ((raw - ideal) / 1000)^2  image quality score
 //
 // `panel` is chosen so that a normal finger in a dim room gives the ideal raw mean at the
-// calibrated exposure while the panel's high-brightness mode is on; without it hardly any light
-// comes back. Each image adds noise to raw and quality. README.md has the figures.
+// calibrated exposure while the panel's high-brightness mode is on; without that mode almost no
+// light returns. Each image adds noise to raw and quality. README.md has the figures.
 class SensorModel {
  public:
   // The sensing area: a circle on the display.
@@ -53,7 +54,7 @@ class SensorModel {
   };
 
   // A touch and a capture draw the same number of random numbers at any exposure, so that a day can
-  // be repeated with the same touches and another exposure.
+  // be repeated with the same touches at other exposures.
   explicit SensorModel(Random& random) : random_(random) {}
 
   void SetExposure(float ms) { exposure_ms_ = ms; }

@@ -44,7 +44,7 @@ constexpr int8_t kAcquiredTooDark = 9;
 constexpr int32_t kUnlitRawMean = 300;  // any finger is brighter while the panel is lit
 
 // The library waits only 10 ms for the thermal HAL, because a service may be unable to wait longer.
-// This one can.
+// This service can.
 void WaitForThermalHal() {
   constexpr int kTimeoutMs = 1000;
   for (int i = 0; i < kTimeoutMs && Thermal::GetInstance().GetCpuSeverity() == -ENODEV; ++i) {
@@ -62,7 +62,7 @@ Service::Service(Phone& phone)
       exposure_(DynamicExposure::GetInstance()) {
   init_.SetState(FpsInitInfo::State::kStarted);
   DevCdtInfo::GetInstance();
-  ABinderProcess_startThreadPool();  // its threads receive the deaths of HALs
+  ABinderProcess_startThreadPool();  // its threads receive the death notifications of HALs
   WaitForThermalHal();
   AlsMonitor::GetInstance()->StartSampling();
   attempts_.Init();
@@ -88,7 +88,7 @@ void Service::Calibrate(const fp_service::Calibrate& calibration) {
   init_.SetState(FpsInitInfo::State::kFinished);
 }
 
-// Lights the panel, captures, and measures how the finger lies on the sensor.
+// Lights the panel, captures an image, and measures how much of the sensor the finger covers.
 std::optional<Service::Image> Service::TakeImage(Purpose purpose) {
   const auto touch = input_.WaitForFinger();
   if (!touch) {

@@ -22,13 +22,13 @@
 namespace fp_service {
 
 // A fingerprint HAL service reduced to its use of the library: it owns the histories, lights the
-// panel for a capture, has the matcher judge the image, feeds the exposure controller and programs
+// panel for a capture, matches the image, feeds the exposure controller and programs
 // the sensor when the controller says so.
 class Service {
  public:
   struct Outcome {
     std::shared_ptr<android::fp_utils::AuthEventG7> event;
-    int steps = 0;  // exposure steps that this attempt led to
+    int steps = 0;  // exposure steps that this attempt caused
   };
 
   // Loads the histories of earlier runs and begins the bring-up.
@@ -41,26 +41,26 @@ class Service {
   // Ends the bring-up.
   void Calibrate(const fp_service::Calibrate& calibration);
 
-  // What a touch is for has to be said before it; the operations below find the finger down.
+  // Sets the purpose of the next touch. The operations below expect the finger to be down.
   void ExpectFinger(Purpose purpose) { input_.SetPurpose(purpose); }
   Outcome Authenticate();
   Outcome FailToAcquire(int info);
   void CaptureForEnrollment();
-  // After each of them, when the finger is up. Returns when it came down.
+  // Call it after each of them, when the finger is up. Returns the time of the finger down.
   std::string FinishTouch();
 
-  // With the captures since the last enrollment.
+  // Enrolls `finger` with the captures since the last enrollment.
   std::shared_ptr<android::fp_utils::EnrollEventG7> Enroll(int finger);
   std::shared_ptr<android::fp_utils::EnrollEventG7> Delete(int finger);
 
-  // Waits until as many have been counted, for a second at most.
+  // Waits up to a second until `count` long presses have been counted.
   void WaitForLongPresses(int count) { presses_.WaitFor(count); }
 
-  // What is connected to the system server is gone with it.
+  // Renews the connections that end with the system server.
   void SystemServerDied();
 
   void Dump(int fd);
-  // The part of it that may be asked for on any thread while attempts are made: what locks.
+  // The part of the dump that any thread may request during an attempt, because it locks.
   void DumpWhileBusy(int fd);
 
  private:

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // The smallest service: it keeps a history of attempts, adapts the exposure and prints its dump.
-// Where a device's service would wait for fingers, this one sees ten images that are too bright.
+// Instead of waiting for fingers, it feeds the library ten images that are too bright.
 #include <unistd.h>
 
 #include <cstdio>
@@ -40,7 +40,7 @@ class Service {
   }
 
  private:
-  // true would keep the history in /data/vendor/fingerprint/AuthStats.0, on a host as on a device.
+  // With true, the history would be kept in /data/vendor/fingerprint/AuthStats.0.
   AuthStatsG7 attempts_{"0", 100, false};
   DynamicExposure& exposure_ = DynamicExposure::GetInstance();
   float expo_ms_ = 60;  // as calibrated

@@ -46,9 +46,9 @@ class FP_UTILS_EXPORT AlsMonitor {
   // Returns 0, or -ENOMEM without sensor manager.
   int StopSampling();
 
-  // Returns 0 and stores the newest light value, which is that of an earlier call if no event came
-  // because the light is steady. Returns -ENOMEM without sensor manager, UNKNOWN_ERROR when not
-  // sampling or after a poll error, -EINVAL before the first event or if `lux` is null.
+  // Returns 0 and stores the newest light value, which is that of an earlier call if the light has
+  // not changed since. Returns -ENOMEM without sensor manager, UNKNOWN_ERROR when not sampling or
+  // after a poll error, -EINVAL before the first event or if `lux` is null.
   int GetLight(float* lux);
 
   // Gets the sensor manager; false without one. A different one than before means that the sensor

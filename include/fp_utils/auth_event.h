@@ -38,8 +38,8 @@ class FP_UTILS_EXPORT AuthEvent {
   virtual std::string ToBackupString() const;
 
   // Parses a record text and removes the parsed fields from `text`, so that a derived class finds
-  // its own part at the front. After a failure `text` is unchanged, but fields before the damage
-  // may have been stored.
+  // its own part at the front. After a failure `text` is unchanged, but the fields before the
+  // malformed one may have been stored.
   virtual bool LoadFromBackupString(std::string& text);
 
   // The name by which the histories tell kinds of records apart.
@@ -70,7 +70,8 @@ class FP_UTILS_EXPORT AuthEventG7 : public AuthEvent {
   // The floats are written with two decimals, so a load returns them rounded.
   std::string ToBackupString() const override;
 
-  // Removes only the fields of AuthEvent from `text`, even if its own part then fails.
+  // Removes only the fields of AuthEvent from `text`, even if parsing the fields of this class then
+  // fails.
   bool LoadFromBackupString(std::string& text) override;
   std::string GetClassName() override;
 
@@ -82,7 +83,7 @@ class FP_UTILS_EXPORT AuthEventG7 : public AuthEvent {
   float t_dist = 0;  // touch distance from the sensor's centre, millimetres
   uint32_t lptw = 0;
   uint32_t rc = 0;            // matcher result, 0 = no failure
-  int32_t rawmean_delta = 0;  // raw-image mean difference, also steers DynamicExposure
+  int32_t rawmean_delta = 0;  // raw-image mean difference, also used by DynamicExposure
   // Three quality values each, packed as A * 1000000 + B * 1000 + C. Only A of the third is used.
   int32_t packed_metric_1 = 0;
   int32_t packed_metric_2 = 0;

@@ -46,7 +46,7 @@ class FP_UTILS_EXPORT AuthStats {
   virtual void Reset();
 
   // Records one attempt, dropping the oldest if the history is full. Rewrites the file after a
-  // success, and after every reject from the fifth in a row on. The row is counted over all
+  // success, and after every reject from the fifth consecutive one on. Rejects are counted over all
   // histories of the process that have a file. Do not change the record afterwards: its fields are
   // subtracted from the statistics when it is dropped.
   virtual void AddAttempt(std::shared_ptr<AuthEvent> event);
@@ -62,8 +62,8 @@ class FP_UTILS_EXPORT AuthStats {
   // A new record of the kind that this history keeps.
   [[nodiscard]] virtual std::shared_ptr<AuthEvent> CreateAttempt();
 
-  // Called by Init() and AddAttempt(), never both at once. Do not load an initialized history: its
-  // adds would overwrite the file that is being read.
+  // Called by Init() and AddAttempt(), never both at once. Do not load an initialized history: it
+  // would overwrite the file that is being read.
   void LoadAttemptsFromBackupFile();
   void SaveAttemptsToBackupFile() const;
 

@@ -12,7 +12,7 @@
 
 namespace android::fp_utils {
 
-// One critical error of the service. Its time is that of its construction.
+// One critical error of the service. Its timestamp is the time of construction.
 class FP_UTILS_EXPORT ErrorEvent {
  public:
   explicit ErrorEvent(std::string message);

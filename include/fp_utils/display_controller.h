@@ -37,9 +37,10 @@ class FP_UTILS_EXPORT DisplayController {
   DisplayController(const DisplayController&) = delete;
   DisplayController& operator=(const DisplayController&) = delete;
 
-  // Returns 0 if the mode was switched or was already as wanted, -ENODEV if the display HAL cannot
-  // be reached, FAILED_TRANSACTION if it refused or the call failed. `elapsed`, if not null, gets
-  // the duration of a successful switch, including the connection, and 0 otherwise.
+  // Returns 0 if the mode was switched or was already in the requested state, -ENODEV if the
+  // display HAL cannot be reached, FAILED_TRANSACTION if it refused or the call failed. `elapsed`,
+  // if not null, gets the duration of a successful switch, including the connection, and 0
+  // otherwise.
   int SetLhbm(bool on, unsigned int* elapsed);
 
   // Connects unless connected. Returns 0 or -ENODEV; 0 also on a device that does not declare the

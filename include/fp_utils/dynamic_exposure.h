@@ -16,9 +16,9 @@ FP_UTILS_EXPORT bool IsDynamicExposureSupported();
 // Direction of an exposure step. kNone recalculates the exposure without a step.
 enum class StepAdjustment : int32_t { kDown = -1, kNone = 0, kUp = 1 };
 
-// Adjusts the sensor's exposure time to the outcomes of recent attempts. When the sample is full,
-// too many of its attempts were rejected and their images were poor, a bright raw mean shortens the
-// exposure and a dark one lengthens it.
+// Adjusts the sensor's exposure time to the outcomes of recent attempts. If the sample is full,
+// too many of its attempts were rejected and their images were poor, then a bright raw mean
+// shortens the exposure and a dark one lengthens it.
 //
 // Threading:  no lock; call every operation from one thread. The callback runs on it.
 // Ownership:  owns its sample of attempts; the caller keeps ownership of the callback's context.

@@ -35,7 +35,7 @@ class FP_UTILS_EXPORT EnrollEvent {
   virtual std::string ToBackupString() const;
 
   // Parses a record text and removes the parsed fields from `text`, so that a derived class finds
-  // its own part at the front. After a failure `text` is unchanged, but the fields ahead of the
+  // its own part at the front. After a failure `text` is unchanged, but the fields before the
   // malformed one may have been stored.
   virtual bool LoadFromBackupString(std::string& text);
 

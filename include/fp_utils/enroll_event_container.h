@@ -43,8 +43,8 @@ class FP_UTILS_EXPORT EnrollEventContainer {
   // A new record of the type given to Init(), or null if that is unknown.
   [[nodiscard]] std::shared_ptr<EnrollEvent> CreateEvent();
 
-  // Called by Init() and AddEvent(), never both at once. Do not load an initialized container: its
-  // adds would overwrite the file that is being read.
+  // Called by Init() and AddEvent(), never both at once. Do not load an initialized container: it
+  // would overwrite the file that is being read.
   void LoadEventsFromBackupFile();
   void SaveEventsToBackupFile() const;
 

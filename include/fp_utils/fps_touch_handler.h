@@ -43,7 +43,7 @@ struct TouchEvent {
 // Ownership:  the device stays open and the worker object is reused for the life of the handler.
 //             The destructor does not stop the worker: call Stop() before it.
 // Blocking:   ioctls. Stop() waits for a running callback, and so do a Configure() or Start() that
-//             run meanwhile: their callers must hold no lock that the callback takes. Stop()
+//             run in the meantime: their callers must hold no lock that the callback takes. Stop()
 //             returns after the last callback. Called from a callback, it returns at once: the
 //             worker ends when the callback returns, the rest of its buffer is dropped, and only
 //             another thread can Start() it again.
@@ -103,7 +103,7 @@ class FP_UTILS_EXPORT FpsTouchHandler {
   //   kStopped --Start()--> kRunning --Stop()--> kJoining --> kStopped
   //   kRunning --Stop() in a callback--> kEnding --Stop() or Start()--> kJoiningEnding --> kStopped
   //   kJoining --Stop() in a callback--> kJoiningEnding
-  // In kEnding and kJoiningEnding, reports that have been read are not delivered any more.
+  // In kEnding and kJoiningEnding, reports that have been read are no longer delivered.
   enum class WorkerState { kStopped, kRunning, kEnding, kJoining, kJoiningEnding };
 
   bool OpenTouchDevice() FP_REQUIRES(mutex_);

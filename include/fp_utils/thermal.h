@@ -25,7 +25,7 @@ class LivenessGuard;
 //
 // Threading:  GetCpuSeverity() locks, and holds the lock while it waits for the HAL.
 // Ownership:  when the object is destroyed, the worker may still be waiting for a HAL that never
-//             starts. The worker is not stopped, but does not use the object any more.
+//             starts. The worker is not stopped, but no longer uses the object.
 // Blocking:   the constructor waits at most 10 ms for the connection. GetCpuSeverity() waits for
 //             the HAL.
 // Errors:     logged; see GetCpuSeverity().

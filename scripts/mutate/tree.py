@@ -17,7 +17,7 @@ OPTIONS = ["-DCMAKE_BUILD_TYPE=Debug", "-DCMAKE_CXX_FLAGS_DEBUG=-O1", "-DFP_UTIL
            "-DCMAKE_GTEST_DISCOVER_TESTS_DISCOVERY_MODE=PRE_TEST"]
 PLAIN = ["-DCMAKE_CXX_COMPILER=g++"]
 THREADS = ["-DCMAKE_CXX_COMPILER=clang++", "-DFP_UTILS_SANITIZE=thread"]
-# Refuses an access to a guarded member without its lock.
+# Rejects an access to a guarded member without its lock.
 ANALYSIS = ["clang++", "-fsyntax-only", "-stdlib=libc++", "-Werror=thread-safety",
             "-D_LIBCPP_ENABLE_THREAD_SAFETY_ANNOTATIONS"]
 MEMORY = 4 << 30  # bytes that a test of a mutant may map
@@ -58,7 +58,7 @@ class Tree:
         self.tests = self.list_tests()
 
     def copy(self, origin):
-        """Makes the copy equal to the files that git knows of `origin`, or would."""
+        """Copies the files of `origin` that git tracks or would track."""
         names = run_checked(["git", "-C", origin, "ls-files", "--cached", "--others",
                              "--exclude-standard"]).splitlines()
         for name in names:
@@ -79,7 +79,7 @@ class Tree:
             file.write(data)
 
     def list_tests(self):
-        """Name -> (command, folder, seconds) of the tests that can tell something of the library."""
+        """Name -> (command, folder, seconds) of the tests that exercise the library."""
         listed = json.loads(run_checked(["ctest", "--test-dir", self.build, "-LE", "long",
                                          "--show-only=json-v1"]))["tests"]
         tests = {}
@@ -113,7 +113,7 @@ class Tree:
             self.changed = None
 
     def judge(self, mutant):
-        """What becomes of a mutant, and the test that killed it."""
+        """Returns the outcome of a mutant, and the test that killed it."""
         self.restore()
         data = self.read(f"{self.root}/{mutant.file}")
         self.changed = (mutant.file, data)
@@ -169,7 +169,7 @@ class Tree:
             return process.wait(5 + 10 * seconds) != 0
         except subprocess.TimeoutExpired:
             return True
-        finally:  # also what the test has started and left behind
+        finally:  # also ends the processes that the test has left behind
             try:
                 os.killpg(process.pid, signal.SIGKILL)
             except ProcessLookupError:

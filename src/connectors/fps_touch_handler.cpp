@@ -265,7 +265,7 @@ void FpsTouchHandler::Deliver(const TouchEvent& event) {
     FP_LOG_ERROR(kTag, "%s: no callback is installed", "ReadTouchEvent");
     abort();  // a fault of the service that must not go unnoticed
   }
-  // Not touch_event_ itself, which another thread may clear meanwhile.
+  // Passes a copy, because another thread may clear touch_event_ during the callback.
   touch_event_callback_(event);
 }
 

@@ -17,7 +17,7 @@ class LivenessGuard {
     alive_ = false;
   }
 
-  // Runs `call` unless the object is gone. The object is not destroyed meanwhile.
+  // Runs `call` unless the object is gone. The object is not destroyed during the call.
   template <typename Call>
   void RunIfAlive(Call call) {
     const std::lock_guard lock(mutex_);

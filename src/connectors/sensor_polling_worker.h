@@ -8,7 +8,7 @@
 namespace android::fp_utils {
 
 // The thread on which a listener polls. The listener outlives it, unless a callback destroys the
-// listener: then the thread has been asked to exit and does not use the listener any more.
+// listener: then the thread has been asked to exit and no longer uses the listener.
 class SensorListener::SensorPollingWorkerThread : public Thread {
  public:
   explicit SensorPollingWorkerThread(SensorListener* listener) : listener_(listener) {}

@@ -11,14 +11,15 @@
 
 #include "common/log.h"
 
-// What the clients of the sensor framework have in common. Each logs with its own `tag`.
+// Operations that the clients of the sensor framework share. Each logs with its own `tag`.
 
 namespace android::fp_utils {
 
 // Null without a sensor service.
 ASensorManager* GetSensorManager(const char* tag);
 
-// Makes the looper and the queue if they are null. False if one could not be made; it stays null.
+// Creates the looper and the queue if they are null. Returns false if one cannot be created; it
+// stays null.
 bool PrepareQueue(const char* tag, ASensorManager* manager, ALooper*& looper,
                   ASensorEventQueue*& queue);
 

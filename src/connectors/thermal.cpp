@@ -107,7 +107,7 @@ Thermal::Thermal() : liveness_(std::make_shared<LivenessGuard>()) {
   FP_LOG_DEBUG(kTag, "%s: The thermal hal is connected.", "Thermal");
 }
 
-// The worker may still be running and does not use this object any more.
+// The worker may still be running, but no longer uses this object.
 Thermal::~Thermal() { liveness_->Invalidate(); }
 
 int32_t Thermal::GetCpuSeverity() {

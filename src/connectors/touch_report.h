@@ -20,7 +20,7 @@ inline constexpr unsigned kSetSensingArea = 115;
 
 // The argument of kSetSensingArea.
 struct Configuration {
-  uint32_t kind = 6;  // heads this block
+  uint32_t kind = 6;  // identifies this block
   uint8_t enabled = 1;
   uint8_t padding[3] = {};
   int32_t left;

@@ -56,7 +56,7 @@ Counts ScanSamples(Grid grid, const IShape* s1, const IShape* s2) {
   return counts;
 }
 
-// Counts in the way that needs the fewest Contains(). A null shape contains all samples.
+// Counts in the way that needs the fewest calls of Contains(). A null shape contains all samples.
 Counts Count(const Grid& grid, const IShape* s1, const IShape* s2) {
   if (s1 == nullptr && s2 == nullptr) {
     const uint32_t all = grid.columns.Left() * grid.rows.Left();
@@ -104,7 +104,7 @@ void Rect::NumOfPointsIn(const IShape& s1, const IShape& s2, unsigned int& in_s1
   const uint32_t nx = ScanPoints(x_property, top_left.x, bottom_right.x);
   const uint32_t ny = ScanPoints(y_property, top_left.y, bottom_right.y);
   if (nx == 0 || ny == 0) {
-    // Continues, because the log lines about the corners tell how the shapes lie.
+    // Continues, because the log lines about the corners show how the shapes lie.
     FP_LOG_ERROR(kTag, "[%s] Invalid scan points(%u, %u)", "NumOfPointsIn", nx, ny);
   }
   const bool all_points_in_s1 = ContainsCorners(s1, *this);

@@ -152,7 +152,7 @@ RowSpan EllipseRows::CorrectSpan(const Roots& roots, uint32_t row, const RowSpan
       FirstIndex(0, count, guess.begin[row], [&](uint32_t i) { return Dx(i) >= outer_low; });
   span.outer_end = FirstIndex(span.outer_begin, count, std::max(span.outer_begin, guess.end[row]),
                               [&](uint32_t i) { return Dx(i) > outer_high; });
-  // A linear search: each sample that it passes is undecided and needs a Contains() anyway.
+  // A linear search: each sample that it passes is undecided and needs a call of Contains() anyway.
   span.begin = span.outer_begin;
   while (span.begin < span.outer_end && !(Dx(span.begin) > roots.inner_low[row])) {
     ++span.begin;

@@ -22,7 +22,7 @@ struct Counts {
   uint32_t in_both = 0;
 };
 
-// Counts the samples row by row, without a Contains() for each.
+// Counts the samples row by row, without calling Contains() for each.
 Counts CountRows(Grid grid, const ShapeRows& s1, const ShapeRows& s2);
 
 }  // namespace android::fp_utils

@@ -54,8 +54,8 @@ std::string AuthEvent::ToBackupString() const {
   return text.ToString();
 }
 
-// Fields without a temporary are scanned straight into the record. After a failure it holds those
-// that were readable.
+// sscanf() stores most fields directly in the record, so a record that fails to load keeps the ones
+// that were read before the failure.
 bool AuthEvent::LoadFromBackupString(std::string& text) {
   unsigned long long stored_time = 0;
   unsigned stored_info = 0;
@@ -70,8 +70,8 @@ bool AuthEvent::LoadFromBackupString(std::string& text) {
   timestamp = static_cast<time_t>(stored_time);
   acquired_info = static_cast<int8_t>(stored_info);
   auth_successful = stored_success != 0;
-  // The pattern is stricter than the scan. A text that only the scan accepts is not shortened, and
-  // the derived record then fails to load.
+  // The pattern is stricter than sscanf(). If only sscanf() accepts the text, nothing is removed
+  // from it, and the derived record then fails to load.
   RemoveFields(text, kFieldTypes);
   return true;
 }

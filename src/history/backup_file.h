@@ -87,14 +87,14 @@ class BackupFile {
   BackupFile(const LogNames& names, const char* instance, const std::string& path)
       : names_(names), instance_(instance), path_(path) {}
 
-  // Creates `directory` if need be and returns the path of `file_name` in it. A failure is logged
-  // and shows again when the file is opened.
+  // Creates `directory` if necessary and returns the path of `file_name` in it. A failure is
+  // logged; opening the file then fails, too.
   [[nodiscard]] static std::string CreateDirectoryAndPath(const LogNames& names,
                                                           const char* directory,
                                                           const std::string& file_name);
 
   // Replaces the content of the file. The file is not truncated first, so a process that is killed
-  // meanwhile leaves the start of the new content followed by the rest of the old one.
+  // during the write leaves the start of the new content followed by the rest of the old one.
   void Save(std::string_view content) const;
 
   // Calls `take` with each record text up to the end of the file or the first damage.

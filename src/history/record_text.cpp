@@ -29,7 +29,7 @@ const char* EndOfField(const char* at, char type) {
   return decimals == 0 ? at : at + 1 + decimals;
 }
 
-// The same for several fields with commas in between.
+// The end of several comma-separated fields, or null.
 const char* EndOfFields(const char* at, const char* types) {
   at = EndOfField(at, *types);
   while (at != nullptr && *++types != '\0') {

@@ -11,7 +11,7 @@ namespace {
 
 namespace V2_0 = ::android::hardware::thermal::V2_0;
 
-// For thresholds that the service does not give.
+// For thresholds that the service does not provide.
 constexpr float kNoThreshold = std::numeric_limits<float>::quiet_NaN();
 
 // The last type that HIDL has in common with AIDL, which has more.

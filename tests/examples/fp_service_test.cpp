@@ -96,7 +96,7 @@ TEST_F(FpServiceTest, WeekGoesOnAfterRestartsAndPowerCut) {
   const Result week = Run(Scenario("week") + "-v");
   ASSERT_EQ(0, week.exit_code) << week.output;
   const std::string cut = week.From("power cut during a save: ");
-  EXPECT_NE(std::string::npos, cut.find(" bytes of AuthStats.0 are there\nfound 5"));
+  EXPECT_NE(std::string::npos, cut.find(" bytes of AuthStats.0 are left\nfound 5"));
   EXPECT_EQ(20, RowOf(week, "Thu, battery charged").with[1]) << "still enrolled";
   EXPECT_LT(RowOf(week, "Sat, beach").with[0], RowOf(week, "Sat, beach").without[0] / 2);
   const std::string nothing = week.From("Fri, left at home ");
@@ -127,23 +127,22 @@ TEST_F(FpServiceTest, OptionsAndExitCodes) {
     std::string output;
   } kCases[] = {
       {"--help", 0, "usage: fp_service --scenario FILE"},
-      {"", 2, "either --scenario or --dump-only is needed"},
-      {"--dump-only " + Scenario("day"), 2, "either --scenario or --dump-only is needed"},
+      {"", 2, "either --scenario or --dump-only is required"},
+      {"--dump-only " + Scenario("day"), 2, "either --scenario or --dump-only is required"},
       {"--nonsense", 2, "unrecognized option '--nonsense'"},
       {"--dump-only x", 2, "unexpected argument x"},
-      {"--dump-only --seed -1", 2, "--seed is a whole number"},
-      {"--dump-only --log loud", 2, "--log is debug, info, error or off"},
-      {"--dump-only --property x", 2, "a property is written NAME=VALUE"},
+      {"--dump-only --seed -1", 2, "--seed must be an integer"},
+      {"--dump-only --log loud", 2, "--log must be debug, info, error or off"},
+      {"--dump-only --property x", 2, "must have the form NAME=VALUE"},
       {"--dump-only --property " + exposure + "frr=1", 2, "reads no property " + exposure + "frr"},
-      {"--dump-only --property " + exposure + "frr_threshold=a", 2,
-       "does not take \"a\"; 20 would stay in force"},
+      {"--dump-only --property " + exposure + "frr_threshold=a", 2, "; 20 would stay in effect"},
       {"--dump-only --property " + exposure + "frr_threshold=7", 0, "kFrrThreshold: 7\n"},
       {"--dump-only --property persist.vendor.udfps.dynamic_exposure_supported=0", 0,
        "DynamicExposureSupported:0\n"},
       {"--dump-only --log error", 0, "Failed to open"},
       {"--scenario " + folder_.string(), 3, folder_.string() + ": is a directory\n"},
       {"--scenario /nowhere.jsonl", 3, "/nowhere.jsonl: No such file or directory\n"},
-      {"--scenario " + bad, 3, bad + ":1: the first event is \"day\"\n"},
+      {"--scenario " + bad, 3, bad + ":1: the first event must be \"day\"\n"},
   };
   for (const auto& test : kCases) {
     const Result result = Run(test.options);

@@ -53,30 +53,29 @@ TEST(Scenario, RejectsWrongLinesWithPlaceAndReason) {
   } kCases[] = {
       {"{", "not JSON, at or before column 2"},
       {R"({"event": "light", "lux": 1e999})", "a number is too large"},
-      {R"({"event": "dump", "at": "07:00:00", "at": "08:00:00"})", "\"at\" stands there twice"},
+      {R"({"event": "dump", "at": "07:00:00", "at": "08:00:00"})", "\"at\" occurs twice"},
       {R"({"event": "phase", "at": "07:00:00", "name": "a\u001bb"})",
-       "\"name\" has a control character"},
-      {R"({"event": "dump", "at": "07:00:00", "a\u001b": 1})",
-       "\"a\\u001b\" is no field of this event"},
-      {"[1]", "an event is a JSON object"},
-      {R"({"event": 1})", "\"event\" is a text"},
+       "\"name\" contains a control character"},
+      {R"({"event": "dump", "at": "07:00:00", "a\u001b": 1})", "unknown field \"a\\u001b\""},
+      {"[1]", "an event must be a JSON object"},
+      {R"({"event": 1})", "\"event\" must be a string"},
       {R"({"event": "dump"})", "\"at\" is missing"},
-      {R"({"event": "dump", "at": "07:00:00 "})", "\"at\" is a time like \"07:05:00\""},
+      {R"({"event": "dump", "at": "07:00:00 "})", "\"at\" must be a time like \"07:05:00\""},
       {R"({"event": "dump", "at": "06:00:39"})",
        "\"at\" is before 2026-03-04 06:00:40, when the event of line 3 ends"},
-      {R"({"event": "day", "date": "2026-03-04"})", "\"date\" is not after the day before"},
-      {R"({"event": "day", "date": "2026-02-30"})", "there is no 2026-02-30"},
-      {R"({"event": "nap", "at": "07:00:00"})", "\"nap\" is no event"},
+      {R"({"event": "day", "date": "2026-03-04"})", "\"date\" is not after the previous one"},
+      {R"({"event": "day", "date": "2026-02-30"})", "2026-02-30 does not exist"},
+      {R"({"event": "nap", "at": "07:00:00"})", "unknown event \"nap\""},
       {R"({"event": "calibrate", "at": "07:00:00", "expo_ms": 0, "base": 1})",
-       "\"expo_ms\" is a number from 0.001 to 10000"},
+       "\"expo_ms\" must be a number from 0.001 to 10000"},
       {R"({"event": "attempts", "at": "07:00:00", "finger": 1, "count": 1000000})",
        "more than 1000000 touches in all"},
       {R"({"event": "attempts", "at": "07:00:00", "finger": 1, "skin": "fur"})",
-       "\"skin\" is one of \"dry\", \"normal\", \"wet\""},
+       "\"skin\" must be one of \"dry\", \"normal\", \"wet\""},
       {R"({"event": "enroll", "at": "07:00:00", "finger": 0})",
-       "\"finger\" is a whole number from 1 to 5"},
+       "\"finger\" must be an integer from 1 to 5"},
       {R"({"event": "acquisition_errors", "at": "07:00:00", "info": 1})",
-       "\"info\" 1 is a good image; write \"attempts\""},
+       "\"info\" 1 is a good image; use \"attempts\""},
   };
   const std::string calibrate =
       R"({"at": "06:00:00", "event": "calibrate", "expo_ms": 60, "base": 300})";
@@ -86,11 +85,11 @@ TEST(Scenario, RejectsWrongLinesWithPlaceAndReason) {
   for (const auto& test : kCases) {
     EXPECT_EQ(std::string("x.jsonl:5: ") + test.reason, ErrorOf(before + test.line));
   }
-  EXPECT_EQ("x.jsonl:1: a scenario begins with the event \"day\"", ErrorOf(""));
-  EXPECT_EQ("x.jsonl:1: nothing happens on the day", ErrorOf(kDay));
-  EXPECT_EQ("x.jsonl:1: the first event is \"day\"", ErrorOf(R"({"event": "dump"})"));
+  EXPECT_EQ("x.jsonl:1: a scenario must begin with the event \"day\"", ErrorOf(""));
+  EXPECT_EQ("x.jsonl:1: the scenario has no events", ErrorOf(kDay));
+  EXPECT_EQ("x.jsonl:1: the first event must be \"day\"", ErrorOf(R"({"event": "dump"})"));
   const char* const uncalibrated =
-      ": no \"calibrate\" since the service started: it has no exposure";
+      ": \"calibrate\" is required after each start of the service, to set its exposure";
   EXPECT_EQ(std::string("x.jsonl:2") + uncalibrated, ErrorOf(std::string(kDay) + "\n" + attempts));
   EXPECT_EQ(std::string("x.jsonl:4") + uncalibrated,
             ErrorOf(std::string(kDay) + "\n" + calibrate +

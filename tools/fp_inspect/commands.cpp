@@ -72,8 +72,8 @@ class Outcome {
   bool is_damaged_ = false;
 };
 
-// For a folder, the results of the files that have records, damage or errors; for any other input,
-// its result.
+// Reads a file, or the files of a folder. Of a folder, leaves out the files without records, damage
+// or errors.
 std::vector<ReadResult> ReadAll(const std::string& input, InputKind kind) {
   std::vector<ReadResult> results;
   const auto read = [&](const std::string& path, bool is_named) {
@@ -152,7 +152,8 @@ Device ReadDevice(const Options& options, Outcome* outcome) {
   return device;
 }
 
-// A device is an input, or each entry of a folder that is not itself the file tree of a device.
+// Each input is a device, except that a folder has one device per entry, unless it is the file tree
+// of one device.
 std::vector<std::string> DevicesOf(const std::vector<std::string>& inputs, Outcome* outcome) {
   std::vector<std::string> devices;
   for (const std::string& input : inputs) {
@@ -271,8 +272,8 @@ int RunFleet(const Options& options) {
   const std::vector<std::string> devices = DevicesOf(options.inputs, &outcome);
   const unsigned jobs =
       options.jobs > 0 ? options.jobs : std::max(1U, std::thread::hardware_concurrency());
-  // Only one batch is in memory at a time. One thread merges its devices, because a zone applies to
-  // the whole process.
+  // Works in batches to bound the memory. One thread merges all devices, because a time zone
+  // applies to the whole process.
   const size_t batch = size_t{16} * jobs;
   Fleet fleet;
   for (size_t begin = 0; begin < devices.size(); begin += batch) {

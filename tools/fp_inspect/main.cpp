@@ -151,7 +151,7 @@ void AddFleet(CLI::App* app, Options* options) {
       ->type_name("N");
 }
 
-// The options of `replay` that are parsed later, as text.
+// The unparsed options of `replay`.
 struct ReplayArguments {
   std::string calibration;
   std::vector<std::string> settings;
@@ -282,8 +282,7 @@ int Main(int argc, char** argv) {
   } catch (const CLI::ParseError& error) {
     return app.exit(error) == 0 ? kDone : kUsage;
   }
-  // Names the file of the machine's zone. If TZ is not set, each conversion checks whether that
-  // file has changed.
+  // If TZ were unset, the C library would check the zone file for changes at each conversion.
   setenv("TZ", ":/etc/localtime", 0);
   __android_log_set_minimum_priority(ANDROID_LOG_SILENT);  // the tool reports damage itself
   const std::map<std::string, int (*)(const Options&)> commands = {

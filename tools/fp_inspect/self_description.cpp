@@ -19,7 +19,8 @@ std::vector<const CLI::Option*> OptionsOf(const CLI::App& app) {
   });
 }
 
-// A text for troff, which takes a hyphen for a dash and a dot at a line's front for a request.
+// Escapes what troff would interpret: hyphens, backslashes, and a dot or quote at the start of a
+// line.
 std::string Roff(const std::string& text) {
   std::string out;
   for (const char c : text) {

@@ -6,8 +6,8 @@
 
 namespace fp_inspect {
 
-// The manual page and the completions of the shells, made from the options that the program parses:
-// `form` is "man", "bash" or "zsh".
+// Generates the manual page or a shell completion script from the options of the program. `form` is
+// "man", "bash" or "zsh".
 std::string Describe(const CLI::App& app, const std::string& form);
 
 }  // namespace fp_inspect

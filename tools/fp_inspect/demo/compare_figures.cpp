@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Measures how often `compare` shows a difference: between devices that are equal, and between
-// those of the demo. A simulated day has as many bursts as the demo's, each drawn from all of a
+// Measures how often `compare` finds a difference between equal devices, and between those of the
+// demo. A simulated day has as many bursts as one of the demo, drawn at random from all bursts of a
 // device.
 #include <fmt/format.h>
 
@@ -18,7 +18,7 @@ namespace {
 
 using Records = std::vector<Record>;
 
-constexpr size_t kBurstsADay = 5;
+constexpr size_t kBurstsPerDay = 5;
 constexpr int64_t kDay = 86400;
 
 std::vector<Records> BurstsOf(const std::string& folder, int64_t since) {
@@ -44,9 +44,9 @@ class Simulation {
  public:
   // Appends days to `attempts`.
   void Draw(const std::vector<Records>& bursts, size_t days, Records* attempts) {
-    for (size_t i = 0; i < days * kBurstsADay; ++i) {
+    for (size_t i = 0; i < days * kBurstsPerDay; ++i) {
       Records burst = bursts[random_() % bursts.size()];
-      const int64_t start = attempts->empty() ? 0 : attempts->back().time + kDay / kBurstsADay;
+      const int64_t start = attempts->empty() ? 0 : attempts->back().time + kDay / kBurstsPerDay;
       const int64_t shift = start - burst.front().time;
       for (Record& record : burst) {
         record.time += shift;
@@ -55,8 +55,8 @@ class Simulation {
     }
   }
 
-  double Shown(const std::vector<Records>& a, const std::vector<Records>& b, size_t days,
-               size_t pairs) {
+  double PercentDifferent(const std::vector<Records>& a, const std::vector<Records>& b, size_t days,
+                          size_t pairs) {
     size_t shown = 0;
     for (size_t i = 0; i < pairs; ++i) {
       Records first;
@@ -68,7 +68,7 @@ class Simulation {
     return 100 * static_cast<double>(shown) / static_cast<double>(pairs);
   }
 
-  // A device that becomes the other one after half of its days.
+  // The second half of the days comes from the bad device.
   void SinceWhen(const std::vector<Records>& good, const std::vector<Records>& bad, size_t days,
                  size_t series) {
     size_t shown = 0;
@@ -102,8 +102,9 @@ void Measure(const std::string& reports) {
     fmt::print(
         "{} days: a difference is found in {:.1f} % of 1,000 pairs of good devices, {:.1f} % of "
         "pairs of bad ones, {:.1f} % of pairs of a good and a bad one\n",
-        days, simulation.Shown(good, good, days, 1000), simulation.Shown(bad, bad, days, 1000),
-        simulation.Shown(good, bad, days, 1000));
+        days, simulation.PercentDifferent(good, good, days, 1000),
+        simulation.PercentDifferent(bad, bad, days, 1000),
+        simulation.PercentDifferent(good, bad, days, 1000));
   }
   for (const size_t days : {6, 12}) {
     simulation.SinceWhen(good, good, days, 500);

@@ -9,7 +9,8 @@
 namespace fp_inspect {
 namespace {
 
-// Causes that the values of an image show, the first that applies. A new cause is a new row.
+// Causes that are derived from the values of an image; the first that applies is used. To add a
+// cause, add a row.
 struct ValueCause {
   const char* id;
   bool (*applies)(const AuthEventG7&, const Thresholds&);
@@ -43,7 +44,7 @@ constexpr ValueCause kValueCauses[] = {
      "not related to exposure: check finger placement, case, screen protector", false},
 };
 
-// What is known of single acquisition errors and reasons beyond their name.
+// Hints on acquisition errors and the matcher's reasons, by their names.
 const std::map<std::string, const char*>& Meanings() {
   static const std::map<std::string, const char*> meanings = {
       {"TOO_DARK", "the panel did not light up, or the finger is wet"},

@@ -8,27 +8,27 @@
 
 namespace fp_inspect {
 
-// The limits between good and bad values: those of the exposure controller, from its settings in a
-// dump or else its defaults, and the coverage below which rejects become frequent.
+// The limits between good and bad values. Those of the exposure controller come from its settings
+// in a dump; without one, they are its defaults.
 struct Thresholds {
   static Thresholds Of(const std::optional<Exposure>& exposure);
 
   int32_t iq = 28;
   int32_t high_raw_mean = 2500;
   int32_t low_raw_mean = 1500;
-  float coverage = 60;  // percent
+  float coverage = 60;  // percent; rejects become frequent below it
   bool from_dump = false;
 };
 
-// Why an attempt failed. Ids are stable: they are only added to.
+// Why an attempt failed. Ids never change, but new ones may be added.
 struct Cause {
   std::string id;
   std::string title;
-  std::string meaning;    // what it means to those who tune
-  bool is_light = false;  // shows too much or too little light
+  std::string meaning;    // hint for the user
+  bool is_light = false;  // too much or too little light
 };
 
-// The cause of a failed attempt, which is one without a good image or one that was rejected.
+// The cause of a failed attempt. An attempt fails if it has no good image or is rejected.
 Cause CauseOf(const Record& record, const Thresholds& thresholds);
 
 bool IsFailed(const AuthEventG7& attempt);

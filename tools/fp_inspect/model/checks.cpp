@@ -11,7 +11,8 @@ namespace {
 
 constexpr char kPanelNotLit[] = "failed to enable lhbm";
 
-// A check adds what it finds. A new check is a function and its place in kChecks.
+// A check adds its findings to the summary. To add a check, write a function and list it in
+// kChecks.
 using Check = void (*)(const Device& device, Summary* summary);
 
 void DarkWhileDisplayFailed(const Device& device, Summary* summary) {

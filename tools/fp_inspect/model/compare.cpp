@@ -12,7 +12,7 @@
 namespace fp_inspect {
 namespace {
 
-constexpr double kMinFailures = 5;  // on both sides together, below which a share is not tested
+constexpr double kMinFailures = 5;  // of both sides together; shares with fewer are not tested
 
 struct Observation {
   const AuthEventG7& attempt;
@@ -31,9 +31,10 @@ Value ValueIf(bool counts, double value) {
   return counts && std::isfinite(value) ? Value(value) : std::nullopt;
 }
 
-// A row takes a value from each attempt that it is about. To add a row, add an entry. Light changes
-// quality and raw mean, but so does a finger that covers little of the sensor. The rows about light
-// therefore use only covered images, and come after the rows about coverage.
+// A row of the comparison; `of` returns its value for an attempt, or nothing if the row does not
+// apply. To add a row, add an entry. Light changes quality and raw mean, but so does a finger that
+// covers little of the sensor. The rows about light therefore use only covered images, and follow
+// the rows about coverage.
 struct Measure {
   const char* id;
   const char* title;
@@ -66,7 +67,7 @@ Value IsCause(const Observation& observation, const Cause& cause) {
   return ValueIf(counts, observation.cause == cause.id);
 }
 
-// All rows over the bursts of both groups, those of the first group first.
+// The values of all rows, by burst. The bursts of the first group come first.
 class Table {
  public:
   explicit Table(const Thresholds& thresholds) : thresholds_(thresholds) {}
@@ -114,8 +115,8 @@ class Table {
     }
   }
 
-  // Tests the rows with enough records to show a difference, and for shares also enough failures
-  // and enough others.
+  // Tests the rows that have enough records and, for shares, enough records that count and enough
+  // that do not.
   template <typename Statistic>
   void Test(bool of_any_split, const Statistic& statistic, Comparison* comparison) const {
     std::vector<Bursts> tested;
@@ -199,7 +200,7 @@ const CompareRow& Find(const Comparison& comparison, const std::string& id) {
                        [&](const CompareRow& row) { return row.id == id; });
 }
 
-// States the evidence of one row, and names the other rows that show a difference.
+// States the evidence of one row, and names the other significant rows.
 std::string DescribeDifference(const Comparison& comparison, const CompareRow& row,
                                const std::string& a, const std::string& b) {
   std::string text = fmt::format("{} evidence that {} and {} differ: {} {} vs. {} ({})",
@@ -272,7 +273,7 @@ Comparison CompareSinceWhen(const std::vector<Record>& attempts, const Threshold
                                      attempts.size(), table.Count());
     return comparison;
   }
-  // The row with the least p gives the time; if several have it, the first of them.
+  // The row with the smallest p determines the time; of several such rows, the first.
   const auto best = std::min_element(
       comparison.rows.begin(), comparison.rows.end(),
       [](const CompareRow& x, const CompareRow& y) { return x.p.value_or(2) < y.p.value_or(2); });

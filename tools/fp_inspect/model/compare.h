@@ -13,9 +13,9 @@
 
 namespace fp_inspect {
 
-// What is measured on both sides. Ids are stable: they are only added to.
+// One measure of both sides. Ids never change, but new ones may be added.
 struct CompareRow {
-  // A share or a mean of few records says nothing.
+  // Whether both sides have enough records for a meaningful share or mean.
   bool IsLarge() const { return a.n >= 20 && b.n >= 20; }
   bool HasInterval() const { return IsLarge() && difference.low <= difference.high; }
   bool IsSignificant() const { return p && *p <= 0.05; }
@@ -23,7 +23,7 @@ struct CompareRow {
   std::string id;
   std::string title;
   bool is_share = false;  // otherwise a mean
-  BurstSum a = {};        // of a share, `sum` is k
+  BurstSum a = {};        // for a share, `sum` counts records
   BurstSum b = {};
   Interval difference = {};      // of b minus a at 95 %; NaN if there is none
   std::optional<double> p = {};  // corrected for the number of rows; only of tested rows

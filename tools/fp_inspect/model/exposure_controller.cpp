@@ -41,7 +41,8 @@ constexpr Name kNames[] = {
     {"lower_bound_us", "kExpoLowerBoundUs"},
 };
 
-// Asks the platform, as the library does: if a text is not valid, each call returns its default.
+// Parses the text as the library does, by reading it as a property. For an invalid text both calls
+// return their different defaults.
 std::optional<uint32_t> ParseAsProperty(const std::string& text) {
   constexpr char kScratch[] = "fp_inspect.value";
   SetProperty(kScratch, text);
@@ -131,7 +132,7 @@ ExposureController::ExposureController(const Settings& settings,
     auto& self = *static_cast<ExposureController*>(context);
     self.expo_ = self.is_calibrated_ ? expo : NAN;
   });
-  // The base is so large that no number of steps comes near a bound.
+  // The base is so large that no number of steps reaches a bound.
   const Calibration used = calibration.value_or(Calibration{.expo = 1000, .base = 1e9F});
   controller_->UpdateCaliExpo(used.expo, used.base);
 }

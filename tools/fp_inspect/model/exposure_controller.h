@@ -18,7 +18,7 @@ namespace fp_inspect {
 // ("frr_threshold"). A setting that is missing has the library's default.
 using Settings = std::map<std::string, uint32_t>;
 
-// Converts the settings of a dump, which have other names there.
+// Converts the settings of a dump, which uses other names.
 Settings SettingsOf(const Exposure& exposure);
 
 using Setting = std::pair<std::string, uint32_t>;

@@ -13,7 +13,7 @@ namespace {
 
 constexpr int8_t kAcquiredPartial = 2;
 
-// The shortest decimal that is this float, so that a stored 2.07 is not 2.069999933.
+// Converts by way of the shortest decimal text, so that a stored 2.07 does not become 2.069999933.
 double Shortest(float value) {
   return std::isfinite(value) ? std::stod(fmt::format("{}", value)) : value;
 }

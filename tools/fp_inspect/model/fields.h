@@ -25,7 +25,7 @@ const char* NameOf(RecordKind kind);
 // The names of the fields of all kinds, in the order of the columns of a table.
 const std::vector<std::string>& FieldNames();
 
-// Which records `list` shows: those to which all conditions that are set apply.
+// Selects the records that `list` shows: those that meet all conditions that are set.
 struct Filter {
   // Parse() takes "t_cov<60". On failure it returns nothing, and `why` says what is wrong.
   struct Condition {

@@ -9,7 +9,7 @@
 
 namespace fp_inspect {
 
-// What is kept in memory for each of many devices.
+// The data that is kept for each device.
 struct FleetRow {
   std::string name;
   size_t attempts = 0;

@@ -133,7 +133,7 @@ ControllerTrace Simulate(const Run& run, const Settings& settings,
   return trace;
 }
 
-// The first step that only one of the courses has, or that leads to different exposures.
+// The first step that only one of the traces has, or that leads to different exposures.
 std::optional<Departure> DepartureOf(const ControllerTrace& recorded, const ControllerTrace& other,
                                      bool has_same_unit) {
   for (size_t i = 0; i < std::max(recorded.steps.size(), other.steps.size()); ++i) {

@@ -24,8 +24,8 @@ struct Sample {
 };
 
 struct ExposureStep {
-  size_t at = 0;     // position in the run of the attempt that led to it
-  int32_t step = 0;  // in force from then on, counted from the calibration
+  size_t at = 0;     // position in the run of the attempt that caused it
+  int32_t step = 0;  // in effect from then on, counted from the calibration
   float expo = 0;    // milliseconds; NaN without a calibration
   bool up = false;
   Sample sample = {};
@@ -41,10 +41,10 @@ struct ReplayCheck {
   Exposure replayed = {};
 };
 
-// One course of the controller through the attempts of a run.
+// The steps and exposures of a controller that is fed the attempts of a run.
 struct ControllerTrace {
   std::vector<ExposureStep> steps;
-  std::vector<float> expo;  // in force at each attempt
+  std::vector<float> expo;  // in effect at each attempt
   size_t rejected = 0;
 };
 
@@ -61,7 +61,7 @@ struct Run {
   size_t images = 0;
 };
 
-// Where a run with other settings would have left its recorded course.
+// The first point at which a run with other settings differs from the recorded one.
 struct Departure {
   size_t run = 0;
   size_t at = 0;                              // position of the attempt
@@ -85,7 +85,8 @@ struct Replay {
   size_t checks = 0;
 };
 
-// The recorded course of every run; with `model` also the fit, if there is one.
+// Replays every run with its recorded settings. With `fit_sensor`, also fits the sensor model if
+// possible.
 Replay ReplayRecorded(const Device& device, const std::optional<Calibration>& calibration,
                       bool fit_sensor);
 

@@ -57,7 +57,7 @@ bool FitQuality(const std::vector<SensorFit::Image>& images, SensorFit* fit) {
   }
   const double determinant = x2 * (x4 - x2 * x2 / n) - x3 * x3;
   if (!(determinant > 1e-9)) {
-    return false;  // two raw means, or one: many parabolas go through them
+    return false;  // fewer than three different raw means do not determine a parabola
   }
   const double c = (x2 * (x2y - x2 * y / n) - x3 * xy) / determinant;
   const double b = (xy - c * x3) / x2;
@@ -76,7 +76,8 @@ bool FitQuality(const std::vector<SensorFit::Image>& images, SensorFit* fit) {
   return true;
 }
 
-// The cut with the fewest rejects at or above it and acceptances below it.
+// Finds the quality cut with the fewest wrong outcomes: rejects at or above it, and matches below
+// it.
 void FitOutcome(const std::vector<SensorFit::Image>& images, SensorFit* fit) {
   std::vector<std::pair<int32_t, bool>> outcomes;
   for (const auto& image : images) {

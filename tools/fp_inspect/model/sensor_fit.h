@@ -11,12 +11,12 @@
 namespace fp_inspect {
 
 // A model of the sensor, fitted to recorded images: the raw mean is proportional to the exposure,
-// the quality is a parabola of the raw mean, and an image that the finger covers is rejected below
-// a certain quality.
+// the quality is a parabola of the raw mean, and an image with enough coverage is rejected below a
+// certain quality.
 struct SensorFit {
   struct Image {
     const AuthEventG7* attempt;
-    float expo;  // milliseconds, in force at the capture
+    float expo;  // milliseconds, in effect at the capture
   };
   // Fits by least squares. Returns nothing for fewer than 20 images, and for images whose quality
   // has no maximum over the raw mean.
@@ -24,20 +24,20 @@ struct SensorFit {
 
   double Quality(double raw) const;
 
-  // What the attempt would have been with `ratio` times the exposure. It keeps its own deviations
-  // from the fit, and its outcome changes if its quality crosses `iq_cut`.
+  // Predicts the attempt with `ratio` times the exposure. It keeps its deviations from the fit, and
+  // its outcome changes if its quality crosses `iq_cut`.
   AuthEventG7 At(const AuthEventG7& attempt, double ratio) const;
 
   size_t images = 0;
   double raw_per_ms = 0;
-  double raw_error = 0;  // standard deviation from the fit, over the mean
+  double raw_error = 0;  // standard deviation from the fit, relative to the mean
   double best_quality = 0;
   double best_raw = 0;
   double falloff = 0;  // per (1000 raw)^2
   double quality_error = 0;
   int32_t iq_cut = 0;
-  size_t covered = 0;  // images with enough of the finger
-  size_t wrong = 0;    // of these, with another outcome than iq_cut predicts
+  size_t covered = 0;  // images with enough coverage
+  size_t wrong = 0;    // of these, images whose outcome iq_cut predicts wrongly
 };
 
 }  // namespace fp_inspect

@@ -26,7 +26,7 @@ double DistanceOf(const BurstSum& before, const BurstSum& after) {
          std::sqrt(1 / static_cast<double>(before.n) + 1 / static_cast<double>(after.n));
 }
 
-// Squared deviations of bursts from the mean of their side.
+// Sum of the squared deviations of bursts from the mean of their side.
 double SquaresWithin(std::span<const BurstSum> side) {
   const double mean = MeanOf(Total(side));
   return std::accumulate(side.begin(), side.end(), 0.0, [&](double sum, const BurstSum& burst) {

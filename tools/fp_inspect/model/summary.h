@@ -13,7 +13,7 @@ namespace fp_inspect {
 
 struct Share {
   double Value() const { return n == 0 ? 0 : static_cast<double>(k) / static_cast<double>(n); }
-  // With fewer, a percentage would say too little.
+  // Whether there are enough for a meaningful percentage.
   bool IsLarge() const { return n >= 20; }
   Interval Range(double z = kZ95) const { return WilsonInterval(k, n, z); }
 
@@ -24,10 +24,10 @@ struct Share {
 struct CauseCount {
   Cause cause;
   Share of_failures;
-  std::string note;  // what else the inputs say about it
+  std::string note;  // further evidence in the inputs
 };
 
-// What a person who compares the values would notice. Ids are stable.
+// Something notable in the data, such as a contradiction. Ids never change.
 struct Finding {
   std::string id;
   std::string text;
@@ -52,7 +52,7 @@ struct Summary {
   std::vector<Tally> periods;
   std::vector<Finding> findings;
   Thresholds thresholds;
-  size_t enrolled = 0;  // additions that succeeded, that failed, and deletions
+  size_t enrolled = 0;  // successful additions
   size_t enroll_failed = 0;
   size_t deleted = 0;
   size_t critical_errors = 0;

@@ -15,17 +15,18 @@ namespace {
 
 constexpr size_t kDamageKept = 100;
 
-// A history whose size is a multiple of this is taken for full. The library fixes only the
+// A history whose size is a multiple of this is assumed to be full. The library fixes only the
 // capacities of enrollments and errors; services choose the others.
 constexpr size_t kCapacityUnit = 50;
 
 // How many records may be in one history but not in the other before the next common record.
 constexpr size_t kMaxSkippedRecords = 64;
 
-// How many places are tried when looking for the beginning of a history.
+// The number of candidates that are tried to find where a history begins.
 constexpr size_t kMaxOverlapsTried = 64;
 
-// A hash of what is the same in a dump and in a backup file, which round floats differently.
+// A hash of what a dump and a backup file have in common. It leaves out floats, which they round
+// differently.
 size_t KeyOf(const Record& record) {
   Record alike = record;
   if (auto* attempt = std::get_if<AuthEventG7>(&alike.value)) {
@@ -79,7 +80,7 @@ class Merger {
     }
   }
 
-  // How many records agree from there on. A run to the end of either history is a perfect overlap.
+  // The number of equal records from there on. `to_end`: they reach the end of either history.
   size_t MatchLength(size_t old_at, size_t new_at, const std::vector<size_t>& keys,
                      bool* to_end) const {
     size_t run = 0;
@@ -91,8 +92,9 @@ class Merger {
     return run;
   }
 
-  // Where the new history begins in the old one: at an overlap up to the end of either, or else at
-  // the longest run. Its first records may be missing from the old one because of damage.
+  // Finds where the new history begins in the old one. Prefers an overlap that reaches the end of
+  // either; otherwise takes the longest. Because of damage, the first records of the new history
+  // may be missing from the old one.
   std::optional<Overlap> FindOverlap(const std::vector<size_t>& keys) const {
     for (size_t new_at = 0; new_at < keys.size(); ++new_at) {
       const auto found = positions_.find(keys[new_at]);
@@ -117,7 +119,7 @@ class Merger {
     return std::nullopt;
   }
 
-  // Walks through both from that place on. Where they differ, one has records that the other lost.
+  // Merges both from the overlap on. Where they differ, one lacks records of the other.
   void Align(Overlap overlap, std::vector<Record> records, const std::vector<size_t>& keys) {
     size_t old_at = overlap.old_at;
     size_t new_at = overlap.new_at;

@@ -17,7 +17,7 @@ namespace fp_inspect {
 struct Gap {
   int64_t from = 0;        // seconds since the epoch, the last record before the gap
   int64_t to = 0;          // the first record after it
-  bool lost_past = false;  // a history that was not full should have held what is missing
+  bool lost_past = false;  // the later history was not full, so it should have the missing records
 };
 
 // All records of one kind from all inputs of a device, in their order.
@@ -29,7 +29,7 @@ struct Timeline {
   bool full = false;   // the first history was probably full, so that earlier records are gone
 };
 
-// What a dump says about the exposure controller, and to which time this applies.
+// The exposure controller as a dump shows it, and the time to which this applies.
 struct ControllerDump {
   Exposure exposure;
   uint32_t source = 0;               // number of the input
@@ -49,7 +49,7 @@ struct Device {
   std::optional<Exposure> exposure;   // of the newest dump that has it
   std::vector<ControllerDump> dumps;  // those that show a bring-up without an error
   std::string bring_up;
-  std::string zone;  // that was used to read local times; "" is the machine's
+  std::string zone;  // used to read local times; "" is the machine's
 };
 
 // Merges a device's inputs as they arrive. Histories that overlap are aligned: the records that the
@@ -74,7 +74,7 @@ class DeviceBuilder {
   std::vector<Snapshot> snapshots_;
 };
 
-// Attempts without a pause of more than this are one burst: they share finger, light and place.
+// A longer pause begins a new burst. The attempts of a burst share finger, light and place.
 inline constexpr int64_t kBurstPause = 600;  // seconds
 
 // The positions in `records` at which bursts begin.

@@ -70,7 +70,7 @@ std::string Zone::Text(int64_t epoch, const char* form) const {
   const time_t seconds = epoch;
   tm parts = {};
   if (localtime_r(&seconds, &parts) == nullptr) {
-    return std::to_string(epoch);  // a year beyond all calendars, from a damaged clock
+    return std::to_string(epoch);  // the year does not fit, as with a damaged timestamp
   }
   char text[64];
   return {text, strftime(text, sizeof text, form, &parts)};

@@ -19,8 +19,8 @@ class Zone {
 
   const std::string& GetName() const { return name_; }
 
-  // `wall` is a wall clock's time as if it were UTC. If a clock change repeats an hour, a time in
-  // it is taken for the first of the two.
+  // `wall` is a local time, encoded as if it were UTC. If a clock change repeats an hour, a time in
+  // that hour is assumed to be the first of the two.
   int64_t ToEpoch(int64_t wall) const;
   int64_t ToWall(int64_t epoch) const;
   std::string Text(int64_t epoch, const char* form = "%Y-%m-%d %H:%M:%S") const;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// One table: of `list` the records with the columns of all kinds, of `compare` its rows.
+// CSV: the records of `list` with the columns of all kinds, or the rows of `compare`.
 #include <fmt/format.h>
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// JSON Lines: one object a line, as docs/fp_inspect.md describes them.
+// JSON Lines: one object per line, documented in docs/fp_inspect.md.
 #include <fmt/format.h>
 
 #include <cstdio>
@@ -13,7 +13,7 @@ namespace {
 
 using json = nlohmann::ordered_json;
 
-// Raised when a member changes its meaning or goes; new members and types do not count.
+// Raised when a member is removed or changes its meaning, but not for new members and types.
 constexpr int kSchema = 1;
 
 json Object(const char* type) { return {{"schema", kSchema}, {"type", type}}; }

@@ -15,17 +15,17 @@
 
 namespace fp_inspect {
 
-// Writes a line to the standard error and ignores a failure to do so.
+// Writes a line to standard error and ignores a failure to write.
 void PrintError(const std::string& text);
 template <typename... Values>
 void PrintErrorf(fmt::format_string<Values...> form, Values&&... values) {
   PrintError(fmt::format(form, std::forward<Values>(values)...));
 }
 
-// Writes the first of the noted damage to the standard error.
+// Writes the first damaged places to standard error.
 void PrintDamage(const Device& device);
 
-// Writes what a command found to the standard output, in one format. To add a format, add a class
+// Writes the results of a command to standard output, in one format. To add a format, add a class
 // in its own file and a line in output.cpp. A format leaves out what it cannot express.
 class Output {
  public:
@@ -47,7 +47,7 @@ class Output {
   virtual void PutFleet(const Fleet& /*fleet*/, size_t /*top*/) {}
 
   // An input that could not be read, and anything else that the user should know about an input.
-  // Both go to the standard error; a format for programs also writes them as objects.
+  // Both go to standard error; a machine-readable format also writes them as objects.
   virtual void PutFailure(const std::string& /*input*/, const std::string& text) {
     PrintError(text);
   }
@@ -64,7 +64,7 @@ std::unique_ptr<Output> MakeCsvOutput();
 
 void PrintReplay(const Replay& replay, const Device& device, bool check_replay, const Zone& zone);
 
-// Replaces the control characters in a text from a device, because a terminal would obey them.
+// Replaces the control characters in a text from a device, because a terminal would interpret them.
 std::string Printable(std::string text);
 
 }  // namespace fp_inspect

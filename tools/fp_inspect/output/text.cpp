@@ -43,7 +43,7 @@ std::string SideText(const CompareRow& row, const BurstSum& side) {
              : fmt::format("mean {:.0f}, n = {}", side.sum / static_cast<double>(side.n), side.n);
 }
 
-// A row of a table without the blanks of its empty last columns.
+// Prints a table row without trailing blanks.
 void PutRow(const std::string& row) {
   fmt::print("{}\n", row.substr(0, row.find_last_not_of(' ') + 1));
 }
@@ -239,7 +239,7 @@ class TextOutput : public Output {
                "no image", "rejected", "95 %", "most frequent cause");
     for (size_t i = 0; i < std::min(top, fleet.rows.size()); ++i) {
       const FleetRow& row = fleet.rows[i];
-      // The end of a path tells more than its beginning.
+      // The end of a path is more specific than its beginning.
       const std::string name =
           row.name.size() > 38 ? "..." + row.name.substr(row.name.size() - 35) : row.name;
       PutRow(fmt::format("{} {:<38}{:>9}{:>9}  {:<20}{:>9}  {}{}", row.is_outlier ? Mark("!") : " ",

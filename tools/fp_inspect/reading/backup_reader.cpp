@@ -18,10 +18,10 @@ namespace {
 using android::fp_utils::AuthEvent;
 using android::fp_utils::EnrollEvent;
 
-// The library reads a record text into a buffer of this size and ends it with a zero byte.
+// The library reads a record text into a buffer of this size and terminates it with a zero byte.
 constexpr size_t kMaxRecordText = 1024;
 constexpr size_t kMaxHeader = 64;
-constexpr size_t kMaxFrame = kMaxRecordText + kMaxHeader;  // a frame and its header fit
+constexpr size_t kMaxFrame = kMaxRecordText + kMaxHeader;  // bytes, with its header
 
 struct Header {
   uint32_t crc = 0;
@@ -88,7 +88,7 @@ bool Load(Record* record, std::string text, bool g7) {
   return loaded;
 }
 
-// The record in a text. The number of fields determines its class.
+// Parses a record text. The number of fields determines the class of the record.
 std::optional<Record> ReadRecord(std::string_view view) {
   const std::string text(view);
   Record record;
@@ -216,7 +216,7 @@ class BackupReader {
   }
 
   // Looks for intact frames after the damage. It accepts only frames exactly as the library writes
-  // them, so that nothing is taken for a record that never was one.
+  // them, so that other data is not mistaken for a record.
   void Salvage() {
     bool intact = false;
     for (std::string_view at; !(at = input_.Fill(kMaxFrame)).empty();) {

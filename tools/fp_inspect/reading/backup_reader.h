@@ -8,7 +8,7 @@
 
 namespace fp_inspect {
 
-// Whether the beginning of an input is one of a backup file, possibly damaged.
+// Whether an input with this beginning is a backup file, possibly a damaged one.
 bool LooksLikeBackup(std::string_view beginning);
 
 // Reads the frames of a backup file: the records that the service would load, where the damage is,

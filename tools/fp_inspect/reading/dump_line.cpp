@@ -12,7 +12,7 @@ namespace fp_inspect {
 namespace {
 
 constexpr size_t kTimeSize = sizeof("2026-03-04 05:06:07") - 1;
-constexpr size_t kIndexDigits = 3;  // at least
+constexpr size_t kMinIndexDigits = 3;
 
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 
@@ -47,7 +47,7 @@ bool ConsumeSlots(std::string_view* text, std::string_view name, auto* slots) {
   return is_complete;
 }
 
-// An enrollment's operation that is neither addition nor deletion; dumps do not print its number.
+// Stands for an operation other than addition and deletion, whose number a dump does not print.
 constexpr uint32_t kOpUnprinted = UINT32_MAX;
 
 // The acquisition codes, by the names that the library prints for them.
@@ -80,7 +80,7 @@ bool ConsumeOutcome(std::string_view* text, AuthEventG7* event) {
   return code != AcquiredCodes().end();
 }
 
-// Reads as many fields as there are. IfPrintedAs() later rejects a record with missing fields.
+// Reads as many fields as are present. IfPrintedAs() later rejects a record with missing fields.
 void ConsumeMatcherFields(std::string_view text, AuthEventG7* event) {
   (void)(Consume(&text, ", rc:", &event->rc) && Consume(&text, ", lptw:", &event->lptw) &&
          Consume(&text, ", t_cov:", &event->t_cov) &&
@@ -91,9 +91,8 @@ void ConsumeMatcherFields(std::string_view text, AuthEventG7* event) {
          ConsumeSlots(&text, ", stitch_img_area_:", &event->stitch_img_area_));
 }
 
-// A dump has the reason that the library derived from the packed metrics, but not the metrics. For
-// each reason that they can give there is one set of metrics that gives the record this reason
-// again.
+// A dump shows the reason that the library derived from the packed metrics, but not the metrics.
+// Each of these sets of metrics reproduces one of the possible reasons.
 void SetMetrics(AuthEventG7* event, int which) {
   const bool on_target = which > 0;
   event->packed_metric_1 = on_target ? 225220215 : 0;
@@ -134,7 +133,7 @@ std::optional<int64_t> ReadWallTime(std::string_view text) {
   parts.tm_sec = number(17, 2);
   const tm wanted = parts;
   const time_t time = timegm(&parts);
-  // timegm() takes a 30th of February for a day in March.
+  // timegm() turns 30 February into a day in March.
   const bool exists = parts.tm_mon == wanted.tm_mon && parts.tm_mday == wanted.tm_mday &&
                       parts.tm_hour == wanted.tm_hour && parts.tm_sec == wanted.tm_sec;
   return exists ? std::optional(int64_t{time}) : std::nullopt;
@@ -145,7 +144,7 @@ std::optional<DumpLine> FindDumpLine(std::string_view line) {
     std::string_view rest = line.substr(at + 1);
     DumpLine found;
     const size_t digits = std::min(rest.find_first_not_of("0123456789"), rest.size());
-    if (digits < kIndexDigits || !ConsumeNumber(&rest, &found.index) || !Consume(&rest, " ")) {
+    if (digits < kMinIndexDigits || !ConsumeNumber(&rest, &found.index) || !Consume(&rest, " ")) {
       continue;
     }
     const auto time = ReadWallTime(rest);

@@ -20,8 +20,8 @@ std::optional<DumpLine> FindDumpLine(std::string_view line);
 // "2026-03-04 05:06:07" at the front of `text`, as if it were UTC.
 std::optional<int64_t> ReadWallTime(std::string_view text);
 
-// The record whose dump line has these words. A record is only returned if the library prints it
-// in exactly these words, so that a damaged line is never taken for another record.
+// The record whose dump line has these words. A record is only returned if the library prints it in
+// exactly these words, so that a damaged line is never mistaken for another record.
 std::optional<Record> ReadAttempt(std::string_view words);
 std::optional<Record> ReadEnrollment(std::string_view words);
 

@@ -40,7 +40,7 @@ RecordKind KindOf(Section section) {
                                             : RecordKind::kAttempt;
 }
 
-// Reads the number that follows `name`, wherever in the line that is.
+// Reads the number that follows `name` anywhere in the line.
 bool ParseNumberAfter(std::string_view line, std::string_view name, auto* value) {
   const size_t at = line.find(name);
   if (at == line.npos) {
@@ -54,8 +54,8 @@ class DumpReader {
  public:
   explicit DumpReader(Contents* contents) : contents_(*contents) {}
 
-  // Almost no line of a bug report is from the library. The last and the first character of a line
-  // are enough to skip most of the others.
+  // Few lines of a bug report come from the library. The last and first characters of a line
+  // suffice to skip most of the others.
   void ReadLine(std::string_view line, uint64_t offset, bool complete) {
     ++line_number_;
     if (line.ends_with('\r')) {
@@ -157,7 +157,7 @@ class DumpReader {
       const std::string_view setting = line.substr(name + 2);
       int64_t value = 0;
       if (ParseNumberAfter(setting, ": ", &value)) {
-        // Printed as a signed number.
+        // The dump prints the unsigned value as a signed number.
         exposure.settings[std::string(setting.substr(0, setting.find(':')))] =
             static_cast<uint32_t>(value);
       }

@@ -42,7 +42,7 @@ class ByteWindow {
   std::string buffer_;
   size_t begin_ = 0;
   size_t end_ = 0;
-  uint64_t read_ = 0;  // bytes that were ever put into the buffer
+  uint64_t read_ = 0;  // total bytes read
   bool at_end_ = false;
 };
 

@@ -33,15 +33,15 @@ struct Record {
   int64_t time = 0;     // seconds since the epoch, of the device's wall clock while times_are_local
   uint64_t offset = 0;  // in the input, bytes
   uint32_t source = 0;  // number of the input
-  bool g7 = false;      // the matcher's fields are there
-  bool whole = false;   // all stored fields are there, as in a backup file and not in a dump
+  bool g7 = false;      // has the fields of the G7 classes
+  bool whole = false;   // has all stored fields: from a backup file, not from a dump
   bool salvaged = false;  // follows a damaged part: the service would not load it
 };
 
 // The record as the dump prints it, without its time.
 std::string DumpText(const Record& record);
 
-// One history at one moment, oldest record first.
+// The content of a history at one time, oldest record first.
 struct Snapshot {
   RecordKind kind = RecordKind::kAttempt;
   bool times_are_local = false;  // wall clock of the device, as dumps print it
@@ -71,7 +71,7 @@ struct Exposure {
 enum class InputKind { kNone, kDump, kBackup };
 
 struct Contents {
-  // Counts every damage and keeps the first ones.
+  // Counts every damaged place and keeps the first ones.
   void AddDamage(uint64_t offset, std::string check, std::string text);
 
   std::string name;
