@@ -2,7 +2,8 @@
 # the contracts, must not change with the CPU.
 add_library(fp_utils_options INTERFACE)
 target_compile_options(fp_utils_options INTERFACE
-  -Wall -Wextra -ffp-contract=off -fno-omit-frame-pointer)
+  -Wall -Wextra $<$<CXX_COMPILER_ID:Clang>:-Wreserved-identifier>
+  -ffp-contract=off -fno-omit-frame-pointer)
 if(FP_UTILS_WERROR)
   target_compile_options(fp_utils_options INTERFACE -Werror)
 endif()
