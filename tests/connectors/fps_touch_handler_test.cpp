@@ -26,6 +26,7 @@ namespace {
 fp_test::Recorder<int> pauses;     // the finite timeouts of poll(), in ms
 std::atomic<short> device_events;  // if not 0, what poll() reports for the device
 std::atomic<int> sleeps;           // made by threads that wait for the handler's lock
+std::atomic<int> naps;             // made by the worker where it cannot poll
 std::function<void(unsigned long)> before_request;  // changed only between requests
 
 template <typename Function>
@@ -64,6 +65,12 @@ extern "C" int nanosleep(const timespec* time, timespec* rest) {
   static auto* const next = Next<decltype(nanosleep)>("nanosleep");
   ++sleeps;
   return next(time, rest);
+}
+
+extern "C" int usleep(useconds_t time) {
+  static auto* const next = Next<decltype(usleep)>("usleep");
+  ++naps;
+  return next(time / 100);
 }
 
 namespace android::fp_utils {
@@ -353,6 +360,10 @@ TEST_F(FpsTouchHandlerTest, FailingPollSaysNothingAboutTheDevice) {
   node_.Push({{}});
   EXPECT_EQ((std::vector{10}), pauses.Take(1));
   EXPECT_EQ(1u, LinesWith(TakeLog(), "poll failed (errno=12)"));
+  fp_host::SetFault({.function = "poll", .calls = fp_host::Fault::kForever, .error = ENOMEM});
+  node_.Push({{}});
+  EXPECT_TRUE(Eventually([] { return naps >= 3; })) << "no busy loop where the pause fails too";
+  fp_host::ClearFaults();
   node_.HangUp();
   EXPECT_TRUE(Eventually([] { return LinesWith(TakeLog(), "touch device failed") == 1; }));
 }

@@ -52,6 +52,11 @@ TEST_F(AuthEventTest, StartsEmptyAtTheCurrentTime) {
   EXPECT_GE(time(nullptr), event.timestamp);
   EXPECT_EQ(event.GetLocalTime() + " acquisition_error:UNKNOWN, rc:0, lptw:0",
             event.ToDebugString());
+  const std::string text = event.ToBackupString();
+  EXPECT_EQ(
+      ",0x0,0x0,0x0,0x0,0x0,0.00,0.00,0,0x0,0x0,0x0,0x0,0x0,0x0,0x0,0x0,0x0,0x0,0x0,0x0,0x0,0x0,"
+      "0x0,0x0,0x0,0x0",
+      text.substr(text.find(',')));
 }
 
 TEST_F(AuthEventTest, LocalTimeFollowsTheProcessZone) {

@@ -223,6 +223,7 @@ TEST_F(AuthStatsTest, SavesAfterAResetWhatIsHeldThen) {
 TEST_F(AuthStatsTest, PathIsKnownFromInitAndOnlyWhereThereIsAFile) {
   AuthStats stats("0", 10, true);
   EXPECT_EQ("", stats.GetBackupPath());
+  EXPECT_FALSE(stats.IsInitialized());
   stats.Init();
   EXPECT_EQ(kFile, stats.GetBackupPath());
   TakeLog();

@@ -24,6 +24,7 @@ std::shared_ptr<FingerSize> Size(int32_t op, float major, float minor = 0) {
 class FingerSizesTest : public fp_test::DeviceTest {};
 
 TEST_F(FingerSizesTest, TextsHaveOneDecimal) {
+  EXPECT_EQ("0,0.0,0.0", FingerSize().ToBackupString());
   FingerSize size(2, 12.34F, -0.04F);
   EXPECT_EQ("op:2, size:(12.3, -0.0)", size.ToString());
   EXPECT_EQ("2,12.3,-0.0", size.ToBackupString());

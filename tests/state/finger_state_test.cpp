@@ -51,6 +51,9 @@ TEST_F(FingerStateTest, RedundantUpChangesNothing) {
   EXPECT_FALSE(state_.Set(false, 5, Contact(1), true));
   EXPECT_LOG(Debug("FingerState", "Set: ignore redundant finger up"));
   EXPECT_FALSE(state_.IsDown());
+  EXPECT_EQ(0, state_.GetDownTime());
+  EXPECT_EQ(0, state_.GetDownUptime());
+  EXPECT_EQ(0u, state_.GetDownLatencyMs());
   EXPECT_EQ(0, state_.GetUpUptime());
   EXPECT_EQ(Ellipse().Print(), state_.GetEllipse().Print());
   EXPECT_FALSE(state_.IsLptwRequested());

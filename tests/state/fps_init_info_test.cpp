@@ -41,6 +41,7 @@ class FpsInitInfoTest : public fp_test::DeviceTest {
 
 TEST_F(FpsInitInfoTest, DumpSaysHowTheInitialisationWent) {
   EXPECT_EQ("Unexpected state:0\n", Dump());
+  EXPECT_EQ(0, info_.GetErrorCode());
   EXPECT_EQ(19, bytes_);
   info_.SetState(State::kStarted);
   EXPECT_EQ("Unexpected state:1\n", Dump());
