@@ -2,8 +2,10 @@
 #include "fp_utils/fps_touch_handler.h"
 
 #include <dlfcn.h>
+#include <fcntl.h>
 #include <poll.h>
 #include <sys/ioctl.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <atomic>
@@ -27,6 +29,7 @@ fp_test::Recorder<int> pauses;     // the finite timeouts of poll(), in ms
 std::atomic<short> device_events;  // if not 0, what poll() reports for the device
 std::atomic<int> sleeps;           // made by threads that wait for the handler's lock
 std::atomic<int> naps;             // made by the worker where it cannot poll
+int cancel_pipe[2];                // the last pipe
 std::function<void(unsigned long)> before_request;  // changed only between requests
 
 template <typename Function>
@@ -67,6 +70,13 @@ extern "C" int nanosleep(const timespec* time, timespec* rest) {
   return next(time, rest);
 }
 
+extern "C" int pipe(int* fds) {
+  static auto* const next = Next<decltype(pipe)>("pipe");
+  const int result = next(fds);
+  std::copy_n(fds, 2, cancel_pipe);
+  return result;
+}
+
 extern "C" int usleep(useconds_t time) {
   static auto* const next = Next<decltype(usleep)>("usleep");
   ++naps;
@@ -104,6 +114,9 @@ TEST_F(FpsTouchHandlerTest, ConfiguresTheScaledArea) {
              Debug(kTag, "Configure: left:2147483645, right:30, top:-15, bottom:0"),
              Debug(kTag, "Configure: left:3, right:90, top:6, bottom:120"));
   EXPECT_EQ(1, node_.OpenDescriptors()) << "opened once";
+  for (const int end : cancel_pipe) {
+    EXPECT_NE(0, fcntl(end, F_GETFL) & O_NONBLOCK);
+  }
 }
 
 TEST_F(FpsTouchHandlerTest, ScalingFactorOfOddPropertiesIsOne) {

@@ -44,13 +44,13 @@ TEST_F(FingerSizesTest, TextsHaveOneDecimal) {
 }
 
 TEST_F(FingerSizesTest, CountsByOperation) {
-  FingerSizes sizes("x", 3, false);
-  for (const int32_t op : {1, 2, 0, 2, 1}) {
+  FingerSizes sizes("x", 4, false);
+  for (const int32_t op : {1, 2, 0, 2, 2, 1}) {
     sizes.AddFinger(Size(op, static_cast<float>(op)), true);
   }
-  EXPECT_EQ(3u, sizes.GetFingerCount());
+  EXPECT_EQ(4u, sizes.GetFingerCount());
   EXPECT_EQ(1u, sizes.GetOp1Count());
-  EXPECT_EQ(1u, sizes.GetOp2Count());
+  EXPECT_EQ(2u, sizes.GetOp2Count());
   EXPECT_EQ(0, sizes.GetFingers().front()->op);
   EXPECT_FALSE(Exists(kFile));
   const auto oldest = sizes.GetFingers().front();
@@ -60,7 +60,7 @@ TEST_F(FingerSizesTest, CountsByOperation) {
   sizes.Reset();
   EXPECT_EQ(0u, sizes.GetFingerCount());
   EXPECT_EQ(1u, sizes.GetOp1Count()) << "kept across a reset";
-  EXPECT_EQ(1u, sizes.GetOp2Count());
+  EXPECT_EQ(2u, sizes.GetOp2Count());
   EXPECT_EQ(nullptr, sizes.PopFinger());
 
   FingerSizes none("x", 0, true);
