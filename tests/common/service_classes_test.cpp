@@ -4,11 +4,11 @@
 #include <memory>
 
 #include "common/exact_class.h"
+#include "fp_host/testing.h"
 #include "fp_utils/auth_stats.h"
 #include "fp_utils/enroll_event_container.h"
 #include "fp_utils/finger_sizes.h"
 #include "fp_utils/shapes.h"
-#include "support/device_test.h"
 #include "support/history_kinds.h"
 
 #ifdef __GXX_RTTI
@@ -20,7 +20,7 @@
 namespace android::fp_utils {
 namespace {
 
-class SERVICE_CLASSES : public fp_test::DeviceTest {};
+class SERVICE_CLASSES : public fp_host::DeviceTest {};
 
 // Its text is longer than any of the library's.
 template <typename Record>
@@ -33,7 +33,7 @@ std::string OwnFrame() { return fp_test::Frame(Own<FingerSize>().ToBackupString(
 TEST_F(SERVICE_CLASSES, OfRecordsCountAndSaveTheirOwnText) {
   AuthStatsG7 stats("0", 2, true);
   stats.Init();
-  fp_test::TakeLog();
+  fp_host::TakeLog();
   for (const int32_t rawmean_delta : {10, 20, 40}) {
     auto event = std::make_shared<Own<AuthEventG7>>();
     event->acquired_info = AuthEvent::kAcquiredGood;

@@ -5,13 +5,12 @@
 
 #include <utils/Errors.h>
 
-#include "support/sensor_test.h"
+#include "fp_host/testing.h"
 
 namespace android::fp_utils {
 namespace {
 
-using fp_host::SetLux;
-using namespace fp_test;
+using namespace fp_host;
 
 constexpr char kTag[] = "AlsMonitor";
 constexpr char kGetManager[] = "ASensorManager_getInstanceForPackage() = manager 1";

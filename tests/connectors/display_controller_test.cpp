@@ -12,13 +12,14 @@
 #include <utils/Errors.h>
 
 #include "fp_host/display_service.h"
+#include "fp_host/testing.h"
 #include "fp_utils/critical_errors.h"
-#include "support/device_test.h"
 #include "support/platform_calls.h"
 
 namespace android::fp_utils {
 namespace {
 
+using namespace fp_host;
 using namespace fp_test;
 using ndk::ScopedAStatus;
 using std::chrono::milliseconds;

@@ -11,9 +11,8 @@
 #include <utils/Errors.h>
 
 #include "fp_host/display_service.h"
+#include "fp_host/testing.h"
 #include "fp_utils/display_controller.h"
-#include "support/device_test.h"
-#include "support/hal_faults.h"
 
 namespace android::fp_utils {
 namespace {
@@ -48,7 +47,7 @@ class Phone {
 class DisplayFaultsTest : public ::testing::Test {
  protected:
   DisplayFaultsTest() {
-    fp_test::MuteLog(true);
+    fp_host::MuteLog(true);
     ABinderProcess_startThreadPool();
   }
 };
@@ -57,7 +56,7 @@ ScopedAStatus NotReady() { return ScopedAStatus::fromExceptionCode(EX_ILLEGAL_ST
 ScopedAStatus NoStatus() { return ScopedAStatus(); }
 
 // The next switch meets the fault. The controller is connected before, or connects for the switch.
-void MeetFault(const fp_test::HalFault& fault, bool connected, bool on) {
+void MeetFault(const fp_host::HalFault& fault, bool connected, bool on) {
   SCOPED_TRACE(std::string(fault.name) + (connected ? ", connected, " : ", not connected, ") +
                (on ? "on" : "off"));
   Phone phone;
@@ -65,14 +64,13 @@ void MeetFault(const fp_test::HalFault& fault, bool connected, bool on) {
     EXPECT_EQ(0, phone.Set(true));
     EXPECT_EQ(0, on ? phone.Set(false) : 0);
   }
-  fault.strike(phone.service);
-  const size_t handled = phone.service.GetRequests().size() + (fault.Has(fp_test::kServed) ? 1 : 0);
-  EXPECT_EQ(fault.Has(fp_test::kAnswered) ? 0 : FAILED_TRANSACTION, phone.Set(on));
+  fault.apply(phone.service);
+  const size_t handled = phone.service.GetRequests().size() + (fault.Has(fp_host::kServed) ? 1 : 0);
+  EXPECT_EQ(fault.Has(fp_host::kAnswered) ? 0 : FAILED_TRANSACTION, phone.Set(on));
   EXPECT_EQ(handled, phone.service.GetRequests().size());
 
-  phone.service.Accept();
   EXPECT_TRUE(WaitForPools());
-  fp_test::Repair(phone.service);
+  phone.service.Repair();
   EXPECT_EQ(0, phone.Set(on)) << "recovered";
   EXPECT_EQ(0, phone.Set(!on));
   EXPECT_EQ(!on, phone.service.IsLhbmOn());
@@ -88,10 +86,10 @@ TEST_F(DisplayFaultsTest, EverySwitchMeetsEveryFaultAndRecovers) {
     EXPECT_TRUE(WaitForPools());
     service.Start();
   };
-  const auto kFaults = fp_test::HalFaults({
-      {"refuses", refuse(NotReady), fp_test::kServed},
-      {"answers without a status", refuse(NoStatus), fp_test::kServed},
-      {"has restarted, and the controller knows", restart, fp_test::kAnswered | fp_test::kServed},
+  const auto kFaults = fp_host::HalFaults({
+      {"refuses", refuse(NotReady), fp_host::kServed},
+      {"answers without a status", refuse(NoStatus), fp_host::kServed},
+      {"has restarted, and the controller knows", restart, fp_host::kAnswered | fp_host::kServed},
   });
   for (const auto& fault : kFaults) {
     MeetFault(fault, false, true);  // a new controller switches nothing off
@@ -119,11 +117,10 @@ TEST_F(DisplayFaultsTest, StormOfDeathsCallsAndEnds) {
   std::atomic<bool> over = false;
   std::thread crashing([&] {
     while (!over) {
-      service.Kill();
-      service.Start();
+      service.Restart();
     }
   });
-  const int rounds = fp_test::Share(2000);
+  const int rounds = fp_host::Share(2000);
   for (int i = 0; i < rounds; ++i) {
     DisplayController controller;
     const auto switch_often = [&controller] {

@@ -19,13 +19,13 @@
 #include <android-base/properties.h>
 
 #include "fp_host/faults.h"
-#include "support/resource_counts.h"
+#include "fp_host/testing.h"
 #include "support/touch_test.h"
 
 // These interpose system calls before the simulated device does.
 namespace {
 
-fp_test::Recorder<int> pauses;     // the finite timeouts of poll(), in ms
+fp_host::Recorder<int> pauses;     // the finite timeouts of poll(), in ms
 std::atomic<short> device_events;  // if not 0, what poll() reports for the device
 std::atomic<int> sleeps;           // made by threads that wait for the handler's lock
 std::atomic<int> naps;             // made by the worker where it cannot poll
@@ -86,8 +86,7 @@ extern "C" int usleep(useconds_t time) {
 namespace android::fp_utils {
 namespace {
 
-using fp_host::TouchNode;
-using fp_host::TouchRecord;
+using namespace fp_host;
 using namespace fp_test;
 
 constexpr char kTag[] = "FpsTouchHandler";
@@ -218,9 +217,9 @@ TEST_F(FpsTouchHandlerTest, StartAndStopLogTheirSteps) {
     for (LogLine& line : TakeLog()) {
       log.push_back(line);
     }
-    return LinesWith(log, "threadLoop starting") == 1;
+    return CountLinesWith(log, "threadLoop starting") == 1;
   }));
-  EXPECT_EQ(2u, LinesWith(log, "Start"));
+  EXPECT_EQ(2u, CountLinesWith(log, "Start"));
   EXPECT_TRUE(handler_.Stop());
   EXPECT_TRUE(handler_.Stop());
   log = TakeLog();
@@ -228,7 +227,7 @@ TEST_F(FpsTouchHandlerTest, StartAndStopLogTheirSteps) {
   EXPECT_EQ(Debug(kTag, "Stop"), log[0]);
   EXPECT_EQ(1,
             std::count(log.begin(), log.end(), Info(kTag, "WriteCancelEvent: write cancel event")));
-  EXPECT_EQ(1u, LinesWith(log, "threadLoop exiting"));
+  EXPECT_EQ(1u, CountLinesWith(log, "threadLoop exiting"));
   EXPECT_EQ(Debug(kTag, "Stop"), log.back());
 }
 
@@ -264,7 +263,7 @@ TEST_F(FpsTouchHandlerTest, DeliversDecodedReports) {
   EXPECT_EQ(1.5707964F, events[0].angle);
   EXPECT_TRUE(Same(Decoded(unscaled, 1), events[1]));
   EXPECT_EQ(-1, events[1].type);
-  EXPECT_EQ(1u, LinesWith(TakeLog(), "ReadTouchEvent: invalid event"));
+  EXPECT_EQ(1u, CountLinesWith(TakeLog(), "ReadTouchEvent: invalid event"));
   handler.Stop();
   EXPECT_TRUE(Same(events[1], handler.GetTouchEvent())) << "the last valid one";
   handler.ClearTouchEvent();
@@ -310,14 +309,14 @@ TEST_F(FpsTouchHandlerTest, CancelComesBeforeReports) {
   inside.Take(1);
   node_.Push({{.id = 2}});
   std::thread stopper([this] { handler_.Stop(); });
-  ASSERT_TRUE(Eventually([] { return LinesWith(TakeLog(), "write cancel event") == 1; }));
+  ASSERT_TRUE(Eventually([] { return CountLinesWith(TakeLog(), "write cancel event") == 1; }));
   go_on.Add(1);
   stopper.join();
   EXPECT_EQ(0u, inside.Count()) << "the second buffer waits for the next start";
   TakeLog();
   handler_.Start();
   EXPECT_EQ(1u, inside.Take(1).size());
-  EXPECT_EQ(1u, LinesWith(TakeLog(), "pollFds: received cancel event"));
+  EXPECT_EQ(1u, CountLinesWith(TakeLog(), "pollFds: received cancel event"));
   handler_.Stop();
 }
 
@@ -353,7 +352,7 @@ TEST_F(FpsTouchHandlerTest, FailingDeviceIsLoggedOnceAndBackedOff) {
     ASSERT_LE(9u, waited.size());
     waited.resize(9);
     EXPECT_EQ((std::vector{10, 20, 40, 80, 160, 320, 640, 1000, 1000}), waited);
-    EXPECT_EQ(1u, LinesWith(TakeLog(), "failed"));
+    EXPECT_EQ(1u, CountLinesWith(TakeLog(), "failed"));
     test.recover();
     ASSERT_TRUE(node_.Push({{.id = 5}}));
     ASSERT_TRUE(Eventually([this] { return handler_.GetTouchEvent().id == 5; }));
@@ -367,18 +366,18 @@ TEST_F(FpsTouchHandlerTest, FailingPollSaysNothingAboutTheDevice) {
   fp_host::SetFault({.function = "poll", .calls = 8, .error = EINTR});
   node_.Push({{}});
   ASSERT_TRUE(Eventually([] { return fp_host::CountedCalls("poll") >= 9; }));
-  EXPECT_EQ(8u, LinesWith(TakeLog(), "poll failed (errno=4)"));
+  EXPECT_EQ(8u, CountLinesWith(TakeLog(), "poll failed (errno=4)"));
   EXPECT_EQ(0u, pauses.Count()) << "a signal does not pause the worker";
   fp_host::SetFault({.function = "poll", .error = ENOMEM});
   node_.Push({{}});
   EXPECT_EQ((std::vector{10}), pauses.Take(1));
-  EXPECT_EQ(1u, LinesWith(TakeLog(), "poll failed (errno=12)"));
+  EXPECT_EQ(1u, CountLinesWith(TakeLog(), "poll failed (errno=12)"));
   fp_host::SetFault({.function = "poll", .calls = fp_host::Fault::kForever, .error = ENOMEM});
   node_.Push({{}});
   EXPECT_TRUE(Eventually([] { return naps >= 3; })) << "no busy loop where the pause fails too";
   fp_host::ClearFaults();
   node_.HangUp();
-  EXPECT_TRUE(Eventually([] { return LinesWith(TakeLog(), "touch device failed") == 1; }));
+  EXPECT_TRUE(Eventually([] { return CountLinesWith(TakeLog(), "touch device failed") == 1; }));
 }
 
 // Clients may copy the event as bytes, so its padding is zero too.

@@ -4,10 +4,10 @@
 // libraries.
 #include <atomic>
 
+#include "fp_host/testing.h"
 #include "fp_utils/als_monitor.h"
 #include "fp_utils/sensor_listener.h"
 #include "support/allocations.h"
-#include "support/sensor_test.h"
 
 namespace android::fp_utils {
 namespace {
@@ -36,9 +36,9 @@ TEST(SensorAllocation, DeliveryDoesNotAllocate) {
   };
   EXPECT_EQ(0, listener.StartSampling(SensorListener::kLight));
   fp_host::SetLux(std::vector<float>(16, 1));
-  EXPECT_TRUE(fp_test::Eventually([&events] { return events == 16; }));
+  EXPECT_TRUE(fp_host::Eventually([&events] { return events == 16; }));
   fp_host::SetLux(std::vector<float>(10, 1));
-  EXPECT_TRUE(fp_test::Eventually([&events] { return events == 26; }));
+  EXPECT_TRUE(fp_host::Eventually([&events] { return events == 26; }));
   EXPECT_EQ(at_first, at_last);
 }
 

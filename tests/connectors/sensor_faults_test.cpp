@@ -10,13 +10,13 @@
 
 #include <utils/Errors.h>
 
+#include "fp_host/testing.h"
 #include "support/sensor_clients.h"
-#include "support/sensor_test.h"
 
 namespace android::fp_utils {
 namespace {
 
-using fp_host::SetLux;
+using namespace fp_host;
 using namespace fp_test;
 
 struct Operation {

@@ -10,8 +10,7 @@
 namespace android::fp_utils {
 namespace {
 
-using fp_host::SensorUsage;
-using fp_host::SetLux;
+using namespace fp_host;
 using namespace fp_test;
 
 constexpr char kTag[] = "SensorListener";

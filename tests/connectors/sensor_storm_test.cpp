@@ -6,14 +6,13 @@
 #include <thread>
 #include <vector>
 
-#include "support/device_test.h"
+#include "fp_host/testing.h"
 #include "support/sensor_clients.h"
-#include "support/sensor_test.h"
 
 namespace android::fp_utils {
 namespace {
 
-using fp_host::SetLux;
+using namespace fp_host;
 using namespace fp_test;
 
 // All threads of a service at once, with callbacks that call the listener. The system server

@@ -13,20 +13,16 @@
 #include <android/binder_process.h>
 
 #include "fp_host/hidl_thermal_service.h"
+#include "fp_host/testing.h"
 #include "fp_host/thermal_service.h"
-#include "support/device_test.h"
-#include "support/hal_faults.h"
 #include "support/platform_calls.h"
-#include "support/recorder.h"
-#include "support/resource_counts.h"
 
 namespace android::fp_utils {
 namespace {
 
 using aidl::android::hardware::thermal::TemperatureType;
 using aidl::android::hardware::thermal::ThrottlingSeverity;
-using fp_host::HidlThermalService;
-using fp_host::ThermalService;
+using namespace fp_host;
 using namespace fp_test;
 using Log = std::vector<LogLine>;
 
@@ -201,8 +197,8 @@ TEST_F(ThermalTest, EveryCallMeetsEveryFault) {
     hidl_.SetTemperatures({});
   };
   const auto kFaults = HalFaults({
-      {"is dead", Kill, kDead},
-      {"has restarted", Restart, kDead},
+      {"is dead", &Service::Kill, kDead},
+      {"has restarted", &Service::Restart, kDead},
       {"refuses", refuse, 0},
       {"has no skin sensor", measure_no_skin, 0},
   });
@@ -213,11 +209,10 @@ TEST_F(ThermalTest, EveryCallMeetsEveryFault) {
       Construct();
       const int32_t severity = service == &aidl_ ? 2 : 3;
       ASSERT_TRUE(Eventually([&] { return Severity() == severity; }));
-      fault.strike(*service);
+      fault.apply(*service);
       EXPECT_EQ(fault.Has(kAnswered) ? severity : 0, Severity());
-      Repair(*service);
-      aidl_.Accept();
-      hidl_.Accept();
+      aidl_.Repair();
+      hidl_.Repair();
       MeasureSkin();
       EXPECT_EQ(fault.Has(kDead) ? 0 : severity, Severity());
     }
@@ -237,10 +232,7 @@ TEST(ThermalLifetime, WorkerMayFindTheMonitorGone) {
     EXPECT_TRUE(fp_host::WaitForWaitingThreads(1));
     service.Start();
     EXPECT_TRUE(fp_host::WaitForWaitingThreads(0));
-    std::thread coming([&service] {
-      service.Kill();
-      service.Start();
-    });
+    std::thread coming([&service] { service.Restart(); });
     { const Thermal thermal; }
     coming.join();
     // The next round counts waiting threads, so the workers of this one have to end first.

@@ -4,12 +4,13 @@
 #include <atomic>
 #include <thread>
 
-#include "support/resource_counts.h"
+#include "fp_host/testing.h"
 #include "support/touch_test.h"
 
 namespace android::fp_utils {
 namespace {
 
+using namespace fp_host;
 using namespace fp_test;
 
 class StartStopStorm : public TouchTest {

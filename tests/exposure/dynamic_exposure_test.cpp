@@ -9,12 +9,12 @@
 
 #include <android-base/properties.h>
 
-#include "support/device_test.h"
+#include "fp_host/testing.h"
 
 namespace android::fp_utils {
 namespace {
 
-using namespace fp_test;
+using namespace fp_host;
 
 constexpr char kSupported[] = "persist.vendor.udfps.dynamic_exposure_supported";
 constexpr char kPrefix[] = "persist.vendor.udfps.dynamic.exposure.";

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
+#include "fp_host/testing.h"
 #include "fp_utils/shapes.h"
 #include "support/allocations.h"
-#include "support/log_recorder.h"
 
 namespace android::fp_utils {
 namespace {
@@ -11,7 +11,7 @@ namespace {
 using fp_test::Allocations;
 
 TEST(CoverageAllocation, EstimatesDoNotAllocate) {
-  fp_test::MuteLog(true);
+  fp_host::MuteLog(true);
   const Circle sensor({540, 1800}, 100);
   const Ellipse touch({560, 1790}, 220, 160, 0.4F);
   const Rect area({400, 1700}, {3000, 1900});

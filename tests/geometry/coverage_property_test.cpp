@@ -3,17 +3,18 @@
 // Counting by rows gives the counts of a scan that calls Contains() at every sample.
 #include <gtest/gtest.h>
 
+#include "fp_host/testing.h"
 #include "fp_utils/shapes.h"
 #include "geometry/grid_count.h"
 #include "reference/plain_geometry.h"
 #include "support/coverage_case_generator.h"
-#include "support/device_test.h"
 
 namespace android::fp_utils {
 namespace {
 
 using fp_reference::PlainCounts;
 using fp_reference::PlainScan;
+using namespace fp_host;
 using namespace fp_test;
 
 // Checks `count` random cases of a numbered stream.

@@ -10,14 +10,15 @@
 #include <android-base/properties.h>
 #include <android-base/stringprintf.h>
 
+#include "fp_host/testing.h"
 #include "fp_utils/shapes.h"
 #include "support/coverage_case.h"
-#include "support/log_recorder.h"
 
 namespace android::fp_utils {
 namespace {
 
 using Counts = fp_reference::PlainCounts;
+using namespace fp_host;
 using namespace fp_test;
 
 constexpr float kInfinity = std::numeric_limits<float>::infinity();

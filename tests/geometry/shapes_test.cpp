@@ -7,9 +7,9 @@
 #include <limits>
 #include <string>
 
+#include "fp_host/testing.h"
 #include "reference/plain_geometry.h"
 #include "support/coverage_case_generator.h"
-#include "support/device_test.h"
 
 namespace android::fp_utils {
 namespace {
@@ -93,7 +93,7 @@ TEST(Shapes, Contain) {
 TEST(Shapes, ContainToTheLastBit) {
   fp_test::CoverageCaseGenerator cases(11);
   int inside = 0;
-  const int count = fp_test::Share(300000);
+  const int count = fp_host::Share(300000);
   for (int i = 0; i < count; ++i) {
     const fp_test::CoverageCase c = cases.Next();
     const bool expected = fp_test::AsPlainShape(c.s1)->Contains(c.grid.top_left);

@@ -7,13 +7,13 @@
 #include <limits>
 #include <map>
 
-#include "support/log_recorder.h"
+#include "fp_host/testing.h"
 
 namespace android::fp_utils {
 namespace {
 
-using fp_test::Error;
-using fp_test::TakeLog;
+using fp_host::Error;
+using fp_host::TakeLog;
 
 const std::string kBaseSignature =
     "[virtual bool android::fp_utils::AuthEvent::LoadFromBackupString(std::string &)] ";

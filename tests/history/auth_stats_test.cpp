@@ -7,12 +7,13 @@
 #include <memory>
 #include <string>
 
-#include "support/device_test.h"
+#include "fp_host/testing.h"
 #include "support/history_kinds.h"
 
 namespace android::fp_utils {
 namespace {
 
+using namespace fp_host;
 using namespace fp_test;
 
 constexpr char kFile[] = "/data/vendor/fingerprint/AuthStats.0";

@@ -10,12 +10,13 @@
 #include <filesystem>
 #include <random>
 
-#include "support/device_test.h"
+#include "fp_host/testing.h"
 #include "support/history_kinds.h"
 
 namespace android::fp_utils {
 namespace {
 
+using namespace fp_host;
 using namespace fp_test;
 using Texts = std::vector<std::string>;
 

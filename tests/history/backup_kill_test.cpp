@@ -11,8 +11,8 @@
 #include <random>
 #include <thread>
 
+#include "fp_host/testing.h"
 #include "fp_utils/auth_stats.h"
-#include "support/device_test.h"
 
 namespace android::fp_utils {
 namespace {
@@ -55,9 +55,9 @@ std::string OutcomeOfStart(int32_t last) {
   return twice == 1 ? "one record twice" : number >= last ? "the last save" : "wrong records";
 }
 
-using LongBackupKill = fp_test::DeviceTest;
+using LongBackupKill = fp_host::DeviceTest;
 TEST_F(LongBackupKill, LeavesSoundRecords) {
-  fp_test::MuteLog(true);
+  fp_host::MuteLog(true);
   auto& added = *static_cast<std::atomic<int32_t>*>(mmap(nullptr, sizeof(std::atomic<int32_t>),
                                                          PROT_READ | PROT_WRITE,
                                                          MAP_SHARED | MAP_ANONYMOUS, -1, 0));

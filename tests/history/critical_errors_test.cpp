@@ -6,12 +6,12 @@
 #include <thread>
 #include <vector>
 
-#include "support/device_test.h"
+#include "fp_host/testing.h"
 
 namespace android::fp_utils {
 namespace {
 
-using fp_test::DumpText;
+using fp_host::DumpText;
 
 // 2026-03-04 05:06:07 in UTC.
 constexpr time_t kTime = 1772600767;
@@ -73,7 +73,7 @@ TEST_F(CriticalErrorsTest, AddsAndDumpsFromAnyThread) {
   const std::string dump = Dump();
   EXPECT_EQ(101, std::count(dump.begin(), dump.end(), '\n'));
   CriticalErrors::GetInstance().AddErrorEvent(nullptr);
-  EXPECT_EQ(1u, fp_test::TakeLog().size());
+  EXPECT_EQ(1u, fp_host::TakeLog().size());
 }
 
 }  // namespace

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "fp_utils/enroll_event_container.h"
 
-#include "support/device_test.h"
+#include "fp_host/testing.h"
 
 namespace android::fp_utils {
 namespace {
 
-using namespace fp_test;
+using namespace fp_host;
 
 constexpr char kFile[] = "/data/vendor/fingerprint/EnrollEventContainer";
 

@@ -5,13 +5,13 @@
 
 #include <cstdlib>
 
-#include "support/log_recorder.h"
+#include "fp_host/testing.h"
 
 namespace android::fp_utils {
 namespace {
 
-using fp_test::Error;
-using fp_test::TakeLog;
+using fp_host::Error;
+using fp_host::TakeLog;
 
 const std::string kG7Signature =
     "[virtual bool android::fp_utils::EnrollEventG7::LoadFromBackupString(std::string &)] ";

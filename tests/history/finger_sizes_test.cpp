@@ -7,13 +7,13 @@
 #include <limits>
 #include <random>
 
-#include "support/device_test.h"
+#include "fp_host/testing.h"
 
 namespace android::fp_utils {
 namespace {
 
-using fp_test::Error;
-using fp_test::TakeLog;
+using fp_host::Error;
+using fp_host::TakeLog;
 
 constexpr char kFile[] = "/data/vendor/fingerprint/FingerSizes.x";
 
@@ -21,7 +21,7 @@ std::shared_ptr<FingerSize> Size(int32_t op, float major, float minor = 0) {
   return std::make_shared<FingerSize>(op, major, minor);
 }
 
-class FingerSizesTest : public fp_test::DeviceTest {};
+class FingerSizesTest : public fp_host::DeviceTest {};
 
 TEST_F(FingerSizesTest, TextsHaveOneDecimal) {
   EXPECT_EQ("0,0.0,0.0", FingerSize().ToBackupString());
@@ -117,7 +117,7 @@ TEST_F(FingerSizesTest, OddPercentilesAndSizesDoNoHarm) {
 
 TEST_F(FingerSizesTest, PercentilesAreThoseOfTheSortedSizesToTheBit) {
   std::mt19937 random(6);
-  for (int round = 0; round < fp_test::Share(2000); ++round) {
+  for (int round = 0; round < fp_host::Share(2000); ++round) {
     FingerSizes sizes("x", FingerSizes::kUnbounded, false);
     std::vector<float> sorted;
     const size_t count = 2 + random() % (round % 10 == 0 ? 3000 : 60);

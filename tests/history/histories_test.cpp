@@ -6,12 +6,13 @@
 #include <random>
 #include <thread>
 
-#include "support/device_test.h"
+#include "fp_host/testing.h"
 #include "support/history_kinds.h"
 
 namespace android::fp_utils {
 namespace {
 
+using namespace fp_host;
 using namespace fp_test;
 
 class Histories : public DeviceTest, public ::testing::WithParamInterface<HistoryKind> {

@@ -9,9 +9,9 @@
 #include <random>
 #include <string>
 
+#include "fp_host/testing.h"
 #include "fp_utils/auth_event.h"
 #include "fp_utils/enroll_event.h"
-#include "support/device_test.h"
 
 namespace android::fp_utils {
 namespace {
@@ -71,10 +71,10 @@ template <typename Base, typename G7>
 void ExpectReadAsByRegularExpression(const std::string& written, const char* pattern) {
   regex_t regex;
   ASSERT_EQ(0, regcomp(&regex, pattern, REG_EXTENDED));
-  fp_test::MuteLog(true);
+  fp_host::MuteLog(true);
   TextMutator mutator;
   int taken = 0;
-  const int texts = fp_test::Share(200000);
+  const int texts = fp_host::Share(200000);
   for (int i = 0; i < texts; ++i) {
     const std::string text = mutator.Mutate(written);
     Base base;
@@ -112,7 +112,7 @@ TEST(RecordText, OfEnrollments) {
 
 // A text that is much longer than any record must not cause recursion or an overflow.
 TEST(RecordText, MayBeAMegabyteOfAnything) {
-  fp_test::MuteLog(true);
+  fp_host::MuteLog(true);
   for (const char* piece : {"0x1,", "1", "0x", ",", "0x1,0x1,0x1,0x1,0x1,", "f", " "}) {
     std::string text = "0x1,0x1,0x1,0x1,0x1,0x1";
     while (text.size() < 1 << 20) {

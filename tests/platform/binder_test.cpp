@@ -13,8 +13,7 @@
 #include <android/binder_process.h>
 
 #include "fp_host/display_service.h"
-#include "support/device_test.h"
-#include "support/recorder.h"
+#include "fp_host/testing.h"
 
 namespace {
 
@@ -56,8 +55,7 @@ TEST(Binder, DeadProxyStaysDead) {
   service.Start();
   const std::shared_ptr<IDisplay> proxy = IDisplay::fromBinder(Find(service));
   EXPECT_TRUE(proxy->setLhbmState(true).isOk());
-  service.Kill();
-  service.Start();
+  service.Restart();
   const ScopedAStatus status = proxy->setLhbmState(true);
   EXPECT_EQ(EX_TRANSACTION_FAILED, status.getExceptionCode());
   EXPECT_EQ(STATUS_DEAD_OBJECT, status.getStatus());
@@ -98,7 +96,7 @@ class DeathRecipientTest : public ::testing::Test {
   DisplayService service_;
   SpAIBinder binder_;
   AIBinder_DeathRecipient* recipient_;
-  fp_test::Recorder<std::string> died_;
+  fp_host::Recorder<std::string> died_;
   Cookie a_{this, "a"};
   Cookie b_{this, "b"};
 };

@@ -6,12 +6,12 @@
 
 #include <android/sensor.h>
 
-#include "support/sensor_test.h"
+#include "fp_host/testing.h"
 
 namespace {
 
+using fp_host::Eventually;
 using fp_host::SetLux;
-using fp_test::Eventually;
 
 int Poll(int timeout_ms = 0) { return ALooper_pollOnce(timeout_ms, nullptr, nullptr, nullptr); }
 
@@ -21,7 +21,7 @@ int PollOnAnotherThread() {
   return result;
 }
 
-class SensorBridgeTest : public fp_test::SensorTest {
+class SensorBridgeTest : public fp_host::SensorTest {
  protected:
   ASensorEventQueue* QueueOf(int type) {
     ASensorEventQueue* queue =

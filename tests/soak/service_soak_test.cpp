@@ -15,19 +15,18 @@
 
 #include "fp_host/faults.h"
 #include "fp_host/sensor_service.h"
+#include "fp_host/testing.h"
 #include "phone.h"
 #include "player.h"
 #include "service.h"
-#include "support/device_test.h"
-#include "support/resource_counts.h"
 
 namespace fp_service {
 namespace {
 
 // What a leak would let grow.
 struct Resources {
-  long descriptors = fp_test::CountDescriptors();
-  long threads = fp_test::CountThreads();
+  long descriptors = fp_host::CountDescriptors();
+  long threads = fp_host::CountThreads();
   long kilobytes = CountKilobytes();
 
   static long CountKilobytes() {
@@ -39,9 +38,9 @@ struct Resources {
 
 constexpr int kManyAttempts = 100000;
 
-class Soak : public fp_test::DeviceTest {
+class Soak : public fp_host::DeviceTest {
  protected:
-  Soak() { fp_test::MuteLog(true); }
+  Soak() { fp_host::MuteLog(true); }
 
   void Run(uint64_t seed, int attempts) {
     printf("random numbers from %lu\n", seed);
@@ -147,7 +146,7 @@ class Soak : public fp_test::DeviceTest {
   long restarts_ = 0;
 };
 
-TEST_F(Soak, WorksWhileThePlatformFailsAtRandom) { Run(20260304, fp_test::Share(3000)); }
+TEST_F(Soak, WorksWhileThePlatformFailsAtRandom) { Run(20260304, fp_host::Share(3000)); }
 
 class LongSoak : public Soak {};
 

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "fp_utils/dev_cdt_info.h"
 
+#include "fp_host/testing.h"
 #include "fp_utils/version_compare.h"
-#include "support/device_test.h"
 
 namespace android::fp_utils {
 namespace {
 
-using namespace fp_test;
+using namespace fp_host;
 
 const std::string kFolder = "/sys/firmware/devicetree/base/chosen/plat/";
 

@@ -7,16 +7,15 @@
 
 #include <utils/SystemClock.h>
 
+#include "fp_host/testing.h"
 #include "fp_host/touch_node.h"
 #include "fp_utils/fps_touch_handler.h"
-#include "support/device_test.h"
-#include "support/recorder.h"
 
 namespace android::fp_utils {
 namespace {
 
-using fp_test::Debug;
-using fp_test::TakeLog;
+using fp_host::Debug;
+using fp_host::TakeLog;
 
 using Requests = std::vector<fp_host::TouchNode::Request>;
 
@@ -25,7 +24,7 @@ const Requests kOff = {{103, {}}};
 
 Ellipse Contact(float size) { return {Point(size, 2 * size), 3 * size, 4 * size, size / 10}; }
 
-class FingerStateTest : public fp_test::DeviceTest {
+class FingerStateTest : public fp_host::DeviceTest {
  protected:
   FingerStateTest() {
     FpsTouchHandler& handler = FpsTouchHandler::GetInstance();
@@ -130,7 +129,7 @@ TEST_F(FingerStateTest, LptwFollowsTheFinger) {
 // The callback on the touch worker and another thread change the finger state while the handler is
 // stopped, so the locks of finger state and handler are taken in both orders.
 void FingerStateTest::StopWhileCallbacksRun(int rounds) {
-  fp_test::MuteLog(true);
+  fp_host::MuteLog(true);
   FpsTouchHandler& handler = FpsTouchHandler::GetInstance();
   std::atomic<int> callbacks = 0;
   handler.touch_event_callback_ = [&](const TouchEvent& event) {
@@ -152,7 +151,7 @@ void FingerStateTest::StopWhileCallbacksRun(int rounds) {
   for (int i = 0; i < rounds; ++i) {
     handler.Start();
     const int before = callbacks;  // without a callback, Stop() would end the worker at once
-    EXPECT_TRUE(fp_test::Eventually([&] { return callbacks != before; }));
+    EXPECT_TRUE(fp_host::Eventually([&] { return callbacks != before; }));
     handler.Stop();
   }
   done = true;

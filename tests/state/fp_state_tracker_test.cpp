@@ -9,13 +9,12 @@
 #include <vector>
 
 #include "fp_host/clock.h"
-#include "support/device_test.h"
-#include "support/recorder.h"
+#include "fp_host/testing.h"
 
 namespace android::fp_utils {
 namespace {
 
-using namespace fp_test;
+using namespace fp_host;
 using std::chrono::steady_clock;
 
 constexpr char kTag[] = "FpStateTracker";

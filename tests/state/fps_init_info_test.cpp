@@ -9,14 +9,13 @@
 #include <android-base/properties.h>
 
 #include "fp_host/clock.h"
-#include "support/device_test.h"
-#include "support/recorder.h"
+#include "fp_host/testing.h"
 
 namespace android::fp_utils {
 namespace {
 
-using fp_test::DumpText;
-using fp_test::TakeLog;
+using fp_host::DumpText;
+using fp_host::TakeLog;
 using State = FpsInitInfo::State;
 
 constexpr char kFolder[] = "/data/vendor/tombstones/fingerprint";
@@ -24,7 +23,7 @@ constexpr char kErrorFile[] = "/data/vendor/tombstones/fingerprint/init_error.tx
 constexpr char kLogCopy[] = "/data/vendor/tombstones/fingerprint/init_trusty_log.txt";
 constexpr char kNow[] = "2026-03-04 05:06:07";
 
-class FpsInitInfoTest : public fp_test::DeviceTest {
+class FpsInitInfoTest : public fp_host::DeviceTest {
  protected:
   FpsInitInfoTest() {
     setenv("TZ", "UTC", 1);
@@ -73,8 +72,8 @@ TEST_F(FpsInitInfoTest, ErrorsArePublishedEverywhere) {
   EXPECT_EQ("again\n", ReadFile(kLogCopy));
   EXPECT_EQ("Error:" + text + "\n", Dump());
   EXPECT_FALSE(Exists("/data/vendor/owned")) << "the message must not reach the shell";
-  EXPECT_LOG(fp_test::Error("FpsInitInfo", "SetError: error_str_:2026-03-04 05:06:07 A"),
-             fp_test::Error("FpsInitInfo", "SetError: error_str_:" + text));
+  EXPECT_LOG(fp_host::Error("FpsInitInfo", "SetError: error_str_:2026-03-04 05:06:07 A"),
+             fp_host::Error("FpsInitInfo", "SetError: error_str_:" + text));
 }
 
 TEST_F(FpsInitInfoTest, KeepsTheRecordWhenNothingCanBeWritten) {
@@ -97,8 +96,8 @@ TEST_F(FpsInitInfoTest, KeepsTheRecordWhenNothingCanBeWritten) {
     test.arrange();
     info_.SetError(1, test.why);
     fp_host::ClearFaults();
-    EXPECT_LOG(fp_test::Error("FpsInitInfo", "SetError: error_str_:" + info_.GetErrorStr()),
-               fp_test::Error("FpsInitInfo",
+    EXPECT_LOG(fp_host::Error("FpsInitInfo", "SetError: error_str_:" + info_.GetErrorStr()),
+               fp_host::Error("FpsInitInfo",
                               "SetError: failed to write '" + std::string(kErrorFile) + "'"));
     EXPECT_NE(std::string::npos, Dump().find(test.why));
   }
@@ -114,7 +113,7 @@ TEST_F(FpsInitInfoTest, KeepsTheRecordWhenNothingCanBeWritten) {
 TEST_F(FpsInitInfoTest, DumpDoesNotWaitForTheCopyOfTheLog) {
   ASSERT_EQ(0, mkfifo(fp_host::HostPath("/dev/trusty-log0").c_str(), 0600));
   std::thread reporter([this] { info_.SetError(1, "slow"); });
-  EXPECT_TRUE(fp_test::Eventually([this] { return !info_.GetErrorStr().empty(); }));
+  EXPECT_TRUE(fp_host::Eventually([this] { return !info_.GetErrorStr().empty(); }));
   EXPECT_EQ("Error:" + std::string(kNow) + " slow\n", Dump());
   WriteFile("/dev/trusty-log0", "at last\n");  // opens the other end of the pipe
   reporter.join();

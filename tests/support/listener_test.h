@@ -5,13 +5,14 @@
 #include <functional>
 #include <memory>
 
+#include "fp_host/testing.h"
 #include "fp_utils/sensor_listener.h"
-#include "support/sensor_test.h"
+#include "support/sensor_clients.h"
 
 namespace fp_test {
 
 // A listener whose callbacks count events.
-class ListenerTest : public SensorTest {
+class ListenerTest : public fp_host::SensorTest {
  protected:
   ListenerTest() { Create(); }
 
@@ -30,18 +31,18 @@ class ListenerTest : public SensorTest {
   // Starts sampling light. The worker is in its first poll, and the calls and log lines are taken.
   void StartQuietly() {
     EXPECT_EQ(0, listener_->StartSampling(kLight));
-    EXPECT_TRUE(Eventually(IsWorkerIdle));
+    EXPECT_TRUE(fp_host::Eventually(IsWorkerIdle));
     TakeCalls();
-    TakeLog();
+    fp_host::TakeLog();
   }
 
   bool AwaitLights(int count) {
-    return Eventually([=, this] { return lights_ == count; });
+    return fp_host::Eventually([=, this] { return lights_ == count; });
   }
 
   // Restarts the system server while the worker is idle, and tells the listener.
   void RestartSystemServer() {
-    EXPECT_TRUE(Eventually(IsWorkerIdle));
+    EXPECT_TRUE(fp_host::Eventually(IsWorkerIdle));
     fp_host::RestartSensorService();
     listener_->OnSystemServerDeath();
   }

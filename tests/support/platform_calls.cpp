@@ -25,7 +25,7 @@ void RecordCalls(bool record) { recording = record; }
 
 void RecordCall(const std::string& call) {
   if (recording) {
-    AddLogLine(Call(call));
+    fp_host::AddLogLine(Call(call));
   }
 }
 

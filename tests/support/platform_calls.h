@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "support/log_recorder.h"
+#include "fp_host/testing.h"
 
 // A program with this source interposes some functions of the platform: each records the call and
 // calls the platform's function.
@@ -12,7 +12,9 @@ namespace fp_test {
 
 // The log line of a recorded call. TakeLog() returns recorded calls and the library's lines in one
 // order.
-inline LogLine Call(std::string call) { return {ANDROID_LOG_UNKNOWN, "call", std::move(call)}; }
+inline fp_host::LogLine Call(std::string call) {
+  return {ANDROID_LOG_UNKNOWN, "call", std::move(call)};
+}
 
 void RecordCalls(bool record);
 // Records a call that is not interposed here.

@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "fp_host/sensor_service.h"
-#include "support/recorder.h"
+#include "fp_host/testing.h"
 
 namespace fp_test {
 
@@ -32,9 +32,9 @@ void SensorClients::ExpectRecovery() {
   EXPECT_EQ(0, Monitor().StartSampling());
   const int lights = lights_, long_presses = long_presses_;
   fp_host::SetLux(7);
-  EXPECT_TRUE(Eventually([=, this] { return lights_ > lights; }));
+  EXPECT_TRUE(fp_host::Eventually([=, this] { return lights_ > lights; }));
   fp_host::LongPress();
-  EXPECT_TRUE(Eventually([=, this] { return long_presses_ > long_presses; }));
+  EXPECT_TRUE(fp_host::Eventually([=, this] { return long_presses_ > long_presses; }));
   EXPECT_EQ(0, ReadMonitor());
   EXPECT_EQ(7, LastRead());
 }

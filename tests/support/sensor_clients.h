@@ -4,10 +4,17 @@
 #include <atomic>
 #include <memory>
 
+#include "fp_host/sensor_service.h"
 #include "fp_utils/als_monitor.h"
 #include "fp_utils/sensor_listener.h"
 
 namespace fp_test {
+
+constexpr auto kLight = android::fp_utils::SensorListener::kLight;
+constexpr auto kLongPress = android::fp_utils::SensorListener::kLongPress;
+
+// Whether the worker of the only listener waits for events and none are queued.
+inline bool IsWorkerIdle() { return fp_host::ArePollersIdle(1); }
 
 // Both clients of the sensor service, as in a fingerprint service.
 class SensorClients {

@@ -44,12 +44,6 @@ TouchEvent Decoded(const TouchRecord& record, uint32_t factor) {
   return event;
 }
 
-size_t LinesWith(const std::vector<LogLine>& log, const std::string& text) {
-  return static_cast<size_t>(std::count_if(log.begin(), log.end(), [&](const LogLine& line) {
-    return line.message.find(text) != std::string::npos;
-  }));
-}
-
 void TouchTest::SetFactor(const std::string& factor) {
   android::base::SetProperty("persist.vendor.udfps.fth.touch_resolution_scaling_factor", factor);
 }
@@ -58,7 +52,8 @@ void TouchTest::Run(std::function<void(const TouchEvent&)> callback) {
   handler_.touch_event_callback_ = std::move(callback);
   ASSERT_TRUE(handler_.Configure(kSensingArea));
   ASSERT_TRUE(handler_.Start());
-  ASSERT_TRUE(Eventually([] { return LinesWith(TakeLog(), "threadLoop starting") == 1; }));
+  ASSERT_TRUE(fp_host::Eventually(
+      [] { return fp_host::CountLinesWith(fp_host::TakeLog(), "threadLoop starting") == 1; }));
   node_.TakeRequests();
 }
 

@@ -5,11 +5,9 @@
 #include <string>
 #include <vector>
 
+#include "fp_host/testing.h"
 #include "fp_host/touch_node.h"
 #include "fp_utils/fps_touch_handler.h"
-#include "support/device_test.h"
-#include "support/log_recorder.h"
-#include "support/recorder.h"
 
 namespace fp_test {
 
@@ -22,10 +20,8 @@ bool Same(const android::fp_utils::TouchEvent& a, const android::fp_utils::Touch
 // Decodes a record independently of the library.
 android::fp_utils::TouchEvent Decoded(const fp_host::TouchRecord& record, uint32_t factor);
 
-size_t LinesWith(const std::vector<LogLine>& log, const std::string& text);
-
 // A handler with a simulated touch device.
-class TouchTest : public DeviceTest {
+class TouchTest : public fp_host::DeviceTest {
  protected:
   using TouchEvent = android::fp_utils::TouchEvent;
 
@@ -40,7 +36,7 @@ class TouchTest : public DeviceTest {
   void Run(std::function<void(const TouchEvent&)> callback);
 
   fp_host::TouchNode node_;
-  Recorder<TouchEvent> events_;
+  fp_host::Recorder<TouchEvent> events_;
   android::fp_utils::FpsTouchHandler handler_;
 };
 

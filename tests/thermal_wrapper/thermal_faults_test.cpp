@@ -15,12 +15,10 @@
 #include <android/binder_process.h>
 
 #include "fp_host/hidl_thermal_client.h"
+#include "fp_host/testing.h"
 #include "fp_host/thermal_service.h"
 #include "fp_utils/thermal.h"
 #include "fp_utils/thermal_hidl_wrapper.h"
-#include "support/device_test.h"
-#include "support/hal_faults.h"
-#include "support/recorder.h"
 
 namespace {
 
@@ -95,7 +93,7 @@ class Bridge {
 class ThermalFaultsTest : public ::testing::Test {
  protected:
   ThermalFaultsTest() {
-    fp_test::MuteLog(true);
+    fp_host::MuteLog(true);
     ABinderProcess_startThreadPool();
   }
 };
@@ -113,9 +111,9 @@ TEST_F(ThermalFaultsTest, EveryOperationOfTheWrapperMeetsEveryFault) {
   };
   const auto no_status = [] { return ndk::ScopedAStatus(); };
   const auto short_reply = [] { return ndk::ScopedAStatus::fromStatus(STATUS_NOT_ENOUGH_DATA); };
-  const auto kFaults = fp_test::HalFaults({
-      {"is dead", fp_test::Kill, fp_test::kDead},
-      {"has restarted", fp_test::Restart, fp_test::kDead},
+  const auto kFaults = fp_host::HalFaults({
+      {"is dead", &RemoteService::Kill, fp_host::kDead},
+      {"has restarted", &RemoteService::Restart, fp_host::kDead},
       {kNotReady, refuse(not_ready), 0},
       {"answers without a status", refuse(no_status), 0},
       {"sends a reply that ends early", refuse(short_reply), 0},
@@ -130,12 +128,11 @@ TEST_F(ThermalFaultsTest, EveryOperationOfTheWrapperMeetsEveryFault) {
       Bridge bridge(service);
       bridge.filter = form % 2 == 1;
       EXPECT_EQ("ok", bridge.Register(1));
-      fault.strike(service);
+      fault.apply(service);
       const char* failure = fault.name == kNotReady ? kNotReady : kNoMessage;
-      EXPECT_EQ(fault.Has(fp_test::kAnswered) ? "ok" : failure, (bridge.*kOperations[form / 2])());
-      service.Accept();
-      fp_test::Repair(service);
-      EXPECT_EQ(fault.Has(fp_test::kDead) ? kNoMessage : "ok", bridge.Temperatures())
+      EXPECT_EQ(fault.Has(fp_host::kAnswered) ? "ok" : failure, (bridge.*kOperations[form / 2])());
+      service.Repair();
+      EXPECT_EQ(fault.Has(fp_host::kDead) ? kNoMessage : "ok", bridge.Temperatures())
           << "no second connection";
       bridge.Connect();
       EXPECT_EQ("ok", bridge.Temperatures());
@@ -157,7 +154,7 @@ TEST_F(ThermalFaultsTest, OneWrapperServesManyThreads) {
   std::array<std::thread, 2> users;
   for (size_t user = 0; user < users.size(); ++user) {
     users[user] = std::thread([&bridge, user] {
-      for (int i = 0; i < fp_test::Share(1000); ++i) {
+      for (int i = 0; i < fp_host::Share(1000); ++i) {
         EXPECT_EQ("ok", bridge.Register(user));
         EXPECT_EQ("ok", bridge.Temperatures());
         EXPECT_EQ("ok", bridge.Unregister(user));
@@ -177,7 +174,7 @@ TEST_F(ThermalFaultsTest, OneOfManyThreadsRegistersTheirClient) {
   ThermalService service;
   Bridge bridge(service);
   constexpr size_t kThreads = 3;
-  for (int i = 0; i < fp_test::Share(300); ++i) {
+  for (int i = 0; i < fp_host::Share(300); ++i) {
     std::array<std::string, kThreads> answers;
     std::array<std::thread, kThreads> threads;
     std::atomic<size_t> missing = kThreads;
@@ -209,19 +206,18 @@ TEST_F(ThermalFaultsTest, StormOfDeathsCallsAndEnds) {
   std::thread crashing([&] {
     while (!over) {
       service.Notify({});
-      service.Kill();
-      service.Start();
+      service.Restart();
     }
   });
   std::thread using_wrappers([&service] {
-    for (int i = 0; i < fp_test::Share(1000); ++i) {
+    for (int i = 0; i < fp_host::Share(1000); ++i) {
       Bridge bridge(service);
       bridge.Register(0);
       bridge.Temperatures();
       bridge.Unregister(0);
     }
   });
-  for (int i = 0; i < fp_test::Share(100); ++i) {
+  for (int i = 0; i < fp_host::Share(100); ++i) {
     const int32_t severity = Thermal().GetCpuSeverity();
     EXPECT_TRUE(severity == 0 || severity == -ENODEV) << severity;
   }

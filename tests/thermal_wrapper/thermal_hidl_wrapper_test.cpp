@@ -15,8 +15,8 @@
 #include <android/binder_process.h>
 
 #include "fp_host/hidl_thermal_client.h"
+#include "fp_host/testing.h"
 #include "fp_host/thermal_service.h"
-#include "support/device_test.h"
 
 namespace {
 
@@ -276,7 +276,7 @@ TEST(ThermalHidlWrapperWithoutClient, ReportsSoAndDoesNothingElse) {
 TEST_F(ThermalHidlWrapperTest, DebugDumpsTheService) {
   const auto dump = [this](int descriptors,
                            const hidl_vec<android::hardware::hidl_string>& options) {
-    return fp_test::DumpText([&](int fd) {
+    return fp_host::DumpText([&](int fd) {
       native_handle_t* handle = native_handle_create(descriptors, 1);
       handle->data[0] = fd;
       EXPECT_TRUE(wrapper_->debug(handle, options).isOk());

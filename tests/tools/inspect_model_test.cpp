@@ -7,11 +7,11 @@
 #include <algorithm>
 #include <random>
 
+#include "fp_host/testing.h"
 #include "model/compare.h"
 #include "model/fields.h"
 #include "model/fleet.h"
 #include "model/summary.h"
-#include "support/device_test.h"
 
 namespace fp_inspect {
 namespace {
@@ -79,7 +79,7 @@ std::vector<std::string> TextsOf(const Records& records) {
 // A series of attempts in which equal neighbours are common, seen through reports of a history of
 // limited size, in any order: each attempt is counted once.
 TEST(InspectTimeline, OverlappingReportsGiveTheSeries) {
-  fp_test::RunSeeded("merges", fp_test::Share(500), 1, [](uint64_t seed) {
+  fp_host::RunSeeded("merges", fp_host::Share(500), 1, [](uint64_t seed) {
     std::mt19937_64 random(seed);
     const auto below = [&](size_t limit) { return static_cast<size_t>(random() % limit); };
     Records series;

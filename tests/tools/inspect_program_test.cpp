@@ -12,8 +12,8 @@
 #include <fstream>
 #include <nlohmann/json.hpp>
 
+#include "fp_host/testing.h"
 #include "fp_utils/auth_stats.h"
-#include "support/device_test.h"
 
 namespace fp_inspect {
 namespace {
@@ -227,7 +227,7 @@ TEST_F(InspectProgram, DumpsAndBackupFilesOfADevice) {
     attempts.AddAttempt(attempt);
     if (i % 90 == 89) {
       Write("day" + std::to_string(i),
-            fp_test::DumpText([&](int fd) { attempts.Dump(fd, nullptr, 0); }));
+            fp_host::DumpText([&](int fd) { attempts.Dump(fd, nullptr, 0); }));
     }
   }
   const std::string file = fp_host::HostPath(attempts.GetBackupPath());

@@ -8,12 +8,12 @@
 #include <random>
 #include <thread>
 
+#include "fp_host/testing.h"
 #include "fp_utils/auth_stats.h"
 #include "fp_utils/critical_errors.h"
 #include "fp_utils/dynamic_exposure.h"
 #include "fp_utils/enroll_event_container.h"
 #include "reading/read.h"
-#include "support/device_test.h"
 #include "support/history_kinds.h"
 #include "tools/random_records.h"
 
@@ -30,7 +30,7 @@ using fp_test::Frame;
 using Texts = std::vector<std::string>;
 
 Contents Read(std::string bytes, InputKind kind = InputKind::kNone, std::string name = "x") {
-  fp_test::MuteLog(true);
+  fp_host::MuteLog(true);
   ByteWindow input = ByteWindow::OfBytes(std::move(bytes));
   return ReadInput(input, std::move(name), kind);
 }
@@ -52,7 +52,7 @@ std::string WithoutTime(const Event& event) {
   return event.ToDebugString().substr(event.GetLocalTime().size() + 1);
 }
 
-class InspectDump : public fp_test::DeviceTest {
+class InspectDump : public fp_host::DeviceTest {
  protected:
   // A service's dump with these many random records of each history.
   std::string Dump(int records, uint64_t seed) {
@@ -75,7 +75,7 @@ class InspectDump : public fp_test::DeviceTest {
       }
     }
     errors.AddErrorEvent(std::make_shared<ErrorEvent>("failed to enable lhbm"));
-    return fp_test::DumpText([&](int fd) {
+    return fp_host::DumpText([&](int fd) {
       dprintf(fd, "Initialization successful, start_time:2026-03-04 06:30:00.000, latency:0ms\n");
       errors.Dump(fd, nullptr, 0);
       enrollments.Dump(fd, nullptr, 0);
@@ -108,7 +108,7 @@ std::string EachLine(const std::string& text,
 }
 
 TEST_F(InspectDump, EveryRecordOfTheLibraryReads) {
-  fp_test::RunSeeded("dumps", fp_test::Share(20), 1, [&](uint64_t seed) {
+  fp_host::RunSeeded("dumps", fp_host::Share(20), 1, [&](uint64_t seed) {
     ExpectAll(Read(Dump(200, seed)), "seed " + std::to_string(seed));
   });
 }
@@ -193,11 +193,11 @@ TEST_F(InspectDump, SettingsOfTheExposure) {
 }
 
 // Backup files of every history, damaged in every way that storage damages them.
-class InspectBackup : public fp_test::DeviceTest,
+class InspectBackup : public fp_host::DeviceTest,
                       public ::testing::WithParamInterface<fp_test::HistoryKind> {
  protected:
   InspectBackup() {
-    fp_test::MuteLog(true);
+    fp_host::MuteLog(true);
     auto history = GetParam().start();
     for (int number = 1; number <= GetParam().full_size; ++number) {
       history->AddAndSave(number);
@@ -245,7 +245,7 @@ class InspectBackup : public fp_test::DeviceTest,
 };
 
 TEST_P(InspectBackup, LoadsWhatTheLibraryLoadsAndInventsNothing) {
-  fp_test::RunSeeded("damaged files", fp_test::Share(600), 1, [&](uint64_t seed) {
+  fp_host::RunSeeded("damaged files", fp_host::Share(600), 1, [&](uint64_t seed) {
     std::mt19937_64 random(seed);
     const auto below = [&](size_t limit) { return random() % limit; };
     std::string content = content_;

@@ -9,10 +9,10 @@
 
 #include <android-base/properties.h>
 
+#include "fp_host/testing.h"
 #include "fp_utils/auth_stats.h"
 #include "model/replay.h"
 #include "reading/read.h"
-#include "support/device_test.h"
 
 namespace fp_inspect {
 namespace {
@@ -65,7 +65,7 @@ class Phone {
 
   std::string Dump() {
     return "Initialization successful, start_time:" + Zone("UTC").Text(begin_) +
-           ".000, latency:1ms\n" + fp_test::DumpText([&](int fd) {
+           ".000, latency:1ms\n" + fp_host::DumpText([&](int fd) {
              history_.Dump(fd, nullptr, 0);
              controller_->Dump(fd);
            });
@@ -92,7 +92,7 @@ Device Read(const std::vector<std::string>& dumps) {
 // Restarts, dumps in any order, several in one text or in the same second, and bounds that refuse
 // a step.
 TEST(InspectReplay, MakesTheStepsThatTheServiceMade) {
-  fp_test::RunSeeded("services", fp_test::Share(200), 1, [](uint64_t seed) {
+  fp_host::RunSeeded("services", fp_host::Share(200), 1, [](uint64_t seed) {
     std::mt19937_64 random(seed);
     const auto below = [&](int limit) { return static_cast<int>(random() % limit); };
     Phone phone;

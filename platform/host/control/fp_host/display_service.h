@@ -19,7 +19,7 @@ class DisplayService : public RemoteService {
 
   // Calls are answered with what `refusal` makes and change nothing, until Accept().
   void Refuse(std::function<ndk::ScopedAStatus()> refusal);
-  void Accept();
+  void Accept() override;
 
   bool IsLhbmOn() const;
   // The states asked for in all calls that the service handled, oldest first.

@@ -24,7 +24,7 @@ class HidlThermalService : public RemoteService {
 
   // Calls are answered with FAILURE and `message`, until Accept().
   void Refuse(std::string message);
-  void Accept();
+  void Accept() override;
 
  protected:
   std::shared_ptr<void> MakeService(const std::shared_ptr<ipc::Process>& process) override;

@@ -54,7 +54,11 @@ class RemoteService {
   void Start();
   // Starts a process that registers an object of another interface under the service's name.
   void StartImpostor();
+  // The process dies. Calls under way, also those that Hold() holds, fail as those of a dead
+  // service.
   void Kill();
+  // Kills the process, if one is up, and starts another.
+  void Restart();
   bool IsUp() const;
 
   // Makes the process die at a later call: 1 is the next call; 0 cancels the death.
@@ -66,6 +70,11 @@ class RemoteService {
   void Release();
   // Waits, within a bound, until at least `calls` calls are held. False on timeout.
   bool WaitForHeldCalls(int calls) const;
+  // Ends what Refuse() of the services has set: calls are served again.
+  virtual void Accept() = 0;
+  // Ends DieAtCall(), SetDelay(), Hold() and refusals, and starts the service if it is down.
+  void Repair();
+
   // The number of calls that reached the service, over all its processes.
   int CountCalls() const;
 

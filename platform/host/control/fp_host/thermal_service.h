@@ -31,7 +31,7 @@ class ThermalService : public RemoteService {
 
   // Calls are answered with what `refusal` makes, until Accept().
   void Refuse(std::function<ndk::ScopedAStatus()> refusal);
-  void Accept();
+  void Accept() override;
 
   // Tells every callback that is registered for this type, or for all.
   void Notify(const Temperature& temperature);

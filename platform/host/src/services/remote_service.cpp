@@ -58,6 +58,11 @@ void RemoteService::Kill() {
   }
 }
 
+void RemoteService::Restart() {
+  Kill();
+  Start();
+}
+
 bool RemoteService::IsUp() const {
   const std::lock_guard lock(mutex_);
   return process_ != nullptr && process_->IsAlive();
@@ -89,6 +94,14 @@ bool RemoteService::WaitForHeldCalls(int calls) const {
   std::unique_lock lock(plan_->mutex);
   return plan_->changed.wait_for(lock, std::chrono::seconds(10),
                                  [&] { return plan_->held >= calls; });
+}
+
+void RemoteService::Repair() {
+  DieAtCall(0, Death::kBefore);
+  SetDelay(std::chrono::milliseconds(0));
+  Release();
+  Accept();
+  Start();
 }
 
 int RemoteService::CountCalls() const {

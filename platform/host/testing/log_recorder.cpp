@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "support/log_recorder.h"
-
+#include <algorithm>
 #include <mutex>
 #include <utility>
 
-namespace fp_test {
+#include "fp_host/testing.h"
+
+namespace fp_host {
 namespace {
 
 // Never destroyed: a worker may log while the process ends.
@@ -26,6 +27,12 @@ void MuteLog(bool mute) {
   __android_log_set_minimum_priority(mute ? ANDROID_LOG_SILENT : ANDROID_LOG_VERBOSE);
 }
 
+size_t CountLinesWith(const std::vector<LogLine>& log, const std::string& text) {
+  return static_cast<size_t>(std::count_if(log.begin(), log.end(), [&](const LogLine& line) {
+    return line.message.find(text) != std::string::npos;
+  }));
+}
+
 void AddLogLine(LogLine line) {
   const std::lock_guard lock(mutex);
   lines.push_back(std::move(line));
@@ -42,4 +49,4 @@ namespace {
 }();
 
 }  // namespace
-}  // namespace fp_test
+}  // namespace fp_host

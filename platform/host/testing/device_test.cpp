@@ -1,0 +1,52 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <sys/mman.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <sstream>
+
+#include "fp_host/testing.h"
+
+namespace fp_host {
+
+namespace fs = std::filesystem;
+
+DeviceTest::~DeviceTest() { ClearFaults(); }
+
+bool DeviceTest::Exists(const std::string& path) { return fs::exists(HostPath(path)); }
+
+std::string DeviceTest::ReadFile(const std::string& path) {
+  std::ostringstream content;
+  content << std::ifstream(HostPath(path), std::ios::binary).rdbuf();
+  return content.str();
+}
+
+void DeviceTest::WriteFile(const std::string& path, const std::string& content) {
+  std::ofstream(HostPath(path), std::ios::binary) << content;
+}
+
+void DeviceTest::Remove(const std::string& path) { fs::remove_all(HostPath(path)); }
+
+unsigned DeviceTest::ModeOf(const std::string& path) {
+  struct stat status = {};
+  EXPECT_EQ(0, stat(HostPath(path).c_str(), &status)) << path;
+  return status.st_mode & 07777;
+}
+
+std::string DumpText(const std::function<void(int fd)>& dump) {
+  const int fd = memfd_create("dump", MFD_CLOEXEC);
+  dump(fd);
+  std::string text(static_cast<size_t>(lseek(fd, 0, SEEK_END)), '\0');
+  EXPECT_EQ(static_cast<ssize_t>(text.size()), pread(fd, text.data(), text.size(), 0));
+  close(fd);
+  return text;
+}
+
+long CountDescriptors() { return std::distance(fs::directory_iterator("/proc/self/fd"), {}); }
+
+long CountThreads() { return std::distance(fs::directory_iterator("/proc/self/task"), {}); }
+
+}  // namespace fp_host
