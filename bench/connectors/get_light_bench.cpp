@@ -28,7 +28,7 @@ class Monitor {
  public:
   Monitor() {
     __android_log_set_minimum_priority(ANDROID_LOG_ERROR);
-    fp_host::SetLux(1);
+    fp_host::ReportLux(1);
     monitor_.StartSampling();
     Drain();
   }
@@ -75,10 +75,12 @@ void Run(benchmark::State& state) {
   const std::vector<float> readings(static_cast<size_t>(state.range(0)), 350);
   Queue queue;
   if (readings.size() > kBatch) {
-    fp_host::SetSensorFault({.function = "ALooper_pollOnce", .result = ALOOPER_POLL_CALLBACK});
+    fp_host::SetSensorFault({.function = "ALooper_pollOnce",
+                             .result = ALOOPER_POLL_CALLBACK,
+                             .calls = fp_host::SensorFault::kForever});
   }
   for (auto _ : state) {
-    fp_host::SetLux(readings);
+    fp_host::ReportLux(readings);
     const auto start = std::chrono::steady_clock::now();
     queue.Drain();
     const std::chrono::duration<double> time = std::chrono::steady_clock::now() - start;

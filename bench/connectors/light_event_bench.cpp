@@ -19,7 +19,7 @@ namespace {
 
 using android::fp_utils::SensorListener;
 
-void ChangeLight(uint32_t turn) { fp_host::SetLux(static_cast<float>(turn)); }
+void ChangeLight(uint32_t turn) { fp_host::ReportLux(static_cast<float>(turn)); }
 
 void LightToCallback(benchmark::State& state) {
   std::atomic<uint32_t> seen = 0;

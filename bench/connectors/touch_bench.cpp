@@ -46,7 +46,7 @@ void ReportToCallback(benchmark::State& state) {
   handler.Stop();
 }
 
-void ByteToPoll(benchmark::State& state) {
+void PipeByteToPoll(benchmark::State& state) {
   int fds[2];
   if (pipe2(fds, O_CLOEXEC) != 0) {
     state.SkipWithError("no pipe");
@@ -102,13 +102,13 @@ void FullBufferUndecoded(benchmark::State& state) {
 }
 
 BENCHMARK(ReportToCallback)->Iterations(5)->UseManualTime();
-BENCHMARK(ByteToPoll)->Iterations(5)->UseManualTime();
+BENCHMARK(PipeByteToPoll)->Iterations(5)->UseManualTime();
 BENCHMARK(FullBuffer);
 BENCHMARK(FullBufferUndecoded);
 
 const bool kClaims[] = {
     Claim("touch_report_to_callback", "ReportToCallback/iterations:5/manual_time",
-          "ByteToPoll/iterations:5/manual_time", Goal::kAtMost, 1.3),
+          "PipeByteToPoll/iterations:5/manual_time", Goal::kAtMost, 1.3),
     ReportRatio("touch_full_buffer_over_bare_read", "FullBuffer", "FullBufferUndecoded"),
 };
 

@@ -24,7 +24,7 @@ class FakeMatcher {
     explicit Storage(uint64_t seed) : random(seed) {}
 
     Random random;
-    std::array<bool, kFingers + 1> enrolled = {};  // by finger; [0] is never true
+    std::array<bool, kMaxFingers + 1> enrolled = {};  // by finger; [0] is never true
   };
 
   struct Result {

@@ -60,7 +60,7 @@ void Phone::SetTime(time_t at) { fp_host::StopWallClock(at); }
 
 void Phone::SetLux(float lux) {
   state_.lux = lux;
-  fp_host::SetLux(lux);
+  fp_host::ReportLux(lux);
 }
 
 void Phone::SetSkinSeverity(int severity) {
@@ -71,7 +71,7 @@ void Phone::SetSkinSeverity(int severity) {
                              .throttlingStatus = static_cast<ThrottlingSeverity>(severity)}});
 }
 
-void Phone::LongPress(int times) { fp_host::LongPress(times); }
+void Phone::LongPress(int times) { fp_host::ReportLongPress(times); }
 
 fp_host::TouchRecord Phone::MakeTouchRecord(uint32_t type) const {
   const auto units = [](float pixels) {
@@ -86,22 +86,22 @@ fp_host::TouchRecord Phone::MakeTouchRecord(uint32_t type) const {
   return record;
 }
 
-void Phone::PutFinger(int finger, Skin skin, Aim aim) {
+void Phone::PutFinger(int finger, Skin skin, Placement placement) {
   finger_ = finger;
   skin_ = skin;
-  contact_ = sensor_.Touch(aim);
+  contact_ = sensor_.Touch(placement);
   touch_.Push({MakeTouchRecord(touch_format::kDown)});
 }
 
 void Phone::LiftFinger() { touch_.Push({MakeTouchRecord(touch_format::kUp)}); }
 
 void Phone::CrashDisplayHalAtNextCall() {
-  display_.DieAtCall(1, fp_host::RemoteService::Death::kBefore);
+  display_.DieAtCall(1, fp_host::RemoteService::Death::kBeforeCall);
 }
 
 void Phone::RestartDeadHals() {
   if (!display_.IsUp()) {
-    fp_host::WaitForPools();  // until its clients have been told of the death
+    fp_host::WaitUntilBinderPoolsIdle();  // until its clients have been told of the death
     display_.Start();
   }
 }

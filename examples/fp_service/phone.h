@@ -39,7 +39,7 @@ class Phone {
   void SetLux(float lux);
   void SetSkinSeverity(int severity);
   void LongPress(int times);
-  void PutFinger(int finger, Skin skin, Aim aim);
+  void PutFinger(int finger, Skin skin, Placement placement);
   void LiftFinger();
   void CrashDisplayHalAtNextCall();
   void RestartDeadHals();       // as init does

@@ -77,10 +77,11 @@ void Player::Handle(const InitError& error) { service_.ReportInitError(error); }
 void Player::Handle(const Light& light) { phone_.SetLux(light.lux); }
 
 template <typename Work>
-std::string Player::Touch(Purpose purpose, int finger, Skin skin, Aim aim, Work&& work) {
+std::string Player::Touch(Purpose purpose, int finger, Skin skin, Placement placement,
+                          Work&& work) {
   phone_.SetTime(at_);
   service_.ExpectFinger(purpose);
-  phone_.PutFinger(finger, skin, aim);
+  phone_.PutFinger(finger, skin, placement);
   work();
   phone_.LiftFinger();
   phone_.RestartDeadHals();
@@ -89,7 +90,7 @@ std::string Player::Touch(Purpose purpose, int finger, Skin skin, Aim aim, Work&
 
 void Player::Handle(const Enroll& enroll) {
   for (int i = 0; i < enroll.captures; ++i, ++at_) {
-    Touch(Purpose::kEnroll, enroll.finger, Skin::kNormal, enroll.aim,
+    Touch(Purpose::kEnroll, enroll.finger, Skin::kNormal, enroll.placement,
           [&] { service_.CaptureForEnrollment(); });
   }
   phone_.SetTime(at_);
@@ -104,8 +105,9 @@ void Player::Handle(const Attempts& attempts) {
   const bool enrolled = service_.IsEnrolled(attempts.finger);
   for (int i = 0; i < attempts.count; ++i, at_ += attempts.every_s) {
     Service::Outcome outcome;
-    const std::string finger_down = Touch(Purpose::kAuthenticate, attempts.finger, attempts.skin,
-                                          attempts.aim, [&] { outcome = service_.Authenticate(); });
+    const std::string finger_down =
+        Touch(Purpose::kAuthenticate, attempts.finger, attempts.skin, attempts.placement,
+              [&] { outcome = service_.Authenticate(); });
     report_.Count(*outcome.event, enrolled, outcome.steps, phone_.GetExposure());
     PrintAttempt(outcome, finger_down);
   }
@@ -114,8 +116,9 @@ void Player::Handle(const Attempts& attempts) {
 void Player::Handle(const AcquisitionErrors& errors) {
   for (int i = 0; i < errors.count; ++i, at_ += errors.every_s) {
     Service::Outcome outcome;
-    const std::string finger_down = Touch(Purpose::kAuthenticate, 0, Skin::kNormal, Aim::kGood,
-                                          [&] { outcome = service_.FailToAcquire(errors.info); });
+    const std::string finger_down =
+        Touch(Purpose::kAuthenticate, 0, Skin::kNormal, Placement::kGood,
+              [&] { outcome = service_.FailToAcquire(errors.info); });
     PrintAttempt(outcome, finger_down);
   }
 }

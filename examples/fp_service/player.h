@@ -47,7 +47,7 @@ class Player {
 
   // Makes one touch, during which the service does `work`. Returns the time of the finger down.
   template <typename Work>
-  std::string Touch(Purpose purpose, int finger, Skin skin, Aim aim, Work&& work);
+  std::string Touch(Purpose purpose, int finger, Skin skin, Placement placement, Work&& work);
   void PrintAttempt(const Service::Outcome& outcome, const std::string& finger_down);
   void PrintVerbose(const std::string& line);
 

@@ -27,8 +27,9 @@ constexpr int kMaxPresses = 1000;
 constexpr int kMaxCode = 1000000;
 constexpr int kMaxSeverity = 6;
 
-Aim ReadAim(Fields& fields) {
-  return fields.GetOneOf<Aim>("aim", {{"good", Aim::kGood}, {"poor", Aim::kPoor}}, Aim::kGood);
+Placement ReadPlacement(Fields& fields) {
+  return fields.GetOneOf<Placement>("aim", {{"good", Placement::kGood}, {"poor", Placement::kPoor}},
+                                    Placement::kGood);
 }
 
 EventData ReadEventData(const std::string& event, Fields& fields) {
@@ -53,21 +54,21 @@ EventData ReadEventData(const std::string& event, Fields& fields) {
   }
   if (event == "attempts") {
     return Attempts{
-        .finger = fields.GetInteger("finger", 0, kFingers),
+        .finger = fields.GetInteger("finger", 0, kMaxFingers),
         .count = fields.GetInteger("count", 1, kMaxCount, 1),
         .every_s = fields.GetInteger("every_s", 0, kMaxPause, 1),
         .skin = fields.GetOneOf<Skin>(
             "skin", {{"normal", Skin::kNormal}, {"dry", Skin::kDry}, {"wet", Skin::kWet}},
             Skin::kNormal),
-        .aim = ReadAim(fields)};
+        .placement = ReadPlacement(fields)};
   }
   if (event == "enroll") {
-    return Enroll{.finger = fields.GetInteger("finger", 1, kFingers),
+    return Enroll{.finger = fields.GetInteger("finger", 1, kMaxFingers),
                   .captures = fields.GetInteger("captures", 1, kMaxCaptures, 10),
-                  .aim = ReadAim(fields)};
+                  .placement = ReadPlacement(fields)};
   }
   if (event == "delete") {
-    return Delete{.finger = fields.GetInteger("finger", 1, kFingers)};
+    return Delete{.finger = fields.GetInteger("finger", 1, kMaxFingers)};
   }
   if (event == "acquisition_errors") {
     const AcquisitionErrors errors = {.info = fields.GetInteger("info", -128, 127),

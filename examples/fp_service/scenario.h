@@ -14,14 +14,14 @@
 
 namespace fp_service {
 
-constexpr int kFingers = 5;     // that can be enrolled, numbered from 1; 0 is never enrolled
+constexpr int kMaxFingers = 5;  // that can be enrolled, numbered from 1; 0 is never enrolled
 constexpr int kMaxPhases = 64;  // of a scenario
 
 // State of the fingertip: how much of the panel's light it reflects to the sensor.
 enum class Skin { kNormal, kDry, kWet };
 
 // Whether the fingertip is placed on the whole sensor, or covers only part of it.
-enum class Aim { kGood, kPoor };
+enum class Placement { kGood, kPoor };
 
 struct Phase {
   std::string name;
@@ -44,7 +44,7 @@ struct Attempts {
   int count;
   int every_s;
   Skin skin;
-  Aim aim;
+  Placement placement;
 };
 // Touches that give no image to match; `info` is the platform's AcquiredInfo.
 struct AcquisitionErrors {
@@ -56,7 +56,7 @@ struct AcquisitionErrors {
 struct Enroll {
   int finger;
   int captures;
-  Aim aim;
+  Placement placement;
 };
 struct Delete {
   int finger;

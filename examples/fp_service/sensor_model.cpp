@@ -27,8 +27,8 @@ constexpr double kMajor = 280;
 constexpr double kMinor = 236;
 constexpr double kSizeNoise = 20;
 constexpr double kTurnNoise = 0.25;  // radians
-constexpr double kGoodAim = 15;
-constexpr double kPoorAim = 85;
+constexpr double kGoodOffset = 15;
+constexpr double kPoorOffset = 85;
 
 double Transmission(Skin skin) {
   switch (skin) {
@@ -44,8 +44,8 @@ double Transmission(Skin skin) {
 
 }  // namespace
 
-Contact SensorModel::Touch(Aim aim) {
-  const double off = aim == Aim::kGood ? kGoodAim : kPoorAim;
+Contact SensorModel::Touch(Placement placement) {
+  const double off = placement == Placement::kGood ? kGoodOffset : kPoorOffset;
   // Limited to the area in which the touch controller reports touches.
   const auto near = [&](double center) {
     return static_cast<float>(center + std::clamp(random_.Noise(off), -200.0, 200.0));

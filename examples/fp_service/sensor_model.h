@@ -60,7 +60,7 @@ class SensorModel {
   void SetExposure(float ms) { exposure_ms_ = ms; }
   float GetExposure() const { return exposure_ms_; }
 
-  Contact Touch(Aim aim);
+  Contact Touch(Placement placement);
   Capture Expose(const Scene& scene);
 
  private:

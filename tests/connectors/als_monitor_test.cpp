@@ -53,7 +53,7 @@ TEST_F(AlsMonitorTest, CallsThePlatformInThisOrder) {
             MyCalls());
   EXPECT_LOG(kConnected, kStarted);
 
-  SetLux(350);
+  ReportLux(350);
   EXPECT_EQ(350, Light());
   EXPECT_EQ((Texts{kGetManager, "ALooper_pollOnce(1) = -2",
                    "ASensorEventQueue_getEvents(queue 1, 16) = 1"}),
@@ -104,13 +104,13 @@ TEST_F(AlsMonitorTest, FailedStartIsRetriedFromTheStepThatFailed) {
   };
   for (const auto& test : kCases) {
     SCOPED_TRACE(test.function);
-    fp_host::SetSensorFault({.function = test.function, .calls = 1});
+    SetSensorFault({.function = test.function});
     EXPECT_EQ(test.status, Monitor().StartSampling());
     EXPECT_LOG(test.connection, test.reason);
     TakeCalls();
     EXPECT_EQ(0, Monitor().StartSampling());
     EXPECT_EQ(test.calls_of_retry, MyCalls().size()) << "kept: " << test.kept;
-    fp_host::RestartSensorService();
+    RestartSensorService();
     AlsMonitor::OnSystemServerDeath();
     TakeLog();
   }
@@ -119,15 +119,16 @@ TEST_F(AlsMonitorTest, FailedStartIsRetriedFromTheStepThatFailed) {
 // Every operation fails while there is no manager. Sampling goes on once the same manager is back.
 TEST_F(AlsMonitorTest, MissingManagerLosesNothing) {
   StartQuietly();
-  SetLux(10);
-  fp_host::SetSensorFault({.function = "ASensorManager_getInstanceForPackage"});
+  ReportLux(10);
+  SetSensorFault(
+      {.function = "ASensorManager_getInstanceForPackage", .calls = SensorFault::kForever});
   EXPECT_EQ(-ENOMEM, Monitor().StartSampling());
   EXPECT_EQ(-ENOMEM, Monitor().StopSampling());
   EXPECT_EQ(kUntouched, Light(-ENOMEM));
   EXPECT_FALSE(Monitor().ConnectSensorManagerIfNeeded());
   EXPECT_LOG(kNoManager, kNoConnection, kNoManager, kNoConnection, kNoManager, kNoConnection,
              kNoManager);
-  fp_host::ClearSensorFaults();
+  ClearSensorFaults();
   EXPECT_TRUE(Monitor().ConnectSensorManagerIfNeeded());
   EXPECT_EQ(10, Light());
   EXPECT_LOG();
@@ -158,7 +159,7 @@ TEST_F(AlsMonitorTest, DrainsInBatchesAndKeepsTheNewest) {
     for (size_t i = 0; i < test.events; ++i) {
       readings.push_back(++lux);
     }
-    SetLux(readings);
+    ReportLux(readings);
     MyCalls();
     EXPECT_EQ(lux, Light()) << test.why;
     Texts fetches;
@@ -173,20 +174,19 @@ TEST_F(AlsMonitorTest, DrainsInBatchesAndKeepsTheNewest) {
 
 TEST_F(AlsMonitorTest, PollErrorEndsTheDrainButKeepsTheSample) {
   StartQuietly();
-  SetLux(std::vector<float>(20, 5));
+  ReportLux(std::vector<float>(20, 5));
   int polls = 0;
-  fp_host::OnSensorCall("ALooper_pollOnce", [&polls] {
+  OnSensorCall("ALooper_pollOnce", [&polls] {
     if (++polls == 2) {
-      fp_host::SetSensorFault(
-          {.function = "ALooper_pollOnce", .result = ALOOPER_POLL_ERROR, .calls = 1});
+      SetSensorFault({.function = "ALooper_pollOnce", .result = ALOOPER_POLL_ERROR});
     }
   });
   EXPECT_EQ(kUntouched, Light(UNKNOWN_ERROR));
   EXPECT_LOG(kPollError);
-  fp_host::SetSensorFault({.function = "ASensorEventQueue_getEvents", .calls = 1});
+  SetSensorFault({.function = "ASensorEventQueue_getEvents"});
   EXPECT_EQ(5, Light()) << "read before the error; a negative count means an empty queue";
 
-  SetLux(6);
+  ReportLux(6);
   ALooper_wake(ALooper_forThread());
   std::thread([] { ALooper_pollOnce(0, nullptr, nullptr, nullptr); }).join();
   EXPECT_EQ(6, Light()) << "the queue is read whatever the poll returns";
@@ -199,16 +199,18 @@ TEST_F(AlsMonitorTest, LastEventOfABatchCountsWhateverItsType) {
   events[0].light = 1;
   events[1].type = ASENSOR_TYPE_PROXIMITY;
   events[1].light = 2;
-  fp_host::PushSensorEvents(events);
+  PushSensorEvents(events);
   EXPECT_EQ(2, Light());
 }
 
 TEST_F(AlsMonitorTest, FailedCallsLeaveSamplingAsItWas) {
   StartQuietly();
-  SetLux(1);
-  fp_host::SetSensorFault({.function = "ASensorEventQueue_registerSensor"});
-  fp_host::SetSensorFault({.function = "ASensorEventQueue_disableSensor"});
-  fp_host::SetSensorFault({.function = "ASensorManager_destroyEventQueue"});
+  ReportLux(1);
+  for (const char* function :
+       {"ASensorEventQueue_registerSensor", "ASensorEventQueue_disableSensor",
+        "ASensorManager_destroyEventQueue"}) {
+    SetSensorFault({.function = function, .calls = SensorFault::kForever});
+  }
   EXPECT_EQ(-EINVAL, Monitor().StartSampling());
   EXPECT_EQ(1, Light());
   EXPECT_EQ(0, Monitor().StopSampling());
@@ -219,15 +221,15 @@ TEST_F(AlsMonitorTest, FailedCallsLeaveSamplingAsItWas) {
 // The old service's handles are invalid: a call with one aborts.
 TEST_F(AlsMonitorTest, NewManagerHandleMeansStopped) {
   StartQuietly();
-  SetLux(20);
+  ReportLux(20);
   EXPECT_EQ(20, Light());
-  fp_host::RestartSensorService();
+  RestartSensorService();
   EXPECT_EQ(kUntouched, Light(UNKNOWN_ERROR));
   EXPECT_EQ(0, Monitor().StopSampling());
   EXPECT_LOG(kConnected, kNotStarted, kStopped);
-  fp_host::StopSensorService();
+  KillSensorService();
   EXPECT_EQ(-ENOMEM, Monitor().StopSampling());
-  fp_host::StartSensorService();
+  StartSensorService();
   MyCalls();
   EXPECT_EQ(0, Monitor().StartSampling());
   EXPECT_EQ(5u, MyCalls().size()) << "all but the looper's preparation";
@@ -238,10 +240,10 @@ TEST_F(AlsMonitorTest, DeathOfTheSystemServerDropsTheInstance) {
   AlsMonitor::OnSystemServerDeath();
   EXPECT_LOG(Info(kTag, "system server died.")) << "without an instance";
   StartQuietly();
-  SetLux(20);
+  ReportLux(20);
   EXPECT_EQ(20, Light());
   MyCalls();
-  fp_host::RestartSensorService();
+  RestartSensorService();
   AlsMonitor::OnSystemServerDeath();
   EXPECT_TRUE(MyCalls().empty());
   EXPECT_EQ(0, Monitor().StartSampling());

@@ -57,7 +57,7 @@ class DisplayControllerTest : public ::testing::Test {
   }
   void Kill() {
     service_.Kill();
-    ASSERT_TRUE(fp_host::WaitForPools());
+    ASSERT_TRUE(WaitUntilBinderPoolsIdle());
   }
   // The references to the service's proxy, without this function's and the service manager's.
   int CountRefs() const {
@@ -65,7 +65,7 @@ class DisplayControllerTest : public ::testing::Test {
     return AIBinder_debugGetRefCount(binder.get()) - 2;
   }
 
-  fp_host::DisplayService service_;
+  DisplayService service_;
   std::unique_ptr<DisplayController> controller_ = std::make_unique<DisplayController>();
   unsigned elapsed_ = kUntouched;
 };
@@ -84,7 +84,7 @@ TEST_F(DisplayControllerTest, ConnectsAndSwitchesInThisOrder) {
              Call("linkToDeath"), kConnected, kTurningOn, Call("setLhbmState"),
              Turned("on", turning_on), Debug(kTag, "[SetLhbm]: Turning off lhbm"),
              Call("setLhbmState"), Turned("off", elapsed_));
-  EXPECT_EQ((std::vector{true, false}), service_.GetRequests());
+  EXPECT_EQ((std::vector{true, false}), service_.TakeRequests());
   EXPECT_EQ(1, CountRefs()) << "the connection's; the one that came with the binder is released";
   TakeLog();
 
@@ -108,7 +108,7 @@ TEST_F(DisplayControllerTest, StateReachedIsNotAskedForAgain) {
   EXPECT_EQ(0, Set(true));
   EXPECT_EQ(0u, elapsed_);
   EXPECT_LOG(Debug(kTag, "[SetLhbm] Lhbm is already 1"));
-  EXPECT_EQ((std::vector{true}), service_.GetRequests());
+  EXPECT_EQ((std::vector{true}), service_.TakeRequests());
 }
 
 TEST_F(DisplayControllerTest, StateSurvivesTheDeathOfTheService) {
@@ -170,13 +170,13 @@ TEST_F(DisplayControllerTest, ConnectionThatFailsKeepsNothing) {
 
   Kill();
   std::thread failing([] {
-    EXPECT_TRUE(fp_host::WaitForWaitingThreads(1));
-    fp_host::SetServiceManagerFailing(true);
+    EXPECT_TRUE(WaitForServiceWaiters(1));
+    SetServiceManagerFailing(true);
   });
   EXPECT_EQ(-ENODEV, controller_->ConnectDisplayHal());
   failing.join();
   EXPECT_LOG(Error(kTag, std::string("Failed to get IDisplay binder for ") + kInstance + "!"));
-  fp_host::SetServiceManagerFailing(false);
+  SetServiceManagerFailing(false);
   EXPECT_EQ("Critical Errors:\n", CriticalErrorDump()) << "no switch was tried";
 
   service_.Start();
@@ -185,7 +185,7 @@ TEST_F(DisplayControllerTest, ConnectionThatFailsKeepsNothing) {
 }
 
 TEST_F(DisplayControllerTest, ElapsedTimeIncludesConnecting) {
-  fp_host::SetLookUpDelay(milliseconds(40));
+  SetServiceWaitDelay(milliseconds(40));
   service_.SetDelay(milliseconds(20));
   const auto begin = std::chrono::steady_clock::now();
   EXPECT_EQ(0, Set(true));
@@ -245,7 +245,7 @@ TEST_F(DisplayControllerTest, DeathDuringASwitch) {
   });
   EXPECT_EQ(FAILED_TRANSACTION, Set(true));
   dying.join();
-  ASSERT_TRUE(fp_host::WaitForPools());
+  ASSERT_TRUE(WaitUntilBinderPoolsIdle());
   EXPECT_EQ(0, Set(true));
   EXPECT_TRUE(service_.IsLhbmOn());
   const std::vector<LogLine> log = TakeLog();

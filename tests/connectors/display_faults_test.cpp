@@ -17,9 +17,7 @@
 namespace android::fp_utils {
 namespace {
 
-using fp_host::DisplayService;
-using fp_host::RemoteService;
-using fp_host::WaitForPools;
+using namespace fp_host;
 using ndk::ScopedAStatus;
 
 // A phone with a working display HAL, and a controller that is not connected yet.
@@ -29,14 +27,13 @@ class Phone {
     service.Declare();
     service.Start();
   }
-  ~Phone() { fp_host::SetServiceManagerFailing(false); }
 
   int Set(bool on) { return controller->SetLhbm(on, &elapsed); }
 
   // Returns once the controller has been notified of the death.
   void Kill() {
     service.Kill();
-    EXPECT_TRUE(WaitForPools());
+    EXPECT_TRUE(WaitUntilBinderPoolsIdle());
   }
 
   DisplayService service;
@@ -47,7 +44,7 @@ class Phone {
 class DisplayFaultsTest : public ::testing::Test {
  protected:
   DisplayFaultsTest() {
-    fp_host::MuteLog(true);
+    MuteLog(true);
     ABinderProcess_startThreadPool();
   }
 };
@@ -56,7 +53,7 @@ ScopedAStatus NotReady() { return ScopedAStatus::fromExceptionCode(EX_ILLEGAL_ST
 ScopedAStatus NoStatus() { return ScopedAStatus(); }
 
 // The next switch meets the fault. The controller is connected before, or connects for the switch.
-void MeetFault(const fp_host::HalFault& fault, bool connected, bool on) {
+void MeetFault(const HalFault& fault, bool connected, bool on) {
   SCOPED_TRACE(std::string(fault.name) + (connected ? ", connected, " : ", not connected, ") +
                (on ? "on" : "off"));
   Phone phone;
@@ -65,11 +62,11 @@ void MeetFault(const fp_host::HalFault& fault, bool connected, bool on) {
     EXPECT_EQ(0, on ? phone.Set(false) : 0);
   }
   fault.apply(phone.service);
-  const size_t handled = phone.service.GetRequests().size() + (fault.Has(fp_host::kServed) ? 1 : 0);
-  EXPECT_EQ(fault.Has(fp_host::kAnswered) ? 0 : FAILED_TRANSACTION, phone.Set(on));
-  EXPECT_EQ(handled, phone.service.GetRequests().size());
+  phone.service.TakeRequests();
+  EXPECT_EQ(fault.Has(kAnswered) ? 0 : FAILED_TRANSACTION, phone.Set(on));
+  EXPECT_EQ(fault.Has(kServed) ? 1u : 0u, phone.service.TakeRequests().size());
 
-  EXPECT_TRUE(WaitForPools());
+  EXPECT_TRUE(WaitUntilBinderPoolsIdle());
   phone.service.Repair();
   EXPECT_EQ(0, phone.Set(on)) << "recovered";
   EXPECT_EQ(0, phone.Set(!on));
@@ -83,13 +80,13 @@ TEST_F(DisplayFaultsTest, EverySwitchMeetsEveryFaultAndRecovers) {
   };
   const auto restart = [](RemoteService& service) {
     service.Kill();
-    EXPECT_TRUE(WaitForPools());
+    EXPECT_TRUE(WaitUntilBinderPoolsIdle());
     service.Start();
   };
-  const auto kFaults = fp_host::HalFaults({
-      {"refuses", refuse(NotReady), fp_host::kServed},
-      {"answers without a status", refuse(NoStatus), fp_host::kServed},
-      {"has restarted, and the controller knows", restart, fp_host::kAnswered | fp_host::kServed},
+  const auto kFaults = HalFaults({
+      {"refuses", refuse(NotReady), kServed},
+      {"answers without a status", refuse(NoStatus), kServed},
+      {"has restarted, and the controller knows", restart, kAnswered | kServed},
   });
   for (const auto& fault : kFaults) {
     MeetFault(fault, false, true);  // a new controller switches nothing off
@@ -102,7 +99,7 @@ TEST_F(DisplayFaultsTest, ConnectionThatStandsNeedsNoServiceManager) {
   Phone phone;
   EXPECT_EQ(0, phone.Set(true));
   phone.service.Undeclare();
-  fp_host::SetServiceManagerFailing(true);
+  const ScopedServiceManagerFailure failing;
   EXPECT_EQ(0, phone.Set(false));
   phone.Kill();
   EXPECT_EQ(FAILED_TRANSACTION, phone.Set(true)) << "a new one does";
@@ -120,7 +117,7 @@ TEST_F(DisplayFaultsTest, StormOfDeathsCallsAndEnds) {
       service.Restart();
     }
   });
-  const int rounds = fp_host::Share(2000);
+  const int rounds = Share(2000);
   for (int i = 0; i < rounds; ++i) {
     DisplayController controller;
     const auto switch_often = [&controller] {
@@ -136,7 +133,7 @@ TEST_F(DisplayFaultsTest, StormOfDeathsCallsAndEnds) {
   over = true;
   crashing.join();
   service.Start();
-  ASSERT_TRUE(WaitForPools());
+  ASSERT_TRUE(WaitUntilBinderPoolsIdle());
   DisplayController controller;
   EXPECT_EQ(0, controller.SetLhbm(true, nullptr));
   EXPECT_TRUE(service.IsLhbmOn());

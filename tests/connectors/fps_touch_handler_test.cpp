@@ -112,7 +112,7 @@ TEST_F(FpsTouchHandlerTest, ConfiguresTheScaledArea) {
   EXPECT_LOG(Debug(kTag, "OpenTouchDevice: opening device: /dev/fth_fd"),
              Debug(kTag, "Configure: left:2147483645, right:30, top:-15, bottom:0"),
              Debug(kTag, "Configure: left:3, right:90, top:6, bottom:120"));
-  EXPECT_EQ(1, node_.OpenDescriptors()) << "opened once";
+  EXPECT_EQ(1, node_.CountOpenDescriptors()) << "opened once";
   for (const int end : cancel_pipe) {
     EXPECT_NE(0, fcntl(end, F_GETFL) & O_NONBLOCK);
   }
@@ -130,7 +130,7 @@ TEST_F(FpsTouchHandlerTest, ScalingFactorOfOddPropertiesIsOne) {
 // Each step of the first Configure() fails once, and the next call retries from that step.
 TEST_F(FpsTouchHandlerTest, FailedConfigureCanBeRepeated) {
   const auto fail = [](const char* function, int nth, int error) {
-    fp_host::SetFault({.function = function, .first_call = nth, .error = error});
+    SetFault({.function = function, .first_call = nth, .error = error});
   };
   const LogLine opening = Debug(kTag, "OpenTouchDevice: opening device: /dev/fth_fd");
   const auto expect_failure = [this](const std::vector<LogLine>& log) {
@@ -156,21 +156,21 @@ TEST_F(FpsTouchHandlerTest, FailedConfigureCanBeRepeated) {
   expect_pipe_failure("make stop read pipe non-blocking: Operation not permitted");
   fail("fcntl", 2, EPERM);
   expect_pipe_failure("make stop write pipe non-blocking: Operation not permitted");
-  fp_host::ClearFaults();
+  ClearFaults();
   const LogLine area = Debug(kTag, "Configure: left:1, right:30, top:2, bottom:40");
-  node_.Answer(115, -7);
+  node_.SetRequestResult(115, -7);
   expect_failure({area, Error(kTag, "Configure: fth ioctl 115 error -7")});
   EXPECT_FALSE(handler_.Start());
   EXPECT_LOG(Debug(kTag, "Start"), Error(kTag, "Start: configuration has not been completed"));
-  node_.Answer(115, 0);
+  node_.SetRequestResult(115, 0);
   EXPECT_TRUE(handler_.Configure(kSensingArea));
-  node_.Answer(115, 1);
+  node_.SetRequestResult(115, 1);
   EXPECT_FALSE(handler_.Configure(kSensingArea));
   EXPECT_TRUE(handler_.IsConfigured()) << "it stays configured";
 }
 
 TEST_F(FpsTouchHandlerTest, DevicePathIsAProperty) {
-  base::SetProperty("persist.vendor.udfps.fth.touch_dev_path", "/dev/fth_fd9");
+  const ScopedProperty path("persist.vendor.udfps.fth.touch_dev_path", "/dev/fth_fd9");
   EXPECT_FALSE(handler_.Configure(kSensingArea));
   EXPECT_EQ(
       Error(kTag, "OpenTouchDevice: could not open /dev/fth_fd9, No such file or directory\n"),
@@ -184,7 +184,7 @@ TEST_F(FpsTouchHandlerTest, UnsupportedDeviceIsNeverTouched) {
   EXPECT_FALSE(IsFpsTouchHandlerSupported()) << "read once";
   EXPECT_FALSE(handler_.Configure(kSensingArea));
   EXPECT_FALSE(handler_.Start());
-  EXPECT_EQ(0, node_.OpenDescriptors());
+  EXPECT_EQ(0, node_.CountOpenDescriptors());
   EXPECT_EQ(Error(kTag, "Configure: FpsTouchHandler is not supported on this device"),
             TakeLog()[0]);
 }
@@ -196,7 +196,7 @@ TEST_F(FpsTouchHandlerTest, SwitchesLptw) {
   TakeLog();
   EXPECT_TRUE(handler_.EnableLptwEventReport(true));
   EXPECT_TRUE(handler_.EnableLptwEventReport(false));
-  node_.Answer(102, 5);
+  node_.SetRequestResult(102, 5);
   EXPECT_FALSE(handler_.EnableLptwEventReport(true));
   EXPECT_EQ((std::vector<TouchNode::Request>{{102, {}}, {103, {}}, {102, {}}}),
             node_.TakeRequests());
@@ -273,7 +273,7 @@ TEST_F(FpsTouchHandlerTest, DeliversDecodedReports) {
 TEST_F(FpsTouchHandlerTest, ReadsAtMost128RecordsOfABuffer) {
   Run();
   const std::vector<TouchRecord> full(128);
-  std::string buffer = fp_host::EncodeTouchRecords(full);
+  std::string buffer = EncodeTouchRecords(full);
   for (const uint32_t count : {129u, 0xFFFFFFFFu, 0u, 128u}) {
     memcpy(buffer.data(), &count, sizeof count);
     ASSERT_TRUE(node_.PushBytes(buffer));
@@ -323,7 +323,7 @@ TEST_F(FpsTouchHandlerTest, CancelComesBeforeReports) {
 TEST_F(FpsTouchHandlerTest, FailingDeviceIsLoggedOnceAndBackedOff) {
   Run();
   const auto fail_reads = [this](int error) {
-    fp_host::SetFault({.function = "read", .calls = fp_host::Fault::kForever, .error = error});
+    SetFault({.function = "read", .calls = Fault::kForever, .error = error});
     node_.Push({{}});
   };
   const struct {
@@ -331,16 +331,16 @@ TEST_F(FpsTouchHandlerTest, FailingDeviceIsLoggedOnceAndBackedOff) {
     std::function<void()> fail, recover;
   } kCases[] = {
       {"hang-up", [this] { node_.HangUp(); }, [this] { node_.Reconnect(); }},
-      {"no device", [&] { fail_reads(ENODEV); }, fp_host::ClearFaults},
-      {"readable, but nothing to read", [&] { fail_reads(EAGAIN); }, fp_host::ClearFaults},
+      {"no device", [&] { fail_reads(ENODEV); }, ClearFaults},
+      {"readable, but nothing to read", [&] { fail_reads(EAGAIN); }, ClearFaults},
       {"error without data",
        [&] {
          device_events = POLLERR;
          fail_reads(ENODEV);  // counts reads
        },
        [] {
-         EXPECT_GE(1, fp_host::CountedCalls("read")) << "only a read after an earlier poll";
-         fp_host::ClearFaults();
+         EXPECT_GE(1, CallsSinceFaultSet("read")) << "only a read after an earlier poll";
+         ClearFaults();
          device_events = 0;
        }},
   };
@@ -363,12 +363,12 @@ TEST_F(FpsTouchHandlerTest, FailingDeviceIsLoggedOnceAndBackedOff) {
 
 TEST_F(FpsTouchHandlerTest, FailingPollSaysNothingAboutTheDevice) {
   Run();
-  fp_host::SetFault({.function = "poll", .calls = 8, .error = EINTR});
+  SetFault({.function = "poll", .calls = 8, .error = EINTR});
   node_.Push({{}});
-  ASSERT_TRUE(Eventually([] { return fp_host::CountedCalls("poll") >= 9; }));
+  ASSERT_TRUE(Eventually([] { return CallsSinceFaultSet("poll") >= 9; }));
   EXPECT_EQ(8u, CountLinesWith(TakeLog(), "poll failed (errno=4)"));
   EXPECT_EQ(0u, pauses.Count()) << "a signal does not pause the worker";
-  fp_host::SetFault({.function = "poll", .error = ENOMEM});
+  SetFault({.function = "poll", .error = ENOMEM});
   node_.Push({{}});
   EXPECT_EQ((std::vector{10}), pauses.Take(1));
   EXPECT_EQ(1u, CountLinesWith(TakeLog(), "poll failed (errno=12)"));
@@ -411,7 +411,7 @@ TEST_F(FpsTouchHandlerTest, ThreadsThatConfigureTogetherShareDeviceAndWorker) {
   for (std::thread& thread : threads) {
     thread.join();
   }
-  EXPECT_EQ(1, node_.OpenDescriptors());
+  EXPECT_EQ(1, node_.CountOpenDescriptors());
 }
 
 TEST_F(FpsTouchHandlerTest, LptwRequestWaitsForTheOneBeforeIt) {

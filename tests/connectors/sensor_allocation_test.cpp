@@ -18,7 +18,7 @@ TEST(SensorAllocation, GetLightDoesNotAllocate) {
   AlsMonitor* const monitor = AlsMonitor::GetInstance();
   EXPECT_EQ(0, monitor->StartSampling());
   EXPECT_LT(0u, Allocations()) << "they are counted";
-  fp_host::SetLux(std::vector<float>(100, 7));
+  fp_host::ReportLux(std::vector<float>(100, 7));
   float lux = 0;
   const uint64_t before = Allocations();
   EXPECT_EQ(0, monitor->GetLight(&lux));
@@ -35,9 +35,9 @@ TEST(SensorAllocation, DeliveryDoesNotAllocate) {
     ++events;
   };
   EXPECT_EQ(0, listener.StartSampling(SensorListener::kLight));
-  fp_host::SetLux(std::vector<float>(16, 1));
+  fp_host::ReportLux(std::vector<float>(16, 1));
   EXPECT_TRUE(fp_host::Eventually([&events] { return events == 16; }));
-  fp_host::SetLux(std::vector<float>(10, 1));
+  fp_host::ReportLux(std::vector<float>(10, 1));
   EXPECT_TRUE(fp_host::Eventually([&events] { return events == 26; }));
   EXPECT_EQ(at_first, at_last);
 }

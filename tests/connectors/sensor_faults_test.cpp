@@ -31,7 +31,7 @@ void SampleLight(SensorClients& clients) { clients.Listener().StartSampling(kLig
 void StartMonitor(SensorClients& clients) { clients.Monitor().StartSampling(); }
 void StartMonitorInLight(SensorClients& clients) {
   StartMonitor(clients);
-  SetLux(1);
+  ReportLux(1);
 }
 
 const Operation kOperations[] = {
@@ -43,7 +43,7 @@ const Operation kOperations[] = {
      [](auto& clients) { return clients.Listener().StopSampling(kLight); }, 0},
     {"listener delivers", SampleLight,
      [](auto& clients) {
-       SetLux(1);
+       ReportLux(1);
        return !clients.Listener().IsAnySamplerStarted() || Eventually(IsWorkerIdle) ? 0 : -1;
      },
      0},
@@ -92,12 +92,13 @@ class SensorFaultsTest : public SensorTest {
   // Makes new clients with a new service, as they are before the operation.
   void Prepare(const Operation& operation) {
     clients_.reset();
-    RepairSensorService();
+    ClearSensorFaults();
+    RestartSensorService();
     AlsMonitor::OnSystemServerDeath();
     clients_ = std::make_unique<SensorClients>();
     operation.prepare(*clients_);
     EXPECT_TRUE(operation.prepare != SampleLight || Eventually(IsWorkerIdle));
-    fp_host::TakeSensorCalls();
+    TakeSensorCalls();
     TakeLog();
   }
 
@@ -106,13 +107,13 @@ class SensorFaultsTest : public SensorTest {
   int RunAndRecover(const Operation& operation) {
     int answer = 0;
     RunBounded(case_, [&] { answer = operation.run(*clients_); });
-    fp_host::ClearSensorFaults();
+    ClearSensorFaults();
     RunBounded("recovery from " + case_, [&] {
       clients_->HearOfDeath();
-      const int uses = fp_host::GetDeadHandleUses();
-      RepairSensorService();
+      const int uses = GetDeadHandleUses();
+      RestartSensorService();
       clients_->ExpectRecovery();
-      EXPECT_EQ(uses, fp_host::GetDeadHandleUses());
+      EXPECT_EQ(uses, GetDeadHandleUses());
     });
     return answer;
   }
@@ -122,7 +123,7 @@ class SensorFaultsTest : public SensorTest {
     Prepare(operation);
     answer = Run(operation);
     std::set<std::string> functions;
-    for (const fp_host::SensorCall& call : fp_host::TakeSensorCalls()) {
+    for (const SensorCall& call : TakeSensorCalls()) {
       functions.insert(call.text.substr(0, call.text.find('(')));
     }
     return functions;
@@ -151,8 +152,8 @@ class SensorFaultsTest : public SensorTest {
   }
 
   // Tells the listener; the monitor notices by itself.
-  void StopService(fp_host::WhileDown while_down) {
-    fp_host::StopSensorService(while_down);
+  void KillService(WhileDown while_down) {
+    KillSensorService(while_down);
     clients_->HearOfDeath();
   }
 
@@ -165,20 +166,20 @@ class SensorFaultsTest : public SensorTest {
 TEST_F(SensorFaultsTest, RefusedCalls) {
   ForEachCall([this](const Operation& operation, const std::string& function, int normal) {
     Prepare(operation);
-    fp_host::SetSensorFault({.function = function, .calls = 1});
+    SetSensorFault({.function = function});
     const bool reads_nothing =
         function == "ASensorEventQueue_getEvents" && operation.name == std::string("monitor reads");
     EXPECT_EQ(reads_nothing ? -EINVAL : ResultAfterFailure(function, normal),
               RunAndRecover(operation));
   });
-  EXPECT_EQ(0, fp_host::GetDeadHandleUses());
+  EXPECT_EQ(0, GetDeadHandleUses());
 }
 
 TEST_F(SensorFaultsTest, SlowCallsAreWaitedFor) {
   ForEachCall([this](const Operation& operation, const std::string& function, int normal) {
     Prepare(operation);
     const auto gate = std::make_shared<Gate>();
-    fp_host::OnSensorCall(function, [gate] { gate->Pass(); });
+    OnSensorCall(function, [gate] { gate->Pass(); });
     std::atomic<bool> over = false;
     std::thread opener([&] {
       EXPECT_TRUE(Eventually([&] { return gate->HasArrived() || over; }));
@@ -193,18 +194,17 @@ TEST_F(SensorFaultsTest, SlowCallsAreWaitedFor) {
 // The service dies before or after a call has done its work, and restarts at once or does not.
 // Until the client is told, it may still use the old handles.
 TEST_F(SensorFaultsTest, ServiceDiesDuringACall) {
-  fp_host::CountDeadHandleUses();
+  CountDeadHandleUses();
   for (const int kind : {0, 1, 2, 3}) {
     ForEachCall([&](const Operation& operation, const std::string& function, int normal) {
       Prepare(operation);
       const auto gone = std::make_shared<std::atomic<bool>>(false);
       const auto die_once = [gone, restarts = kind % 2 == 1] {
         if (!gone->exchange(true)) {
-          restarts ? fp_host::RestartSensorService() : fp_host::StopSensorService();
+          restarts ? RestartSensorService() : KillSensorService();
         }
       };
-      kind < 2 ? fp_host::OnSensorCall(function, die_once)
-               : fp_host::OnSensorCall(function, nullptr, die_once);
+      kind < 2 ? OnSensorCall(function, die_once) : OnSensorCall(function, nullptr, die_once);
       const int answer = RunAndRecover(operation);
       const std::set<int> kDefined = {normal, -ENOMEM, UNEXPECTED_NULL, UNKNOWN_ERROR, -EINVAL};
       EXPECT_TRUE(kDefined.count(answer) == 1) << answer;
@@ -217,22 +217,22 @@ TEST_F(SensorFaultsTest, ServiceIsDownOrStarting) {
     case_ = operation.name;
     SCOPED_TRACE(case_);
     Prepare(operation);
-    StopService(fp_host::WhileDown::kAnswerNull);
+    KillService(WhileDown::kAnswerNull);
     EXPECT_EQ(operation.without_service, RunAndRecover(operation)) << "gone before";
 
     Prepare(operation);
     Run(operation);
-    StopService(fp_host::WhileDown::kAnswerNull);
+    KillService(WhileDown::kAnswerNull);
     EXPECT_EQ(operation.without_service, RunAndRecover(operation)) << "gone after";
 
     Prepare(operation);
-    StopService(fp_host::WhileDown::kWait);
-    fp_host::OnSensorCall("ASensorManager_getInstanceForPackage", fp_host::StartSensorService);
+    KillService(WhileDown::kWait);
+    OnSensorCall("ASensorManager_getInstanceForPackage", StartSensorService);
     const bool reads = operation.name == std::string("monitor reads");
     EXPECT_EQ(reads ? static_cast<int>(UNKNOWN_ERROR) : 0, RunAndRecover(operation))
         << "started as the operation asks for it";
   }
-  EXPECT_EQ(0, fp_host::GetDeadHandleUses());
+  EXPECT_EQ(0, GetDeadHandleUses());
 }
 
 }  // namespace

@@ -33,11 +33,11 @@ TEST_F(SensorListenerEndTest, ConnectsAfreshAfterTheDeathOfTheSystemServer) {
 
   EXPECT_EQ(0, listener_->StartSampling(kLight));
   EXPECT_EQ(9u, MyCalls().size()) << "all but the looper's preparation";
-  SetLux(8);
+  ReportLux(8);
   EXPECT_TRUE(AwaitLights(1)) << "by a new worker";
   EXPECT_EQ(8, last_lux_);
 
-  fp_host::SetSensors({{"pressure", "android.sensor.pressure", ASENSOR_TYPE_PRESSURE, 0}});
+  SetSensors({{"pressure", "android.sensor.pressure", ASENSOR_TYPE_PRESSURE, 0}});
   RestartSystemServer();
   TakeLog();
   EXPECT_EQ(-ENOMEM, listener_->StartSampling(kLight));
@@ -59,7 +59,7 @@ TEST_F(SensorListenerEndTest, DestructorEndsTheWorkerAndGivesTheSensorsBack) {
                    "ASensorEventQueue_disableSensor(queue 1, long press) = 0",
                    "ASensorManager_destroyEventQueue(manager 1, queue 1) = 0"}),
             MyCalls());
-  EXPECT_EQ(SensorUsage(), fp_host::GetSensorUsage());
+  EXPECT_EQ(SensorUsage(), GetSensorUsage());
 
   Create();
   StartQuietly();
@@ -72,13 +72,13 @@ TEST_F(SensorListenerEndTest, DestructorEndsTheWorkerAndGivesTheSensorsBack) {
 TEST_F(SensorListenerEndTest, WorkerThatWaitsForTheLockGivesUpAsItHasToEnd) {
   StartQuietly();
   Gate polled;
-  fp_host::OnSensorCall("ALooper_pollOnce", nullptr, [&polled] { polled.Pass(); });
-  fp_host::OnSensorCall("ALooper_wake", nullptr, [&polled] { polled.Open(); });
-  SetLux(1);
+  OnSensorCall("ALooper_pollOnce", nullptr, [&polled] { polled.Pass(); });
+  OnSensorCall("ALooper_wake", nullptr, [&polled] { polled.Open(); });
+  ReportLux(1);
   ASSERT_TRUE(polled.AwaitArrival()) << "the worker has seen the event, and needs the lock next";
   TakeCalls();
   RunBounded("death while the worker is on its way to the lock", [this] {
-    fp_host::RestartSensorService();
+    RestartSensorService();
     listener_->OnSystemServerDeath();  // holds the lock when its wake opens the gate
   });
   EXPECT_EQ(0, lights_);
@@ -87,7 +87,7 @@ TEST_F(SensorListenerEndTest, WorkerThatWaitsForTheLockGivesUpAsItHasToEnd) {
 TEST_F(SensorListenerEndTest, WakeThatAnotherPollerTookIsSentAgain) {
   StartQuietly();
   for (const int swallowed : {1, 5}) {
-    fp_host::SetSensorFault({.function = "ALooper_wake", .calls = swallowed});
+    SetSensorFault({.function = "ALooper_wake", .calls = swallowed});
     RunBounded("death with lost wakes", [this] { listener_->OnSystemServerDeath(); });
     EXPECT_EQ(0, listener_->StartSampling(kLight));
   }
@@ -106,10 +106,10 @@ TEST_F(SensorListenerEndTest, DeathDuringACallbackEndsTheDelivery) {
     stop = listener_->StopSampling(kLight);
     listener_->OnSystemServerDeath();
   };
-  SetLux({1, 2, 3});
+  ReportLux({1, 2, 3});
   ASSERT_TRUE(gate.AwaitArrival());
-  fp_host::RestartSensorService();
-  fp_host::OnSensorCall("ALooper_wake", [&gate] { gate.Open(); });
+  RestartSensorService();
+  OnSensorCall("ALooper_wake", [&gate] { gate.Open(); });
   TakeLog();
   RunBounded("death during a callback", [this] { listener_->OnSystemServerDeath(); });
   EXPECT_EQ(1, lights_);
@@ -123,18 +123,18 @@ TEST_F(SensorListenerEndTest, CallbackMayReportTheDeathItself) {
   int32_t again = -1;
   on_light_ = [&] {
     if (lights_ == 1) {
-      fp_host::RestartSensorService();
+      RestartSensorService();
       listener_->OnSystemServerDeath();
       EXPECT_FALSE(listener_->IsAnySamplerStarted());
       again = listener_->StartSampling(kLight);
     }
   };
-  SetLux({1, 2});
+  ReportLux({1, 2});
   // The second event is still delivered, and the new registration reports the current value.
   EXPECT_TRUE(AwaitLights(3));
   EXPECT_EQ(0, again);
   RunBounded("destruction after that", [this] { listener_.reset(); });
-  EXPECT_EQ(SensorUsage(), fp_host::GetSensorUsage());
+  EXPECT_EQ(SensorUsage(), GetSensorUsage());
 }
 
 // The callback may also construct another listener in its place.
@@ -162,10 +162,10 @@ TEST_F(SensorListenerEndTest, CallbackMayDestroyTheListener) {
     };
     lights_ = 0;
     worker_ended = false;
-    SetLux(std::vector<float>(40, 1));
+    ReportLux(std::vector<float>(40, 1));
     EXPECT_TRUE(Eventually([] { return worker_ended.load(); }));
     EXPECT_EQ(1, lights_);
-    EXPECT_EQ(SensorUsage(), fp_host::GetSensorUsage());
+    EXPECT_EQ(SensorUsage(), GetSensorUsage());
     on_light_ = nullptr;
   }
 }

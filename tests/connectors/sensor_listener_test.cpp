@@ -51,7 +51,7 @@ TEST_F(SensorListenerTest, ConnectsAtTheFirstStart) {
                    "ASensorEventQueue_registerSensor(queue 1, long press, 0, 0) = 0"}),
             MyCalls());
 
-  fp_host::SetSensorFault({.function = "ASensorEventQueue_disableSensor"});
+  SetSensorFault({.function = "ASensorEventQueue_disableSensor", .calls = SensorFault::kForever});
   EXPECT_EQ(0, listener_->StopSampling(kLight)) << "even if the platform fails";
   EXPECT_TRUE(listener_->IsAnySamplerStarted());
   EXPECT_EQ(0, listener_->StopSampling(kLongPress));
@@ -82,9 +82,9 @@ TEST_F(SensorListenerTest, FailedConnectIsRetriedFromWhereItStopped) {
   for (const auto& test : kCases) {
     SCOPED_TRACE(test.function);
     listener_.reset();
-    fp_host::RestartSensorService();
+    RestartSensorService();
     Create();
-    fp_host::SetSensorFault({.function = test.function, .calls = 1});
+    SetSensorFault({.function = test.function});
     EXPECT_EQ(-ENOMEM, listener_->StartSampling(kLight));
     std::vector<LogLine> log = {Error(kTag, test.reason), kNoConnection};
     if (test.has_list) {
@@ -94,7 +94,7 @@ TEST_F(SensorListenerTest, FailedConnectIsRetriedFromWhereItStopped) {
     EXPECT_FALSE(listener_->IsAnySamplerStarted());
     if (test.function == std::string("ASensorManager_getSensorList")) {
       EXPECT_EQ(-ENOMEM, listener_->StartSampling(kLight));
-      fp_host::RestartSensorService();
+      RestartSensorService();
     }
     MyCalls();
     EXPECT_EQ(0, listener_->StartSampling(kLight));
@@ -110,13 +110,13 @@ TEST_F(SensorListenerTest, WorkerThatCannotBeStartedIsTriedAgain) {
   androidSetCreateThreadFunc(androidCreateRawThreadEtc);
   EXPECT_LOG(kCount, kFoundLight, kFoundLongPress,
              Error(kTag, "Failed to start the polling worker."), kNoConnection);
-  EXPECT_EQ(fp_host::SensorUsage(), fp_host::GetSensorUsage()) << "the queue is destroyed at once";
+  EXPECT_EQ(SensorUsage(), GetSensorUsage()) << "the queue is destroyed at once";
   EXPECT_EQ(0, listener_->StartSampling(kLight));
   EXPECT_TRUE(Eventually(IsWorkerIdle));
 }
 
 TEST_F(SensorListenerTest, RefusedRegistrationLeavesTheSensorIdle) {
-  fp_host::SetSensorFault({.function = "ASensorEventQueue_registerSensor", .calls = 1});
+  SetSensorFault({.function = "ASensorEventQueue_registerSensor"});
   EXPECT_EQ(-EINVAL, listener_->StartSampling(kLongPress));
   EXPECT_EQ(Error(kTag, "StartSampling: Failed to register sensor[1], err=-22."), TakeLog().back());
   EXPECT_FALSE(listener_->IsAnySamplerStarted());
@@ -126,12 +126,12 @@ TEST_F(SensorListenerTest, RefusedRegistrationLeavesTheSensorIdle) {
 }
 
 TEST_F(SensorListenerTest, TakesTheLastSensorOfExactlyTheStringType) {
-  fp_host::SetSensors({fp_host::LightSensor("front"),
-                       fp_host::LightSensor("rear"),
-                       {"near", "android.sensor.light ", 1, 0},
-                       {"nearer", "android.sensor.ligh", 1, 0},
-                       {"nearest", "Android.sensor.light", 1, 0},
-                       {"nameless", "", 1, 0}});
+  SetSensors({LightSensor("front"),
+              LightSensor("rear"),
+              {"near", "android.sensor.light ", 1, 0},
+              {"nearer", "android.sensor.ligh", 1, 0},
+              {"nearest", "Android.sensor.light", 1, 0},
+              {"nameless", "", 1, 0}});
   EXPECT_EQ(-ENOMEM, listener_->StartSampling(kLongPress));
   EXPECT_LOG(Debug(kTag, "The device sensor count:6"),
              Info(kTag, "Found Sensor(0). name:'front', string_type:'android.sensor.light'"),
@@ -143,7 +143,7 @@ TEST_F(SensorListenerTest, TakesTheLastSensorOfExactlyTheStringType) {
   EXPECT_TRUE(Eventually(IsWorkerIdle)) << "polls from the connection on";
   EXPECT_EQ(0, listener_->StartSampling(kLight));
   EXPECT_EQ("ASensorEventQueue_registerSensor(queue 1, rear, 20000, 0) = 0", MyCalls().back());
-  SetLux(3);
+  ReportLux(3);
   EXPECT_TRUE(AwaitLights(1));
 }
 
@@ -178,7 +178,7 @@ TEST_F(SensorListenerTest, FetchesBatchesOfSixteen) {
     for (int i = 0; i < test.events; ++i) {
       readings.push_back(static_cast<float>(++sent));
     }
-    SetLux(readings);
+    ReportLux(readings);
     EXPECT_TRUE(AwaitLights(test.delivered)) << test.why;
     EXPECT_TRUE(Eventually(IsWorkerIdle));
     EXPECT_EQ(static_cast<float>(test.delivered), last_lux_) << "in order";
@@ -196,7 +196,7 @@ TEST_F(SensorListenerTest, FetchesBatchesOfSixteen) {
 TEST_F(SensorListenerTest, DispatchesByTypeAlone) {
   StartQuietly();
   EXPECT_EQ(0, listener_->StartSampling(kLongPress));
-  fp_host::LongPress();
+  ReportLongPress();
   EXPECT_TRUE(Eventually([this] { return long_presses_ == 1; }));
   EXPECT_TRUE(Eventually(IsWorkerIdle));
   TakeCalls();
@@ -208,7 +208,7 @@ TEST_F(SensorListenerTest, DispatchesByTypeAlone) {
   events[0].type = ASENSOR_TYPE_PRESSURE;
   events[1].type = ASENSOR_TYPE_LIGHT;
   events[2].type = ASENSOR_TYPE_INVALID;
-  fp_host::PushSensorEvents(events);
+  PushSensorEvents(events);
   EXPECT_TRUE(AwaitLights(1));
   EXPECT_TRUE(Eventually(IsWorkerIdle));
   EXPECT_EQ(1, lights_) << "events of neither type are dropped";
@@ -218,10 +218,9 @@ TEST_F(SensorListenerTest, DispatchesByTypeAlone) {
 }
 
 TEST_F(SensorListenerTest, OneTypeForBothSensorsReachesBothCallbacks) {
-  fp_host::SetSensors(
-      {fp_host::LightSensor(), {"tap", "com.norvan.sensor.long_press", ASENSOR_TYPE_LIGHT, 0}});
+  SetSensors({LightSensor(), {"tap", "com.norvan.sensor.long_press", ASENSOR_TYPE_LIGHT, 0}});
   StartQuietly();
-  SetLux(1);
+  ReportLux(1);
   EXPECT_TRUE(Eventually([this] { return lights_ == 1 && long_presses_ == 1; }));
   Create();
   listener_->light_sensor_callback_ = nullptr;
@@ -231,8 +230,7 @@ TEST_F(SensorListenerTest, OneTypeForBothSensorsReachesBothCallbacks) {
 
 TEST_F(SensorListenerTest, PollErrorIsLoggedAndPolledAgain) {
   StartQuietly();
-  fp_host::SetSensorFault(
-      {.function = "ALooper_pollOnce", .result = ALOOPER_POLL_ERROR, .calls = 3});
+  SetSensorFault({.function = "ALooper_pollOnce", .result = ALOOPER_POLL_ERROR, .calls = 3});
   const LogLine error = Error(kTag, "Sensor event looper returned a poll error.");
   std::vector<LogLine> log;
   EXPECT_TRUE(Eventually([&log] {
@@ -242,13 +240,12 @@ TEST_F(SensorListenerTest, PollErrorIsLoggedAndPolledAgain) {
     return log.size() >= 3;
   }));
   EXPECT_EQ((std::vector{error, error, error}), log);
-  SetLux(1);
+  ReportLux(1);
   EXPECT_TRUE(AwaitLights(1));
 
   EXPECT_TRUE(Eventually(IsWorkerIdle));
   listener_->OnSystemServerDeath();  // ends the worker, so that only this thread polls
-  fp_host::SetSensorFault(
-      {.function = "ALooper_pollOnce", .result = ALOOPER_POLL_ERROR, .calls = 1});
+  SetSensorFault({.function = "ALooper_pollOnce", .result = ALOOPER_POLL_ERROR});
   EXPECT_EQ(UNKNOWN_ERROR, listener_->PollSensorEvent());
   ALooper_wake(ALooper_forThread());
   EXPECT_EQ(0, listener_->PollSensorEvent());
@@ -258,7 +255,7 @@ TEST_F(SensorListenerTest, WithoutConnectionNothingIsTouched) {
   listener_->OnSystemServerDeath();
   EXPECT_LOG(kDied);
   EXPECT_EQ(0, AlsMonitor::GetInstance()->StartSampling());
-  SetLux(1);
+  ReportLux(1);
   TakeCalls();
   EXPECT_EQ(0, listener_->PollSensorEvent());
   EXPECT_EQ((Texts{"ALooper_pollOnce(-1) = -2"}), MyCalls());

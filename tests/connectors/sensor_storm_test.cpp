@@ -69,13 +69,13 @@ class Storm {
   }
 
   void Report(int i) {
-    SetLux(std::vector<float>(static_cast<size_t>(1 + i % 20), static_cast<float>(i)));
-    fp_host::LongPress();
+    ReportLux(std::vector<float>(static_cast<size_t>(1 + i % 20), static_cast<float>(i)));
+    ReportLongPress();
   }
 
   void Restart(int i) {
     if (i % 8 == 0) {
-      fp_host::RestartSensorService();
+      RestartSensorService();
       AlsMonitor::OnSystemServerDeath();
     }
     listener_.OnSystemServerDeath();
@@ -86,10 +86,11 @@ class Storm {
 };
 
 TEST(SensorStorm, EverythingAtOnceComesToAnEnd) {
-  fp_host::CountDeadHandleUses();
+  CountDeadHandleUses();
   MuteLog(true);
   RunBounded("storm", [] { Storm(std::max(100, Share(1000))).Run(); });
-  RepairSensorService();
+  ClearSensorFaults();
+  RestartSensorService();
   AlsMonitor::OnSystemServerDeath();
   SensorClients().ExpectRecovery();
 }

@@ -48,7 +48,7 @@ ThermalService::Temperature Reading(const char* name, TemperatureType type, floa
   return reading;
 }
 
-HidlThermalService::Temperature HidlSkin(uint32_t severity) {
+HidlThermalService::Temperature HidlSkinReading(uint32_t severity) {
   return {hardware::thermal::V2_0::TemperatureType::SKIN, "hidl skin", 35.5F,
           static_cast<hardware::thermal::V2_0::ThrottlingSeverity>(severity)};
 }
@@ -57,22 +57,22 @@ class ThermalTest : public ::testing::Test {
  protected:
   ThermalTest() {
     ABinderProcess_startThreadPool();
-    MeasureSkin();
+    SetTemperatures();
   }
 
-  void MeasureSkin() {
+  void SetTemperatures() {
     aidl_.SetTemperatures({Reading("cpu", TemperatureType::CPU, 80, 6),
                            Reading("front", TemperatureType::SKIN, 41.25F, 2),
                            Reading("back", TemperatureType::SKIN, 50, 5)});
-    hidl_.SetTemperatures({HidlSkin(3), HidlSkin(4)});
+    hidl_.SetTemperatures({HidlSkinReading(3), HidlSkinReading(4)});
   }
 
-  static void DeclareAndStart(fp_host::RemoteService& service) {
+  static void DeclareAndStart(RemoteService& service) {
     service.Declare();
     service.Start();
   }
 
-  void Construct() {
+  void CreateMonitor() {
     TakeLog();
     thermal_.emplace();
   }
@@ -83,12 +83,12 @@ class ThermalTest : public ::testing::Test {
     Log constructor, worker;
   };
   // Collects lines until the worker has logged `last_line`.
-  static Logs TakeLogs(const LogLine& last_line) {
+  static Logs TakeLogsUntil(const LogLine& last_line) {
     Logs logs;
     EXPECT_TRUE(Eventually([&] {
       for (const LogLine& line : TakeLog()) {
-        const bool constructors = line.message.rfind("Thermal:", 0) == 0;
-        (constructors ? logs.constructor : logs.worker).push_back(line);
+        const bool is_of_constructor = line.message.rfind("Thermal:", 0) == 0;
+        (is_of_constructor ? logs.constructor : logs.worker).push_back(line);
       }
       return !logs.worker.empty() && logs.worker.back() == last_line;
     }));
@@ -106,11 +106,11 @@ TEST_F(ThermalTest, AsksTheAidlServiceForTheSkin) {
   DeclareAndStart(aidl_);
   DeclareAndStart(hidl_);
   RecordCalls(true);
-  Construct();
+  CreateMonitor();
   const std::string instance = kAidlInstance;
   EXPECT_EQ((Log{kStarting, Call("isDeclared " + instance), Call("waitForService " + instance),
                  kSuccess, kExiting}),
-            TakeLogs(kExiting).worker);
+            TakeLogsUntil(kExiting).worker);
   TakeLog();
   EXPECT_EQ(2, Severity());
   EXPECT_LOG(Debug(kTag, "Name: front"), Debug(kTag, "value: 41.250000"),
@@ -136,8 +136,8 @@ TEST_F(ThermalTest, FallsBackToTheHidlService) {
   for (const auto& test : kCases) {
     SCOPED_TRACE(test.why);
     test.prepare();
-    Construct();
-    EXPECT_EQ((Log{kStarting, test.reason, kSuccess, kExiting}), TakeLogs(kExiting).worker);
+    CreateMonitor();
+    EXPECT_EQ((Log{kStarting, test.reason, kSuccess, kExiting}), TakeLogsUntil(kExiting).worker);
     EXPECT_EQ(3, Severity());
     EXPECT_LOG(Debug(kTag, "Name: hidl skin"), Debug(kTag, "value: 35.500000"),
                Debug(kTag, "ThrottlingSeverity: 3"));
@@ -146,9 +146,9 @@ TEST_F(ThermalTest, FallsBackToTheHidlService) {
 
 TEST_F(ThermalTest, DeviceWithoutThermalHalNeverConnects) {
   const auto start = std::chrono::steady_clock::now();
-  Construct();
+  CreateMonitor();
   EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(9));
-  const Logs logs = TakeLogs(kFailed);
+  const Logs logs = TakeLogsUntil(kFailed);
   EXPECT_EQ((Log{kWaiting, kIsNotConnected}), logs.constructor);
   EXPECT_EQ((Log{kStarting, kNotDeclared, kFailed}), logs.worker);
   DeclareAndStart(aidl_);
@@ -162,12 +162,12 @@ TEST_F(ThermalTest, DeviceWithoutThermalHalNeverConnects) {
 
 // The worker waits for the service and connects when it starts. It blocks no other thread.
 TEST_F(ThermalTest, LateServiceIsConnectedInTheBackground) {
-  fp_host::RemoteService* const kServices[] = {&aidl_, &hidl_};
-  for (fp_host::RemoteService* service : kServices) {
+  RemoteService* const kServices[] = {&aidl_, &hidl_};
+  for (RemoteService* service : kServices) {
     aidl_.Undeclare();
     service->Declare();
-    Construct();
-    EXPECT_TRUE(fp_host::WaitForWaitingThreads(1));
+    CreateMonitor();
+    EXPECT_TRUE(WaitForServiceWaiters(1));
     EXPECT_EQ(-ENODEV, Severity());
     service->Start();
     EXPECT_TRUE(Eventually([this] { return Severity() >= 0; }));
@@ -179,15 +179,15 @@ TEST_F(ThermalTest, ConstructorSeesAConnectionInTime) {
   DeclareAndStart(aidl_);
   // The constructor waits 10 ms, which may not be enough on a busy machine.
   ASSERT_TRUE(Eventually([this] {
-    Construct();
-    const Log log = TakeLogs(kExiting).constructor;
+    CreateMonitor();
+    const Log log = TakeLogsUntil(kExiting).constructor;
     return log == Log{kWaiting, kIsConnected};
   }));
 }
 
 // After a failure the severity is 0 (no throttling), and the monitor does not reconnect.
 TEST_F(ThermalTest, EveryCallMeetsEveryFault) {
-  using Service = fp_host::RemoteService;
+  using Service = RemoteService;
   const auto refuse = [this](Service&) {
     aidl_.Refuse([] { return ndk::ScopedAStatus::fromExceptionCode(EX_ILLEGAL_STATE); });
     hidl_.Refuse("not ready");
@@ -206,14 +206,14 @@ TEST_F(ThermalTest, EveryCallMeetsEveryFault) {
     for (const auto& fault : kFaults) {
       SCOPED_TRACE(service->GetInstance() + " " + fault.name);
       DeclareAndStart(*service);
-      Construct();
+      CreateMonitor();
       const int32_t severity = service == &aidl_ ? 2 : 3;
       ASSERT_TRUE(Eventually([&] { return Severity() == severity; }));
       fault.apply(*service);
       EXPECT_EQ(fault.Has(kAnswered) ? severity : 0, Severity());
       aidl_.Repair();
       hidl_.Repair();
-      MeasureSkin();
+      SetTemperatures();
       EXPECT_EQ(fault.Has(kDead) ? 0 : severity, Severity());
     }
     service->Undeclare();
@@ -229,9 +229,9 @@ TEST(ThermalLifetime, WorkerMayFindTheMonitorGone) {
     service.Declare();
     { const Thermal thermal; }
     // The worker still waits for the service when its monitor is destroyed.
-    EXPECT_TRUE(fp_host::WaitForWaitingThreads(1));
+    EXPECT_TRUE(WaitForServiceWaiters(1));
     service.Start();
-    EXPECT_TRUE(fp_host::WaitForWaitingThreads(0));
+    EXPECT_TRUE(WaitForServiceWaiters(0));
     std::thread coming([&service] { service.Restart(); });
     { const Thermal thermal; }
     coming.join();
@@ -276,7 +276,7 @@ TEST(ThermalLifetimeDeathTest, ProcessExitsWhileTheWorkerWaits) {
         static auto* const service = new ThermalService;
         service->Declare();
         const bool not_connected = Thermal::GetInstance().GetCpuSeverity() == -ENODEV;
-        const bool waiting = fp_host::WaitForWaitingThreads(1);
+        const bool waiting = WaitForServiceWaiters(1);
         exit(not_connected && waiting && &Thermal::GetInstance() == &Thermal::GetInstance() ? 0
                                                                                             : 1);
       },

@@ -29,7 +29,7 @@ class StartStopStorm : public TouchTest {
     const long descriptors = CountDescriptors();
     const long threads = CountThreads();
     std::thread flood([&] {
-      const std::string buffer = fp_host::EncodeTouchRecords(std::vector<fp_host::TouchRecord>(8));
+      const std::string buffer = EncodeTouchRecords(std::vector<TouchRecord>(8));
       while (flooding) {
         node_.TryPushBytes(buffer);
       }

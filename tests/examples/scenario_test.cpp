@@ -41,7 +41,7 @@ TEST(Scenario, ReadsEventsInLocalTime) {
   EXPECT_EQ(3, attempts.count);
   EXPECT_EQ(7, attempts.every_s);
   EXPECT_EQ(Skin::kWet, attempts.skin);
-  EXPECT_EQ(Aim::kGood, attempts.aim);
+  EXPECT_EQ(Placement::kGood, attempts.placement);
   EXPECT_EQ(10, std::get<Enroll>(scenario[2].data).captures);
   EXPECT_EQ(1772755200, scenario[3].at);
 }

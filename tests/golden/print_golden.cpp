@@ -16,8 +16,8 @@
 #include "fp_utils/enroll_event.h"
 #include "fp_utils/finger_sizes.h"
 #include "fp_utils/shapes.h"
-#include "golden/bare_platform.h"
 #include "golden/recount.h"
+#include "golden/stub_platform.h"
 
 using namespace android::fp_utils;
 

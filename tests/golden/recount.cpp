@@ -7,7 +7,7 @@
 #include <string>
 
 #include "fp_utils/shapes.h"
-#include "golden/bare_platform.h"
+#include "golden/stub_platform.h"
 #include "reference/any_shape.h"
 #include "reference/plain_geometry.h"
 

@@ -27,7 +27,7 @@ std::shared_ptr<AuthEventG7> Attempt(bool successful, int32_t iq = 0, int32_t ra
   return event;
 }
 
-std::shared_ptr<AuthEventG7> Unmatched() {
+std::shared_ptr<AuthEventG7> WithoutImage() {
   auto event = Attempt(false, 1000, 1000);
   event->acquired_info = 3;
   return event;
@@ -67,11 +67,11 @@ TEST_F(AuthStatsTest, KeepsTheNewestAndTheirAverages) {
   EXPECT_EQ(40, stats.GetAttempts().back()->iq);
   EXPECT_EQ(Statistics(3, "3, auth_rejects:1, frr:33.33%, avg_iq:30.00", "300.00"),
             stats.ToDebugString());
-  stats.AddAttempt(Unmatched());
-  stats.AddAttempt(Unmatched());
+  stats.AddAttempt(WithoutImage());
+  stats.AddAttempt(WithoutImage());
   EXPECT_EQ(Statistics(3, "1, auth_rejects:1, frr:100.00%, avg_iq:40.00", "400.00"),
             stats.ToDebugString());
-  stats.AddAttempt(Unmatched());
+  stats.AddAttempt(WithoutImage());
   EXPECT_EQ(Statistics(3, "0, auth_rejects:0, frr:0.00%, avg_iq:0.00", "0.00"),
             stats.ToDebugString());
 }
@@ -130,11 +130,11 @@ TEST_F(AuthStatsTest, SavesSuccessesAndRejectsFromTheFifthInARow) {
   for (int i = 1; i <= 3; ++i) {
     EXPECT_FALSE(Saves(reject)) << i;
   }
-  EXPECT_FALSE(Saves([&] { stats->AddAttempt(Unmatched()); })) << "never saves, never counts";
+  EXPECT_FALSE(Saves([&] { stats->AddAttempt(WithoutImage()); })) << "never saves, never counts";
   other->AddAttempt(Attempt(false));
   EXPECT_TRUE(Saves(reject)) << "the row is counted over all histories";
   EXPECT_TRUE(Saves(reject));
-  EXPECT_FALSE(Saves([&] { stats->AddAttempt(Unmatched()); }));
+  EXPECT_FALSE(Saves([&] { stats->AddAttempt(WithoutImage()); }));
   EXPECT_TRUE(Saves(succeed));
   EXPECT_FALSE(Saves(reject)) << "a success ends the row";
 
@@ -170,8 +170,8 @@ TEST_F(AuthStatsTest, LoadsFromADescriptorThatOtherProgramsDoNotInherit) {
     using AuthStatsG7::AuthStatsG7;
     void AddAttempt(std::shared_ptr<AuthEvent> /*event*/) override {
       for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
-        std::error_code closed_meanwhile;
-        if (read_symlink(entry, closed_meanwhile).filename() == "AuthStats.0") {
+        std::error_code was_closed;
+        if (read_symlink(entry, was_closed).filename() == "AuthStats.0") {
           flags = fcntl(std::stoi(entry.path().filename()), F_GETFD);
         }
       }

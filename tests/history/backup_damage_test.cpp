@@ -24,7 +24,7 @@ class BackupDamage : public DeviceTest, public ::testing::WithParamInterface<His
  protected:
   BackupDamage() {
     auto history = GetParam().start();
-    for (int number = 1; number <= GetParam().full_size; ++number) {
+    for (int number = 1; number <= GetParam().capacity; ++number) {
       history->AddAndSave(number);
     }
     texts_ = history->RecordTexts();
@@ -136,7 +136,7 @@ TEST_P(BackupDamage, OddFiles) {
     EXPECT_TRUE(Load(content).empty());
     EXPECT_LOG();
   }
-  const std::string path = fp_host::HostPath(GetParam().path);
+  const std::string path = HostPath(GetParam().path);
   Load("");
   ASSERT_EQ(0, truncate(path.c_str(), 1L << 30));
   EXPECT_TRUE(GetParam().start()->RecordTexts().empty());
@@ -163,14 +163,14 @@ TEST_P(BackupDamage, FailingSystemCalls) {
   WriteFile(GetParam().path, content_);
   for (const auto& test : kCases) {
     for (int nth = 1;; ++nth) {
-      fp_host::SetFault({.function = test.function,
-                         .first_call = nth,
-                         .calls = test.shorten_to < 0 ? 1 : fp_host::Fault::kForever,
-                         .error = test.error,
-                         .shorten_to = test.shorten_to});
+      SetFault({.function = test.function,
+                .first_call = nth,
+                .calls = test.shorten_to < 0 ? 1 : Fault::kForever,
+                .error = test.error,
+                .shorten_to = test.shorten_to});
       const Texts loaded = GetParam().start()->RecordTexts();
-      const bool reached = fp_host::CountedCalls(test.function) >= nth;
-      fp_host::ClearFaults();
+      const bool reached = CallsSinceFaultSet(test.function) >= nth;
+      ClearFaults();
       const bool whole = !reached || test.keeps_all;
       EXPECT_LE(TakeLog().size(), whole ? 0 : test.log_lines);
       EXPECT_EQ(whole ? texts_.size() : std::min(loaded.size(), texts_.size()), loaded.size());
@@ -185,21 +185,21 @@ TEST_P(BackupDamage, FailingSystemCalls) {
 TEST_P(BackupDamage, ContinuesAndSavesAgain) {
   const struct {
     const char* why;
-    fp_host::Fault fault;
+    Fault fault;
   } kCases[] = {
       {"permission denied", {.function = "open", .error = EACCES}},
-      {"no space at all",
-       {.function = "write", .calls = fp_host::Fault::kForever, .error = ENOSPC}},
+      {"no space at all", {.function = "write", .calls = Fault::kForever, .error = ENOSPC}},
       {"no space after a page", {.function = "write", .first_call = 2, .error = ENOSPC}},
-      {"short writes", {.function = "write", .calls = fp_host::Fault::kForever, .shorten_to = 7}},
+      {"short writes", {.function = "write", .calls = Fault::kForever, .shorten_to = 7}},
   };
-  int number = GetParam().full_size;
+  int number = GetParam().capacity;
   for (const auto& test : kCases) {
     WriteFile(GetParam().path, content_);
     auto history = GetParam().start();
-    fp_host::SetFault(test.fault);
-    history->AddAndSave(++number);
-    fp_host::ClearFaults();
+    {
+      const ScopedFault fault(test.fault);
+      history->AddAndSave(++number);
+    }
     EXPECT_EQ(texts_.size(), history->RecordTexts().size()) << test.why;
     history->AddAndSave(++number);
     EXPECT_EQ(history->RecordTexts(), GetParam().start()->RecordTexts()) << test.why;

@@ -20,7 +20,7 @@ class EnrollEventTest : public ::testing::Test {
  protected:
   EnrollEventTest() { setenv("TZ", "UTC", 1); }
 
-  static EnrollEventG7 Added() {
+  static EnrollEventG7 AddedFinger() {
     EnrollEventG7 event;
     event.timestamp = 1772600767;  // 2026-03-04 05:06:07 in UTC
     event.enroll_successful = true;
@@ -40,7 +40,7 @@ class EnrollEventTest : public ::testing::Test {
 TEST_F(EnrollEventTest, DebugTextFollowsTheOperation) {
   const std::string quality =
       ", rawmean_delta:-12.50, stitch_img_num_:1_2_3_4_-5, stitch_img_area_:10_20_30_40_50";
-  EnrollEventG7 event = Added();
+  EnrollEventG7 event = AddedFinger();
   EXPECT_EQ(
       "2026-03-04 05:06:07 op:ADD, enroll_successful:1, gid:-1, fid:3, capture_count:17, "
       "iq_avg:41.26, enrolled_fingers_count:2",
@@ -69,7 +69,7 @@ TEST_F(EnrollEventTest, BackupTexts) {
   empty.timestamp = 0;
   EXPECT_EQ("0x0,0,0x0,0x0,0x0,0x0,0.00,0x0,0x0,0.00,0x0,0x0,0x0,0x0,0x0,0x0,0x0,0x0,0x0,0x0",
             empty.ToBackupString());
-  EnrollEventG7 event = Added();
+  EnrollEventG7 event = AddedFinger();
   EXPECT_EQ("0x69a7bdbf,0,0x1,0xffffffff,0x3,0x11,41.26,0x2", event.EnrollEvent::ToBackupString());
   EXPECT_EQ(
       "0x69a7bdbf,0,0x1,0xffffffff,0x3,0x11,41.26,0x2,0xfffffff9,-12.50,0x1,0x2,0x3,0x4,"

@@ -36,7 +36,7 @@ class Histories : public DeviceTest, public ::testing::WithParamInterface<Histor
 TEST_P(Histories, KeepTheNewestAndLoadThemAgain) {
   auto history = Start();
   std::vector<std::string> texts;
-  for (int number = 1; number <= GetParam().full_size + 3; ++number) {
+  for (int number = 1; number <= GetParam().capacity + 3; ++number) {
     history->AddAndSave(number);
     texts.push_back(history->RecordTexts().back());
   }
@@ -60,12 +60,12 @@ TEST_P(Histories, LogUnderTheirOwnNames) {
   EXPECT_EQ(0600u, ModeOf("/data/vendor/fingerprint"));
   EXPECT_LOG(OpenFailure(kind.load_operation, ENOENT));
 
-  fp_host::SetFault({.function = "mkdir", .error = EROFS});
-  fp_host::SetFault({.function = "fopen", .error = EACCES});
-  fp_host::SetFault({.function = "open", .error = EACCES});
+  SetFault({.function = "mkdir", .error = EROFS});
+  SetFault({.function = "fopen", .error = EACCES});
+  SetFault({.function = "open", .error = EACCES});
   auto history = kind.start();
   history->AddAndSave(1);
-  fp_host::ClearFaults();
+  ClearFaults();
   history->AddNull();
   EXPECT_LOG(LineAbout("[" + std::string(kind.create_operation) +
                        "] Failed to create directory \"/data/vendor/fingerprint/\" with error "
@@ -95,7 +95,7 @@ TEST_P(Histories, SaveWhatComposingEveryRecordWouldSave) {
       changed.SetFloat(random() % changed.RecordTexts().size(), kFloats[random() % 6]);
     }
     if (random() % 3 == 0 && !other->RecordTexts().empty()) {
-      history->AddAndSaveOneOf(*other, random() % other->RecordTexts().size());
+      history->ShareRecordOf(*other, random() % other->RecordTexts().size());
     } else {
       history->AddAndSave(number);
     }
@@ -113,7 +113,7 @@ TEST_P(Histories, SaveWhatComposingEveryRecordWouldSave) {
 TEST_P(Histories, AcceptRecordsFromAnyThread) {
   auto history = Start();
   const auto add = [&history](int first) {
-    for (int number = first; number < first + GetParam().full_size; ++number) {
+    for (int number = first; number < first + GetParam().capacity; ++number) {
       history->AddAndSave(number);
     }
   };
@@ -121,7 +121,7 @@ TEST_P(Histories, AcceptRecordsFromAnyThread) {
   add(1);
   another.join();
   EXPECT_EQ(FramesOf(history->RecordTexts()), Saved());
-  EXPECT_EQ(static_cast<size_t>(GetParam().full_size), history->RecordTexts().size());
+  EXPECT_EQ(static_cast<size_t>(GetParam().capacity), history->RecordTexts().size());
 }
 
 INSTANTIATE_TEST_SUITE_P(All, Histories, ::testing::ValuesIn(AllHistoryKinds()),

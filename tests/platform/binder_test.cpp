@@ -19,8 +19,7 @@ namespace {
 
 using aidl::com::norvan::hardware::kestra::display::BnDisplay;
 using aidl::com::norvan::hardware::kestra::display::IDisplay;
-using fp_host::DisplayService;
-using fp_host::WaitForPools;
+using namespace fp_host;
 using ndk::ScopedAStatus;
 using ndk::SharedRefBase;
 using ndk::SpAIBinder;
@@ -31,12 +30,16 @@ class LocalDisplay : public BnDisplay {
   ScopedAStatus setLhbmState(bool) override { return ScopedAStatus(); }
 };
 
-SpAIBinder Find(const fp_host::RemoteService& service) {
+SpAIBinder Find(const RemoteService& service) {
   return SpAIBinder(AServiceManager_waitForService(service.GetInstance().c_str()));
 }
 
-TEST(BinderDeathTest, ObjectThatNobodyEverSharedAborts) {
+TEST(BinderDeathTest, MisuseAborts) {
   EXPECT_DEATH(LocalDisplay(), "without ever having had a shared reference");
+  EXPECT_DEATH(ScopedAStatus().getStatus(), "holds no status");
+  DisplayService first, second;
+  first.Start();
+  EXPECT_DEATH(second.Start(), "Two services are up under the name");
 }
 
 TEST(Binder, LocalBinderKeepsItsImplementationAlive) {
@@ -89,14 +92,14 @@ class DeathRecipientTest : public ::testing::Test {
   void Delete() { AIBinder_DeathRecipient_delete(std::exchange(recipient_, nullptr)); }
   // The names of the cookies whose callback has run.
   Names TakeNotified() {
-    EXPECT_TRUE(WaitForPools());
+    EXPECT_TRUE(WaitUntilBinderPoolsIdle());
     return died_.Take(0);
   }
 
   DisplayService service_;
   SpAIBinder binder_;
   AIBinder_DeathRecipient* recipient_;
-  fp_host::Recorder<std::string> died_;
+  Recorder<std::string> died_;
   Cookie a_{this, "a"};
   Cookie b_{this, "b"};
 };
@@ -107,6 +110,7 @@ TEST_F(DeathRecipientTest, IsNotifiedInOrderOnAPoolThread) {
   EXPECT_EQ(STATUS_OK, Link(a_));
   EXPECT_EQ(STATUS_OK, Link(b_));
   EXPECT_EQ(STATUS_OK, Link(a_));
+  EXPECT_EQ(3u, CountLinesWith(TakeLog(), "A death notification will not arrive"));
   service_.Kill();
   EXPECT_EQ(0u, died_.Count());
   ABinderProcess_startThreadPool();

@@ -54,7 +54,7 @@ TEST(HidlCallbacks, OnewayCallsArriveInOrderUnlessTheClientIsDead) {
   for (int i = 0; i < 20; ++i) {
     EXPECT_TRUE(proxy->notifyThrottling({{}, "", static_cast<float>(i), {}}).isOk());
   }
-  ASSERT_TRUE(fp_host::WaitForPools());
+  ASSERT_TRUE(fp_host::WaitUntilBinderPoolsIdle());
   const std::vector<Temperature> received = client.TakeReceived();
   ASSERT_EQ(20u, received.size());
   for (size_t i = 0; i < 20; ++i) {

@@ -10,8 +10,7 @@
 
 namespace {
 
-using fp_host::Eventually;
-using fp_host::SetLux;
+using namespace fp_host;
 
 int Poll(int timeout_ms = 0) { return ALooper_pollOnce(timeout_ms, nullptr, nullptr, nullptr); }
 
@@ -21,7 +20,7 @@ int PollOnAnotherThread() {
   return result;
 }
 
-class SensorBridgeTest : public fp_host::SensorTest {
+class SensorBridgeTest : public SensorTest {
  protected:
   ASensorEventQueue* QueueOf(int type) {
     ASensorEventQueue* queue =
@@ -54,11 +53,11 @@ TEST_F(SensorBridgeTest, WakesStickAndDataGoesFirst) {
   EXPECT_EQ(ALOOPER_POLL_TIMEOUT, Poll(1));
   ALooper_wake(ALooper_forThread());
   ALooper_wake(ALooper_forThread());
-  SetLux(1);
+  ReportLux(1);
   EXPECT_EQ(ALOOPER_POLL_CALLBACK, Poll(-1)) << "no ident";
   EXPECT_EQ(ALOOPER_POLL_WAKE, Poll(-1));
   EXPECT_EQ(ALOOPER_POLL_TIMEOUT, Poll()) << "two wakes are one, and data signals once";
-  SetLux(2);
+  ReportLux(2);
   EXPECT_EQ(ALOOPER_POLL_CALLBACK, Poll());
   EXPECT_EQ(2, Take(queue));
 }
@@ -66,7 +65,7 @@ TEST_F(SensorBridgeTest, WakesStickAndDataGoesFirst) {
 TEST_F(SensorBridgeTest, AnyPollTakesEventsAndWakesOfOtherThreads) {
   ASensorEventQueue* const first = QueueOf(ASENSOR_TYPE_LIGHT);
   ASensorEventQueue* const second = QueueOf(ASENSOR_TYPE_LIGHT);
-  SetLux(1);
+  ReportLux(1);
   ALooper_wake(ALooper_forThread());
   EXPECT_EQ(ALOOPER_POLL_CALLBACK, PollOnAnotherThread()) << "the ready queues, all of them";
   EXPECT_EQ(ALOOPER_POLL_WAKE, PollOnAnotherThread());
@@ -83,9 +82,9 @@ TEST_F(SensorBridgeTest, WakesOneWaitingThread) {
     ++returned;
   };
   std::thread first(poll), second(poll);
-  EXPECT_TRUE(Eventually([] { return fp_host::ArePollersIdle(2); }));
+  EXPECT_TRUE(Eventually([] { return ArePollersWaiting(2); }));
   ALooper_wake(ALooper_forThread());
-  EXPECT_TRUE(Eventually([&returned] { return returned == 1 && fp_host::ArePollersIdle(1); }));
+  EXPECT_TRUE(Eventually([&returned] { return returned == 1 && ArePollersWaiting(1); }));
   ALooper_wake(ALooper_forThread());
   first.join();
   second.join();
@@ -100,32 +99,32 @@ TEST_F(SensorBridgeDeathTest, UseOfADeadHandleAborts) {
   const ASensor* const light = SensorOf(ASENSOR_TYPE_LIGHT);
   ASensorManager_destroyEventQueue(manager_, queue);
   EXPECT_DEATH(Take(queue), "ASensorEventQueue_getEvents\\(\\) was called with queue 1, which is");
-  fp_host::RestartSensorService();
+  RestartSensorService();
   EXPECT_DEATH(ASensor_getType(light), "called with light, which is gone");
   EXPECT_DEATH(SensorOf(ASENSOR_TYPE_LIGHT), "called with manager 1, which is gone");
-  fp_host::CountDeadHandleUses();
+  CountDeadHandleUses();
   EXPECT_EQ(ASENSOR_TYPE_INVALID, ASensor_getType(light));
   EXPECT_EQ(-EINVAL, Take(queue));
-  EXPECT_EQ(2, fp_host::GetDeadHandleUses());
+  EXPECT_EQ(2, GetDeadHandleUses());
 }
 
 TEST_F(SensorBridgeTest, QueuesTakeTheEventsOfTheirEnabledSensors) {
-  SetLux(1);
+  ReportLux(1);
   ASensorEventQueue* const queue = QueueOf(ASENSOR_TYPE_LIGHT);
   const ASensor* const light = SensorOf(ASENSOR_TYPE_LIGHT);
   EXPECT_EQ(0, ASensorEventQueue_registerSensor(queue, light, 0, 0));
   EXPECT_EQ(1, Take(queue)) << "an enabled light sensor reports its value, once";
-  SetLux({2, 3});
+  ReportLux({2, 3});
   EXPECT_EQ(0, ASensorEventQueue_disableSensor(queue, light));
-  SetLux(4);
-  fp_host::LongPress();
+  ReportLux(4);
+  ReportLongPress();
   EXPECT_EQ(2, Take(queue)) << "queued events stay queued, no new ones come";
   EXPECT_EQ(0, ASensorEventQueue_registerSensor(queue, light, 1000, 0));
-  SetLux(std::vector<float>(1000, 1));
+  ReportLux(std::vector<float>(1000, 1));
   EXPECT_EQ(8, Take(queue)) << "no bound but the reader's";
   EXPECT_EQ(0, ASensorManager_destroyEventQueue(manager_, queue));
   EXPECT_EQ(ALOOPER_POLL_TIMEOUT, Poll()) << "undelivered events are dropped";
-  EXPECT_EQ(fp_host::SensorUsage(), fp_host::GetSensorUsage());
+  EXPECT_EQ(SensorUsage(), GetSensorUsage());
 }
 
 }  // namespace

@@ -83,16 +83,17 @@ class Soak : public fp_host::DeviceTest {
  private:
   int RandomInt(int limit) { return static_cast<int>(random_() % static_cast<unsigned>(limit)); }
 
-  void Enroll() { player_.Play({0, fp_service::Enroll{1, 10, Aim::kGood}}); }
-  void Touch(Skin skin, Aim aim) {
-    player_.Play({0, Attempts{.finger = 1, .count = 1, .every_s = 0, .skin = skin, .aim = aim}});
+  void Enroll() { player_.Play({0, fp_service::Enroll{1, 10, Placement::kGood}}); }
+  void Touch(Skin skin, Placement placement) {
+    player_.Play(
+        {0, Attempts{.finger = 1, .count = 1, .every_s = 0, .skin = skin, .placement = placement}});
   }
 
   void Attempt() {
     if (RandomInt(20) == 0) {
       CauseTrouble();
     }
-    Touch(static_cast<Skin>(RandomInt(3)), RandomInt(4) == 0 ? Aim::kPoor : Aim::kGood);
+    Touch(static_cast<Skin>(RandomInt(3)), RandomInt(4) == 0 ? Placement::kPoor : Placement::kGood);
     if (!service_.IsEnrolled(1)) {
       Enroll();
     }
@@ -131,7 +132,7 @@ class Soak : public fp_host::DeviceTest {
 
   void ExpectHistoryFoundAgain(int attempts) {
     fp_host::ClearFaults();
-    Touch(Skin::kNormal, Aim::kGood);
+    Touch(Skin::kNormal, Placement::kGood);
     android::fp_utils::AuthStatsG7 found("0", 100, true);
     found.Init();
     EXPECT_LE(std::min(attempts / 2, 90), static_cast<int>(found.GetTotalAttempts()));

@@ -43,12 +43,12 @@ TEST_F(DevCdtInfoTest, FailuresGiveZero) {
   DevCdtInfo info;
   EXPECT_EQ(12u, TakeLog().size()) << "an error and a value for each item";
 
-  fp_host::BootDevice();
+  BootDevice();
   WriteFile(kFolder + "stage", "1234");
-  fp_host::SetFault({.function = "read", .error = EIO});
+  SetFault({.function = "read", .error = EIO});
   EXPECT_EQ(0u, info.GetDevCdtInfoItem("stage"));
   EXPECT_LOG(Error("DevCdtInfo", "Failed to read CDT item \"stage\" with error 5."));
-  fp_host::SetFault({.function = "read", .shorten_to = 3});
+  SetFault({.function = "read", .shorten_to = 3});
   EXPECT_EQ(0x31323300u, info.GetDevCdtInfoItem("stage"));
   EXPECT_EQ(0x31323334u, info.GetDevCdtInfoItem("stage"));
 }

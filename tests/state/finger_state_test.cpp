@@ -121,7 +121,7 @@ TEST_F(FingerStateTest, LptwFollowsTheFinger) {
   state_.Set(false, 0, Contact(1), false);
   EXPECT_TRUE(node_.TakeRequests().empty());
 
-  node_.Answer(102, -1);
+  node_.SetRequestResult(102, -1);
   EXPECT_TRUE(state_.Set(true, 12, Contact(1), true)) << "the touch handler's failure is not ours";
   EXPECT_TRUE(state_.IsLptwEnabled());
 }

@@ -114,7 +114,7 @@ TEST_F(FpStateTrackerTest, RecordsTheTimesOfThreeStates) {
   setenv("TZ", "UTC", 1);
   EXPECT_EQ("1970-01-01-00-00-00-000", FingerDownTime());
   EXPECT_EQ(kNever, tracker_.GetFingerDownSteadyTime());
-  fp_host::StopWallClock(1772600766, 999);
+  StopWallClock(1772600766, 999);
   for (const auto& [state, text] :
        {std::pair(0x101u, "2026-03-04-05-06-06-999"), {0x201u, "2026-03-04-05-06-07-089"}}) {
     const auto before = steady_clock::now();
@@ -122,12 +122,12 @@ TEST_F(FpStateTrackerTest, RecordsTheTimesOfThreeStates) {
     EXPECT_EQ(text, FingerDownTime());
     EXPECT_LE(before, tracker_.GetFingerDownSteadyTime());
     EXPECT_GE(steady_clock::now(), tracker_.GetFingerDownSteadyTime());
-    fp_host::StopWallClock(1772600767, 89);
+    StopWallClock(1772600767, 89);
   }
   EXPECT_EQ(kNever, tracker_.GetState205SteadyTime());
 
   const auto down = tracker_.GetFingerDownSteadyTime();
-  fp_host::StopWallClock(0);
+  StopWallClock(0);
   tracker_.UpdateState(State(0x205));
   const auto moment_205 = tracker_.GetState205SteadyTime();
   EXPECT_LE(down, moment_205);

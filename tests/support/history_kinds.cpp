@@ -58,7 +58,7 @@ class TypedHistory : public HistoryUnderTest {
     Fill(*record, number);
     Add(std::move(record));
   }
-  void AddAndSaveOneOf(HistoryUnderTest& other, size_t index) override {
+  void ShareRecordOf(HistoryUnderTest& other, size_t index) override {
     Add(static_cast<TypedHistory&>(other).Held()[index]);
   }
   void AddNull() override { Add(nullptr); }

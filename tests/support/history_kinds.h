@@ -19,7 +19,7 @@ class HistoryUnderTest {
   virtual void AddAndSave(int number) = 0;
   // Adds the record at `index` of `other`, a history of the same kind, so that both hold it, and
   // saves.
-  virtual void AddAndSaveOneOf(HistoryUnderTest& other, size_t index) = 0;
+  virtual void ShareRecordOf(HistoryUnderTest& other, size_t index) = 0;
   virtual void AddNull() = 0;
   // Changes a float field of the record at `index`.
   virtual void SetFloat(size_t index, float value) = 0;
@@ -30,7 +30,7 @@ class HistoryUnderTest {
 struct HistoryKind {
   const char* name;
   const char* path;
-  int full_size;  // capacity, and records in a file of usual size
+  int capacity;  // capacity, and records in a file of usual size
   // Constructs the history and loads its file, as a service does when it starts.
   std::function<std::unique_ptr<HistoryUnderTest>()> start;
 

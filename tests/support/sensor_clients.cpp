@@ -31,9 +31,9 @@ void SensorClients::ExpectRecovery() {
   EXPECT_EQ(0, Listener().StartSampling(SensorListener::kLongPress));
   EXPECT_EQ(0, Monitor().StartSampling());
   const int lights = lights_, long_presses = long_presses_;
-  fp_host::SetLux(7);
+  fp_host::ReportLux(7);
   EXPECT_TRUE(fp_host::Eventually([=, this] { return lights_ > lights; }));
-  fp_host::LongPress();
+  fp_host::ReportLongPress();
   EXPECT_TRUE(fp_host::Eventually([=, this] { return long_presses_ > long_presses; }));
   EXPECT_EQ(0, ReadMonitor());
   EXPECT_EQ(7, LastRead());

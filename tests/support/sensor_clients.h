@@ -14,7 +14,7 @@ constexpr auto kLight = android::fp_utils::SensorListener::kLight;
 constexpr auto kLongPress = android::fp_utils::SensorListener::kLongPress;
 
 // Whether the worker of the only listener waits for events and none are queued.
-inline bool IsWorkerIdle() { return fp_host::ArePollersIdle(1); }
+inline bool IsWorkerIdle() { return fp_host::ArePollersWaiting(1); }
 
 // Both clients of the sensor service, as in a fingerprint service.
 class SensorClients {

@@ -28,10 +28,7 @@ using android::sp;
 using android::fp_utils::Thermal;
 using android::hardware::thermal::V1_0::ThermalStatus;
 using android::hardware::thermal::V1_0::ThermalStatusCode;
-using fp_host::HidlThermalClient;
-using fp_host::RemoteService;
-using fp_host::ThermalService;
-using fp_host::WaitForPools;
+using namespace fp_host;
 
 constexpr auto kSkin = V2_0::TemperatureType::SKIN;
 constexpr char kNotReady[] = "not ready";
@@ -93,7 +90,7 @@ class Bridge {
 class ThermalFaultsTest : public ::testing::Test {
  protected:
   ThermalFaultsTest() {
-    fp_host::MuteLog(true);
+    MuteLog(true);
     ABinderProcess_startThreadPool();
   }
 };
@@ -111,9 +108,9 @@ TEST_F(ThermalFaultsTest, EveryOperationOfTheWrapperMeetsEveryFault) {
   };
   const auto no_status = [] { return ndk::ScopedAStatus(); };
   const auto short_reply = [] { return ndk::ScopedAStatus::fromStatus(STATUS_NOT_ENOUGH_DATA); };
-  const auto kFaults = fp_host::HalFaults({
-      {"is dead", &RemoteService::Kill, fp_host::kDead},
-      {"has restarted", &RemoteService::Restart, fp_host::kDead},
+  const auto kFaults = HalFaults({
+      {"is dead", &RemoteService::Kill, kDead},
+      {"has restarted", &RemoteService::Restart, kDead},
       {kNotReady, refuse(not_ready), 0},
       {"answers without a status", refuse(no_status), 0},
       {"sends a reply that ends early", refuse(short_reply), 0},
@@ -130,9 +127,9 @@ TEST_F(ThermalFaultsTest, EveryOperationOfTheWrapperMeetsEveryFault) {
       EXPECT_EQ("ok", bridge.Register(1));
       fault.apply(service);
       const char* failure = fault.name == kNotReady ? kNotReady : kNoMessage;
-      EXPECT_EQ(fault.Has(fp_host::kAnswered) ? "ok" : failure, (bridge.*kOperations[form / 2])());
+      EXPECT_EQ(fault.Has(kAnswered) ? "ok" : failure, (bridge.*kOperations[form / 2])());
       service.Repair();
-      EXPECT_EQ(fault.Has(fp_host::kDead) ? kNoMessage : "ok", bridge.Temperatures())
+      EXPECT_EQ(fault.Has(kDead) ? kNoMessage : "ok", bridge.Temperatures())
           << "no second connection";
       bridge.Connect();
       EXPECT_EQ("ok", bridge.Temperatures());
@@ -148,13 +145,13 @@ TEST_F(ThermalFaultsTest, OneWrapperServesManyThreads) {
   std::thread notifying([&] {
     while (!over) {
       service.Notify({});
-      EXPECT_TRUE(WaitForPools());
+      EXPECT_TRUE(WaitUntilBinderPoolsIdle());
     }
   });
   std::array<std::thread, 2> users;
   for (size_t user = 0; user < users.size(); ++user) {
     users[user] = std::thread([&bridge, user] {
-      for (int i = 0; i < fp_host::Share(1000); ++i) {
+      for (int i = 0; i < Share(1000); ++i) {
         EXPECT_EQ("ok", bridge.Register(user));
         EXPECT_EQ("ok", bridge.Temperatures());
         EXPECT_EQ("ok", bridge.Unregister(user));
@@ -174,7 +171,7 @@ TEST_F(ThermalFaultsTest, OneOfManyThreadsRegistersTheirClient) {
   ThermalService service;
   Bridge bridge(service);
   constexpr size_t kThreads = 3;
-  for (int i = 0; i < fp_host::Share(300); ++i) {
+  for (int i = 0; i < Share(300); ++i) {
     std::array<std::string, kThreads> answers;
     std::array<std::thread, kThreads> threads;
     std::atomic<size_t> missing = kThreads;
@@ -210,14 +207,14 @@ TEST_F(ThermalFaultsTest, StormOfDeathsCallsAndEnds) {
     }
   });
   std::thread using_wrappers([&service] {
-    for (int i = 0; i < fp_host::Share(1000); ++i) {
+    for (int i = 0; i < Share(1000); ++i) {
       Bridge bridge(service);
       bridge.Register(0);
       bridge.Temperatures();
       bridge.Unregister(0);
     }
   });
-  for (int i = 0; i < fp_host::Share(100); ++i) {
+  for (int i = 0; i < Share(100); ++i) {
     const int32_t severity = Thermal().GetCpuSeverity();
     EXPECT_TRUE(severity == 0 || severity == -ENODEV) << severity;
   }

@@ -26,9 +26,7 @@ namespace aidl_thermal = aidl::android::hardware::thermal;
 using aidl_thermal::ThermalHidlWrapper;
 using android::sp;
 using android::hardware::hidl_vec;
-using fp_host::HidlThermalClient;
-using fp_host::ThermalService;
-using fp_host::WaitForPools;
+using namespace fp_host;
 using ndk::ScopedAStatus;
 using Calls = std::vector<std::string>;
 
@@ -164,7 +162,7 @@ TEST_F(ThermalHidlWrapperTest, ConvertsRecordsFieldByField) {
   for (const auto& temperature : temperatures) {
     service_.Notify(temperature);
   }
-  ASSERT_TRUE(WaitForPools());
+  ASSERT_TRUE(WaitUntilBinderPoolsIdle());
   ExpectMatch(temperatures, Answer<V2_0::Temperature>{kSuccess, client_.TakeReceived()});
 }
 
@@ -179,7 +177,7 @@ TEST_F(ThermalHidlWrapperTest, PassesFiltersOnUnchanged) {
   client_.CoolingDevices(false, V2_0::CoolingType::FAN);
   client_.Register(callback_, true, odd);
   service_.Notify({});
-  ASSERT_TRUE(WaitForPools());
+  ASSERT_TRUE(WaitUntilBinderPoolsIdle());
   EXPECT_TRUE(client_.TakeReceived().empty()) << "of another type than the one asked for";
   client_.Unregister(callback_);
   client_.Register(callback_, false, odd);
@@ -196,9 +194,9 @@ TEST_F(ThermalHidlWrapperTest, DoesNotSupportTheQueriesOfHidl1) {
     EXPECT_EQ(Failure(kUnsupported), answer.status);
     EXPECT_TRUE(answer.records.empty());
   };
-  expect_unsupported(client_.Ask<V1_0::Temperature>(&V2_0::IThermal::getTemperatures));
-  expect_unsupported(client_.Ask<V1_0::CpuUsage>(&V2_0::IThermal::getCpuUsages));
-  expect_unsupported(client_.Ask<V1_0::CoolingDevice>(&V2_0::IThermal::getCoolingDevices));
+  expect_unsupported(client_.SendQuery<V1_0::Temperature>(&V2_0::IThermal::getTemperatures));
+  expect_unsupported(client_.SendQuery<V1_0::CpuUsage>(&V2_0::IThermal::getCpuUsages));
+  expect_unsupported(client_.SendQuery<V1_0::CoolingDevice>(&V2_0::IThermal::getCoolingDevices));
   EXPECT_TRUE(service_.TakeCalls().empty());
 }
 
@@ -231,7 +229,7 @@ TEST_F(ThermalHidlWrapperTest, UnregistersWhatIsRegistered) {
   EXPECT_EQ(Failure("HAL not ready"), client_.Unregister(callback_));
   service_.Accept();
   service_.Notify({});
-  ASSERT_TRUE(WaitForPools());
+  ASSERT_TRUE(WaitUntilBinderPoolsIdle());
   EXPECT_EQ(1u, client_.TakeReceived().size()) << "still registered";
   EXPECT_EQ(Failure("The callback was already registered through wrapper"),
             client_.Register(callback_));
@@ -244,7 +242,7 @@ TEST_F(ThermalHidlWrapperTest, NotificationToADeadClientIsDropped) {
   client_.Register(callback_);
   client_.Kill();
   service_.Notify({});
-  ASSERT_TRUE(WaitForPools());
+  ASSERT_TRUE(WaitUntilBinderPoolsIdle());
   EXPECT_TRUE(client_.TakeReceived().empty());
   EXPECT_EQ(kSuccess, client_.Unregister(callback_));
 }
@@ -254,7 +252,7 @@ TEST_F(ThermalHidlWrapperTest, NotificationsOutliveTheWrapper) {
   client_.Connect(nullptr);
   wrapper_ = nullptr;
   service_.Notify({});
-  ASSERT_TRUE(WaitForPools());
+  ASSERT_TRUE(WaitUntilBinderPoolsIdle());
   EXPECT_EQ(1u, client_.TakeReceived().size());
 }
 
@@ -276,7 +274,7 @@ TEST(ThermalHidlWrapperWithoutClient, ReportsSoAndDoesNothingElse) {
 TEST_F(ThermalHidlWrapperTest, DebugDumpsTheService) {
   const auto dump = [this](int descriptors,
                            const hidl_vec<android::hardware::hidl_string>& options) {
-    return fp_host::DumpText([&](int fd) {
+    return DumpText([&](int fd) {
       native_handle_t* handle = native_handle_create(descriptors, 1);
       handle->data[0] = fd;
       EXPECT_TRUE(wrapper_->debug(handle, options).isOk());
@@ -288,7 +286,7 @@ TEST_F(ThermalHidlWrapperTest, DebugDumpsTheService) {
   EXPECT_EQ("", dump(0, {"-v"})) << "a handle without descriptors";
   EXPECT_TRUE(wrapper_->debug(nullptr, {"-v"}).isOk());
   EXPECT_EQ(2, service_.CountCalls());
-  service_.DieAtCall(1, fp_host::RemoteService::Death::kBefore);
+  service_.DieAtCall(1, RemoteService::Death::kBeforeCall);
   EXPECT_EQ("", dump(1, {"-v"})) << "no service, no text, no harm";
   EXPECT_EQ("", dump(1, {}));
 }

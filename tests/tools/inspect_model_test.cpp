@@ -319,13 +319,13 @@ TEST(InspectCompare, SinceWhen) {
   Records attempts = Days(&random, 12, 0.1, success, {});
   EXPECT_FALSE(CompareSinceWhen(attempts, {}, Zone("UTC0")).change);
   EXPECT_FALSE(CompareSinceWhen({}, {}, Zone("UTC0")).change);
-  const Records behind = Days(&random, 18, 0.8, success, {}, kStart + 12 * 3600);
-  attempts.insert(attempts.end(), behind.begin(), behind.end());
+  const Records later = Days(&random, 18, 0.8, success, {}, kStart + 12 * 3600);
+  attempts.insert(attempts.end(), later.begin(), later.end());
   const Comparison found = CompareSinceWhen(attempts, {}, Zone("UTC0"));
   ASSERT_TRUE(found.change) << found.verdict;
-  EXPECT_LE(found.change->earliest, behind.front().time);
-  EXPECT_GE(found.change->latest, behind.front().time);
-  EXPECT_NEAR(behind.front().time, found.change->at, 2 * 3600);
+  EXPECT_LE(found.change->earliest, later.front().time);
+  EXPECT_GE(found.change->latest, later.front().time);
+  EXPECT_NEAR(later.front().time, found.change->at, 2 * 3600);
   EXPECT_EQ(30u, found.bursts[0] + found.bursts[1]);
   EXPECT_NE(std::string::npos, found.verdict.find("before 2026-03-04 ")) << found.verdict;
 }

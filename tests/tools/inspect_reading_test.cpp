@@ -126,11 +126,11 @@ TEST_F(InspectDump, StandsInOtherText) {
                           [](const std::string& line) {
                             return "03-04 12:00:00.123  1000  1234 I dump: " + line;
                           })),
-            "behind a log's prefix");
+            "after a log's prefix");
   ExpectAll(Read(EachLine(dump, [](const std::string& line) { return line + "\n\xff\xfe log"; })),
             "between other lines, not UTF-8");
   ExpectAll(Read(std::string(3 << 20, 'x') + "\n" + std::string(9, '\0') + "\n" + dump),
-            "behind a line longer than the buffer, and NUL bytes");
+            "after a line longer than the buffer, and NUL bytes");
   const Contents contents = Read("[persist.sys.timezone]: [Europe/Berlin]\n" + dump);
   EXPECT_EQ("Europe/Berlin", contents.time_zone);
   EXPECT_EQ(0u, contents.bring_up.find("Initialization successful"));
@@ -157,7 +157,7 @@ TEST_F(InspectDump, DamageIsSeenAndNothingIsInvented) {
   EXPECT_EQ("line", Read(broken_off).damage.at(0).check) << "reads as a record of the base class";
   std::string untitled = dump;
   untitled.replace(untitled.find("Enroll Events:"), 6, "~~~~~~");
-  ExpectAll(Read(untitled), "behind the critical errors");
+  ExpectAll(Read(untitled), "after the critical errors");
   const struct {
     const char* why;
     const char* lost;  // is replaced
@@ -199,7 +199,7 @@ class InspectBackup : public fp_host::DeviceTest,
   InspectBackup() {
     fp_host::MuteLog(true);
     auto history = GetParam().start();
-    for (int number = 1; number <= GetParam().full_size; ++number) {
+    for (int number = 1; number <= GetParam().capacity; ++number) {
       history->AddAndSave(number);
     }
     texts_ = history->RecordTexts();

@@ -162,7 +162,7 @@ TEST(InspectReplay, TellsWhatItCannotKnow) {
           .runs.empty())
       << "the sample is cut";
 
-  // A full history that begins behind the bring-up.
+  // A full history that begins after the bring-up.
   std::string full =
       "Initialization successful, start_time:2026-03-04 04:00:00.000, latency:1ms\n"
       "Auth Events:\n";

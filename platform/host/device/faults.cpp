@@ -4,10 +4,9 @@
 #include <array>
 #include <atomic>
 #include <cerrno>
-#include <cstdio>
-#include <cstdlib>
 #include <iterator>
 
+#include "device/misuse.h"
 #include "fp_host/faults.h"
 
 namespace fp_host {
@@ -39,14 +38,20 @@ Setting& Of(const std::string& function) {
       return settings[i];
     }
   }
-  fprintf(stderr, "the simulated device has no faults for %s()\n", function.c_str());
-  abort();
+  AbortForMisuse("There are no faults for " + function + "().");
 }
 
 }  // namespace
 
 void SetFault(const Fault& fault) {
   Setting& setting = Of(fault.function);
+  if (fault.first_call < 1 || (fault.calls < 1 && fault.calls != Fault::kForever)) {
+    AbortForMisuse("A fault needs a first call, counted from 1, and a number of calls.");
+  }
+  const bool transfers = fault.function == "read" || fault.function == "write";
+  if (fault.shorten_to < 0 ? fault.error == 0 : !transfers) {
+    AbortForMisuse("A fault needs an error, or a length to which it shortens read() or write().");
+  }
   setting.set = false;
   setting.counted = 0;
   setting.first_call = fault.first_call;
@@ -56,13 +61,15 @@ void SetFault(const Fault& fault) {
   setting.set = true;
 }
 
+void ClearFault(const std::string& function) { Of(function).set = false; }
+
 void ClearFaults() {
   for (Setting& setting : settings) {
     setting.set = false;
   }
 }
 
-int CountedCalls(const std::string& function) { return Of(function).counted; }
+int CallsSinceFaultSet(const std::string& function) { return Of(function).counted; }
 
 FaultResult CheckFault(Call call) {
   Setting& setting = Of(call);

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <unistd.h>
 
-#include <cstdlib>
 #include <filesystem>
 
+#include "device/misuse.h"
 #include "fp_host/device.h"
 
 namespace fp_host {
@@ -15,7 +15,7 @@ ScratchFolder::ScratchFolder(const std::string& name) {
   const bool has_memory = access(memory.c_str(), W_OK) == 0;
   path_ = (has_memory ? memory : fs::temp_directory_path()) / (name + ".XXXXXX");
   if (mkdtemp(path_.data()) == nullptr) {
-    abort();
+    AbortForMisuse("The folder " + path_ + " cannot be made.");
   }
 }
 

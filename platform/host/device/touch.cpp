@@ -6,13 +6,13 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
-#include <cstdlib>
 #include <deque>
 #include <map>
 #include <mutex>
 #include <set>
 #include <utility>
 
+#include "device/misuse.h"
 #include "fp_host/touch_node.h"
 
 namespace fp_host {
@@ -28,7 +28,7 @@ struct Node {
   int device_end = -1;
   int controller_end = -1;
   std::set<int> descriptors;
-  std::map<unsigned long, int> answers;
+  std::map<unsigned long, int> results;
   std::deque<TouchNode::Request> requests;
 };
 
@@ -39,7 +39,7 @@ Node* node = nullptr;  // guarded by mutex
 void Connect(Node& node) {
   int ends[2];
   if (socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends) != 0) {
-    abort();
+    AbortForMisuse("No descriptors are left for the touch node.");
   }
   node.device_end = ends[0];
   node.controller_end = ends[1];
@@ -58,7 +58,8 @@ bool TrySend(int end, const std::string& buffer) {
   return send(end, buffer.data(), buffer.size(), MSG_DONTWAIT | MSG_NOSIGNAL) >= 0;
 }
 
-// Waits until the reader has made room, without the mutex, so that the node can hang up meanwhile.
+// Waits until the reader has made room, without the mutex, so that the node can hang up in that
+// time.
 bool SendBlocking(const std::string& buffer) {
   int end = -1;
   {
@@ -113,8 +114,8 @@ int TakeTouchRequest(unsigned long number, const void* argument) {
     node->requests.pop_front();
   }
   node->requests.push_back(std::move(request));
-  const auto answer = node->answers.find(number);
-  return answer == node->answers.end() ? 0 : answer->second;
+  const auto known = node->results.find(number);
+  return known == node->results.end() ? 0 : known->second;
 }
 
 std::string EncodeTouchRecords(const std::vector<TouchRecord>& records) {
@@ -141,7 +142,7 @@ TouchNode::TouchNode(const std::string& path) {
   Connect(*fresh);
   const std::lock_guard lock(mutex);
   if (node != nullptr) {
-    abort();
+    AbortForMisuse("A second TouchNode was made; only one may exist at a time.");
   }
   node = fresh;
 }
@@ -182,9 +183,9 @@ void TouchNode::Reconnect() {
   }
 }
 
-void TouchNode::Answer(unsigned long number, int result) {
+void TouchNode::SetRequestResult(unsigned long number, int result) {
   const std::lock_guard lock(mutex);
-  node->answers[number] = result;
+  node->results[number] = result;
 }
 
 std::vector<TouchNode::Request> TouchNode::TakeRequests() {
@@ -193,7 +194,7 @@ std::vector<TouchNode::Request> TouchNode::TakeRequests() {
   return {requests.begin(), requests.end()};
 }
 
-int TouchNode::OpenDescriptors() const {
+int TouchNode::CountOpenDescriptors() const {
   const std::lock_guard lock(mutex);
   return static_cast<int>(node->descriptors.size());
 }

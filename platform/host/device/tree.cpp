@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <mutex>
 
+#include "device/misuse.h"
 #include "fp_host/device.h"
 
 namespace fp_host {
@@ -60,6 +61,15 @@ void PreloadIntoChildren() {
   }
 }
 
+// Sanitizers intercept most calls before this library, but not mkdir().
+void CheckLinkOrder() {
+  Dl_info first = {}, self = {};
+  if (dladdr(dlsym(RTLD_DEFAULT, "mkdir"), &first) == 0 || dladdr(root, &self) == 0 ||
+      first.dli_fbase != self.dli_fbase) {
+    AbortForMisuse("The program has to be linked with the device ahead of libc.");
+  }
+}
+
 }  // namespace
 
 TreePath::TreePath(const char* path)
@@ -75,6 +85,7 @@ TreePath::TreePath(const char* path)
 }
 
 void SetDeviceRoot(const std::string& new_root) {
+  CheckLinkOrder();
   const std::string absolute = std::filesystem::absolute(new_root);
   snprintf(root, sizeof root, "%s", absolute.c_str());
   setenv(kRootVariable, root, 1);

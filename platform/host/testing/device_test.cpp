@@ -8,13 +8,18 @@
 #include <iterator>
 #include <sstream>
 
+#include <android-base/properties.h>
+
 #include "fp_host/testing.h"
 
 namespace fp_host {
 
 namespace fs = std::filesystem;
 
-DeviceTest::~DeviceTest() { ClearFaults(); }
+DeviceTest::~DeviceTest() {
+  ClearFaults();
+  ResumeWallClock();
+}
 
 bool DeviceTest::Exists(const std::string& path) { return fs::exists(HostPath(path)); }
 
@@ -35,6 +40,13 @@ unsigned DeviceTest::ModeOf(const std::string& path) {
   EXPECT_EQ(0, stat(HostPath(path).c_str(), &status)) << path;
   return status.st_mode & 07777;
 }
+
+ScopedProperty::ScopedProperty(std::string name, const std::string& value)
+    : name_(std::move(name)), former_(android::base::GetProperty(name_, "")) {
+  android::base::SetProperty(name_, value);
+}
+
+ScopedProperty::~ScopedProperty() { android::base::SetProperty(name_, former_); }
 
 std::string DumpText(const std::function<void(int fd)>& dump) {
   const int fd = memfd_create("dump", MFD_CLOEXEC);

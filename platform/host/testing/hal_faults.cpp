@@ -14,9 +14,9 @@ std::vector<HalFault> HalFaults(std::vector<HalFault> others) {
   };
   std::vector<HalFault> faults = {
       {"none", [](auto&) {}, kAnswered | kServed},
-      {"dies before the call", die(Death::kBefore), kDead},
-      {"dies during the call", die(Death::kDuring), kDead | kServed},
-      {"dies after the call", die(Death::kAfter), kAnswered | kDead | kServed},
+      {"dies before the call", die(Death::kBeforeCall), kDead},
+      {"dies during the call", die(Death::kBeforeAnswer), kDead | kServed},
+      {"dies after the call", die(Death::kAfterAnswer), kAnswered | kDead | kServed},
       {"is slow", be_slow, kAnswered | kServed},
   };
   faults.insert(faults.end(), others.begin(), others.end());

@@ -3,9 +3,10 @@
 
 namespace fp_host {
 
-void RepairSensorService() {
+SensorTest::~SensorTest() {
+  RecordSensorCalls(false);
   ClearSensorFaults();
-  RestartSensorService();
+  StartSensorService();
 }
 
 void SensorTest::TakeCalls() {

@@ -7,27 +7,29 @@
 
 #include <android/binder_auto_utils.h>
 
-#include "fp_host/services.h"
+#include "fp_host/aidl_service.h"
 
 namespace fp_host {
 
 // The display HAL. A new process has the local high-brightness mode off.
-class DisplayService : public RemoteService {
+//
+// Threading:  any thread may call any operation.
+class DisplayService : public AidlService {
  public:
   DisplayService();
   ~DisplayService() override;
 
-  // Calls are answered with what `refusal` makes and change nothing, until Accept().
+  // Later calls are answered with what `refusal` makes and change nothing, until Accept(). It runs
+  // on the client's thread and may not use this object.
   void Refuse(std::function<ndk::ScopedAStatus()> refusal);
   void Accept() override;
 
   bool IsLhbmOn() const;
-  // The states asked for in all calls that the service handled, oldest first.
-  std::vector<bool> GetRequests() const;
+  // The states asked for since the last TakeRequests(), refused ones too, oldest first.
+  std::vector<bool> TakeRequests();
 
  protected:
-  std::shared_ptr<void> MakeService(const std::shared_ptr<ipc::Process>& process) override;
-  std::shared_ptr<void> MakeImpostor(const std::shared_ptr<ipc::Process>& process) override;
+  ndk::SpAIBinder MakeBinder() override;
 
  private:
   struct State;

@@ -5,7 +5,13 @@
 
 #include <string>
 
-// Faults injected into the system calls of programs that are linked with the simulated device.
+#include "fp_host/scoped.h"
+
+// Faults injected into the system calls of programs that are linked with the simulated device. They
+// do not reach child processes.
+//
+// Threading:  any thread may call any function. Calls under way are not affected; a call that runs
+//             while its fault is being set may still be without it.
 
 namespace fp_host {
 
@@ -24,12 +30,23 @@ struct Fault {
   ssize_t shorten_to = -1;
 };
 
-// Sets the fault of a function and replaces the one it had; aborts if the function is not one of
-// those above.
+// Sets the fault of a function and replaces the one it had. Aborts with a message on an unknown
+// function, and on a fault that would fail no call or with no error.
 void SetFault(const Fault& fault);
+void ClearFault(const std::string& function);
 void ClearFaults();
 
-// The number of calls of `function` since its fault was set.
-int CountedCalls(const std::string& function);
+// The number of calls of `function`, failing or not, since its fault was last set. It stays after
+// the fault is cleared.
+int CallsSinceFaultSet(const std::string& function);
+
+class ScopedFault : public Scoped {
+ public:
+  explicit ScopedFault(const Fault& fault) : function_(fault.function) { SetFault(fault); }
+  ~ScopedFault() { ClearFault(function_); }
+
+ private:
+  const std::string function_;
+};
 
 }  // namespace fp_host

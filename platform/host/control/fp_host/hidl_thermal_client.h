@@ -13,7 +13,9 @@ class Process;
 }  // namespace ipc
 
 // Simulates another process that is a client of the HIDL thermal HAL and has one callback. The
-// transport checks that each call is answered exactly once.
+// transport checks that each call is answered exactly once, and aborts if not.
+//
+// Threading:  Connect() while no call is running; otherwise any thread may call any operation.
 class HidlThermalClient {
  public:
   using CoolingDevice = android::hardware::thermal::V2_0::CoolingDevice;
@@ -40,18 +42,18 @@ class HidlThermalClient {
   void Connect(const android::sp<IThermal>& service);
 
   Answer<Temperature> Temperatures(bool filter, TemperatureType type) const {
-    return Ask<Temperature>(&IThermal::getCurrentTemperatures, filter, type);
+    return SendQuery<Temperature>(&IThermal::getCurrentTemperatures, filter, type);
   }
   Answer<TemperatureThreshold> Thresholds(bool filter, TemperatureType type) const {
-    return Ask<TemperatureThreshold>(&IThermal::getTemperatureThresholds, filter, type);
+    return SendQuery<TemperatureThreshold>(&IThermal::getTemperatureThresholds, filter, type);
   }
   Answer<CoolingDevice> CoolingDevices(bool filter, CoolingType type) const {
-    return Ask<CoolingDevice>(&IThermal::getCurrentCoolingDevices, filter, type);
+    return SendQuery<CoolingDevice>(&IThermal::getCurrentCoolingDevices, filter, type);
   }
   // Sends `query` and returns the answer.
   template <typename Record, typename Query, typename... Parameters>
-  Answer<Record> Ask(Query query, Parameters... parameters) const {
-    Answer<Record> answer = {kNone, {}};
+  Answer<Record> SendQuery(Query query, Parameters... parameters) const {
+    Answer<Record> answer = {kTransportFailure, {}};
     const auto take = [&answer](const ThermalStatus& status,
                                 const android::hardware::hidl_vec<Record>& records) {
       answer = {status, records};
@@ -62,15 +64,16 @@ class HidlThermalClient {
 
   ThermalStatus Register(const android::sp<IThermalChangedCallback>& callback, bool filter = false,
                          TemperatureType type = TemperatureType::SKIN) const {
-    return Do(&IThermal::registerThermalChangedCallback, callback, filter, type);
+    return SendCommand(&IThermal::registerThermalChangedCallback, callback, filter, type);
   }
   ThermalStatus Unregister(const android::sp<IThermalChangedCallback>& callback) const {
-    return Do(&IThermal::unregisterThermalChangedCallback, callback);
+    return SendCommand(&IThermal::unregisterThermalChangedCallback, callback);
   }
 
   // A new proxy of the callback. Over the transport, each call passes a new one to the service.
   android::sp<IThermalChangedCallback> NewProxy() const;
 
+  // The client dies: calls of its callback fail, and those that are queued are dropped.
   void Kill();
 
   // The notifications that the callback received since the last TakeReceived(), oldest first.
@@ -80,15 +83,16 @@ class HidlThermalClient {
   class Callback;
 
   template <typename Operation, typename... Parameters>
-  ThermalStatus Do(Operation operation, const Parameters&... parameters) const {
-    ThermalStatus answer = kNone;
+  ThermalStatus SendCommand(Operation operation, const Parameters&... parameters) const {
+    ThermalStatus answer = kTransportFailure;
     const auto take = [&answer](const ThermalStatus& status) { answer = status; };
     (service_.get()->*operation)(parameters..., take).isOk();
     return answer;
   }
 
-  // The answer if the transport fails.
-  const ThermalStatus kNone = {android::hardware::thermal::V1_0::ThermalStatusCode::FAILURE, "?"};
+  // The answer if the transport fails: the service is dead.
+  const ThermalStatus kTransportFailure = {
+      android::hardware::thermal::V1_0::ThermalStatusCode::FAILURE, "?"};
 
   const android::sp<Callback> callback_;
   const std::shared_ptr<ipc::Process> process_;

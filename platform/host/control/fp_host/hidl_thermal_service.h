@@ -13,6 +13,9 @@ namespace fp_host {
 
 // The HIDL thermal HAL 2.0 with temperatures only: no thresholds, cooling devices, CPU usages or
 // callbacks.
+//
+// Threading:  any thread may call any operation.
+// Units:      degrees Celsius.
 class HidlThermalService : public RemoteService {
  public:
   using Temperature = android::hardware::thermal::V2_0::Temperature;
@@ -22,7 +25,7 @@ class HidlThermalService : public RemoteService {
 
   void SetTemperatures(std::vector<Temperature> temperatures);
 
-  // Calls are answered with FAILURE and `message`, until Accept().
+  // Later calls are answered with FAILURE and `message`, until Accept().
   void Refuse(std::string message);
   void Accept() override;
 

@@ -10,9 +10,11 @@
 
 #include <android/sensor.h>
 
-// The simulated sensor service behind the stand-in of the vendor sensor bridge. A program starts
-// with the service up and two sensors, LightSensor() and LongPressSensor(). Any thread may call
-// these functions.
+// The simulated sensor service, which the stand-in of the vendor sensor bridge connects to. A
+// program starts with the service up and two sensors, LightSensor() and LongPressSensor(). There is
+// one service per program, so what a test changes stays until it is changed back.
+//
+// Threading:  any thread may call these functions, also while clients use the service.
 
 namespace fp_host {
 
@@ -30,20 +32,21 @@ FakeSensor LongPressSensor(std::string name = "long press");
 void SetSensors(std::vector<FakeSensor> sensors);
 
 // The service dies: its manager, sensors and queues become invalid and undelivered events are lost.
-// A call that asks for a manager while the service is down returns null or waits until it is up.
+// Calls under way return as for a null handle; later ones with the old handles abort. A call that
+// asks for a manager while the service is down returns null or waits until it is up.
 enum class WhileDown { kAnswerNull, kWait };
-void StopSensorService(WhileDown while_down = WhileDown::kAnswerNull);
+void KillSensorService(WhileDown while_down = WhileDown::kAnswerNull);
 void StartSensorService();
 // Stops and starts the service. The next manager has another handle.
 void RestartSensorService();
 
 // The light changes: each enabled light sensor reports one event per reading, all at once. As on a
 // device, a light sensor that is being enabled reports the current value, if there is one.
-void SetLux(float lux);
-void SetLux(const std::vector<float>& readings);
+void ReportLux(float lux);
+void ReportLux(const std::vector<float>& readings);
 
 // Each enabled long-press sensor reports `times` presses.
-void LongPress(int times = 1);
+void ReportLongPress(int times = 1);
 
 // Adds the events unchanged to each queue that has a sensor enabled.
 void PushSensorEvents(const std::vector<ASensorEvent>& events);
@@ -57,7 +60,7 @@ struct SensorUsage {
 SensorUsage GetSensorUsage();
 
 // Whether exactly `threads` threads wait in ALooper_pollOnce() and no event or wake is pending.
-bool ArePollersIdle(int threads);
+bool ArePollersWaiting(int threads);
 
 // Makes a platform function fail.
 struct SensorFault {
@@ -65,14 +68,14 @@ struct SensorFault {
 
   std::string function;
   int result = -EINVAL;  // what a failing call returns; null if it returns a pointer
-  int calls = kForever;  // how many calls fail
+  int calls = 1;         // how many calls in a row fail, or kForever
 };
 // Sets the fault of a function and replaces its earlier one; aborts on an unknown function. A fault
 // of ALooper_pollOnce also ends polls that are already waiting. A fault of
 // ASensorManager_getSensorList makes the bridge's own query fail, so the manager keeps an empty
 // list.
 void SetSensorFault(const SensorFault& fault);
-// Removes all faults, and all hooks that OnSensorCall() has set.
+// Removes all faults, and all hooks that OnSensorCall() has set. Hooks that are running go on.
 void ClearSensorFaults();
 
 // Sets the hooks of a function: on the calling thread, `before` runs at the beginning of each call

@@ -16,18 +16,21 @@
 
 #include <android/log.h>
 
+#include "fp_host/clock.h"
 #include "fp_host/device.h"
 #include "fp_host/faults.h"
 #include "fp_host/sensor_service.h"
 #include "fp_host/services.h"
 
-// What GoogleTests of services need beside the other controls: a fixture with a device, the log,
-// waits with a bound, and tables of faults. Link fp_host_testing, which also has a main().
+// What GoogleTests of services need beside the other controls: fixtures, the log, waits with a
+// bound, and tables of faults. Link fp_host_testing, which also has a main().
+//
+// Threading:  fixtures belong to the test's thread; any thread may call anything else.
 
 namespace fp_host {
 
-// A freshly booted simulated device for each test; the destructor removes all faults of system
-// calls. Paths are the device's.
+// A freshly booted simulated device for each test. The destructor removes the device with its
+// files, removes all faults of system calls and lets the wall clock run. Paths are the device's.
 class DeviceTest : public ::testing::Test {
  protected:
   ~DeviceTest() override;
@@ -41,6 +44,17 @@ class DeviceTest : public ::testing::Test {
   const ScratchDevice device_{"fp_device"};
 };
 
+// Sets a property of this process. At the end it has the value that it had; one that was not set is
+// empty then, which readers with a default take for unset.
+class ScopedProperty : public Scoped {
+ public:
+  ScopedProperty(std::string name, const std::string& value);
+  ~ScopedProperty();
+
+ private:
+  const std::string name_, former_;
+};
+
 // Returns what `dump` writes to `fd`.
 std::string DumpText(const std::function<void(int fd)>& dump);
 
@@ -48,7 +62,7 @@ std::string DumpText(const std::function<void(int fd)>& dump);
 long CountDescriptors();
 long CountThreads();
 
-// --- The log. liblog records its lines here instead of printing them, from any thread.
+// --- The log. liblog records its lines here instead of printing them, from the program's start.
 
 struct LogLine {
   int priority;
@@ -95,7 +109,8 @@ constexpr std::chrono::seconds kWaitBound(30);
 // Polls until `condition` holds. False on timeout.
 bool Eventually(const std::function<bool()>& condition);
 
-// Runs `action` on a thread of its own and aborts if it does not return. Its failures name `what`.
+// Runs `action` on a thread of its own and aborts if it has not returned after two minutes. Its
+// failures name `what`.
 void RunBounded(const std::string& what, const std::function<void()>& action);
 
 // Collects what callbacks on other threads deliver, so that a test can wait for it.
@@ -154,7 +169,7 @@ void RunSeeded(const char* what, int count, uint64_t first,
 
 // --- Faults of HALs
 
-// What a call that meets a fault shows.
+// What a client sees of a call that meets a fault.
 enum HalFaultEffect : unsigned {
   kAnswered = 1,  // the client gets the answer that a working HAL gives
   kServed = 2,    // the HAL does the work, whether it answers or not
@@ -175,15 +190,14 @@ std::vector<HalFault> HalFaults(std::vector<HalFault> others);
 
 // --- Sensors
 
-// Removes all faults and hooks, and restarts the sensor service.
-void RepairSensorService();
-
-// Records the calls to a new sensor service.
+// Records the calls to the sensor service. The destructor ends the recording, removes faults and
+// hooks, and starts the service if it is down.
 class SensorTest : public ::testing::Test {
  protected:
   using Texts = std::vector<std::string>;
 
   SensorTest() { RecordSensorCalls(true); }
+  ~SensorTest() override;
 
   // Takes the calls since the last time: MyCalls() are those of this thread, Others() those of all
   // other threads. Repeated wakes count as one, since their number depends on scheduling.

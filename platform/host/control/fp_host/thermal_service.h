@@ -11,12 +11,15 @@
 #include <aidl/android/hardware/thermal/TemperatureThreshold.h>
 #include <android/binder_auto_utils.h>
 
-#include "fp_host/services.h"
+#include "fp_host/aidl_service.h"
 
 namespace fp_host {
 
 // The AIDL thermal HAL. A restart keeps the values it measures and drops the registered callbacks.
-class ThermalService : public RemoteService {
+//
+// Threading:  any thread may call any operation.
+// Units:      degrees Celsius.
+class ThermalService : public AidlService {
  public:
   using Temperature = aidl::android::hardware::thermal::Temperature;
   using TemperatureThreshold = aidl::android::hardware::thermal::TemperatureThreshold;
@@ -29,11 +32,13 @@ class ThermalService : public RemoteService {
   void SetThresholds(std::vector<TemperatureThreshold> thresholds);
   void SetCoolingDevices(std::vector<CoolingDevice> devices);
 
-  // Calls are answered with what `refusal` makes, until Accept().
+  // Later calls are answered with what `refusal` makes, until Accept(). It runs on the client's
+  // thread and may not use this object.
   void Refuse(std::function<ndk::ScopedAStatus()> refusal);
   void Accept() override;
 
-  // Tells every callback that is registered for this type, or for all.
+  // Tells every callback that is registered for this type, or for all, without waiting for them: a
+  // callback runs on the binder pool.
   void Notify(const Temperature& temperature);
   int CountCallbacks() const;
 
@@ -42,8 +47,8 @@ class ThermalService : public RemoteService {
   std::vector<std::string> TakeCalls();
 
  protected:
+  ndk::SpAIBinder MakeBinder() override;
   std::shared_ptr<void> MakeService(const std::shared_ptr<ipc::Process>& process) override;
-  std::shared_ptr<void> MakeImpostor(const std::shared_ptr<ipc::Process>& process) override;
 
  private:
   struct State;

@@ -25,9 +25,13 @@ struct TouchRecord {
 std::string EncodeTouchRecords(const std::vector<TouchRecord>& records);
 
 // The simulated touch-handler device. A program that is linked with the simulated device opens the
-// node by its path and gets a real descriptor. Only one node may exist at a time.
+// node by its path and gets a real descriptor, which it polls, reads and closes. Without an object
+// of this class there is no such node. Only one may exist at a time: a second one aborts.
 //
 // Threading:  any thread may call any operation, also while the device is in use.
+// Ownership:  the users of the device own their descriptors. Those that are open when the object is
+//             destroyed have lost their device: reads return end of file.
+// Errors:     faults of open, read, ioctl and poll are set with fp_host/faults.h.
 class TouchNode {
  public:
   struct Request {
@@ -42,26 +46,28 @@ class TouchNode {
   TouchNode(const TouchNode&) = delete;
   TouchNode& operator=(const TouchNode&) = delete;
 
-  // Sends one buffer; blocks while the reader is far behind. False once the device is gone.
+  // Sends one buffer, which one read returns. Blocks while the socket's buffer is full, so the
+  // reader has to run on another thread or process. False once the device is gone.
   bool Push(const std::vector<TouchRecord>& records);
   bool PushBytes(const std::string& buffer);
 
   // Like PushBytes(), but drops the buffer where that would block.
   bool TryPushBytes(const std::string& buffer);
 
-  // The device goes away while it is open: reads return end of file and polls report a hang-up.
-  // After Reconnect() the same descriptors work again.
+  // The device goes away while it is open: reads return what was sent before, then end of file;
+  // polls report a hang-up, and Push() under way returns false. After Reconnect() the same
+  // descriptors work again, without what was not read.
   void HangUp();
   void Reconnect();
 
-  // Sets what later requests with this number return; 0 is success.
-  void Answer(unsigned long number, int result);
+  // Sets what ioctl() returns for later requests with this number; 0, the default, is success.
+  void SetRequestResult(unsigned long number, int result);
 
   // The requests since the last TakeRequests(), in order; at most the newest 1,000.
   std::vector<Request> TakeRequests();
 
-  // The number of open descriptors of this node.
-  int OpenDescriptors() const;
+  // The descriptors of this node that are open in this process.
+  int CountOpenDescriptors() const;
 };
 
 }  // namespace fp_host

@@ -2,7 +2,7 @@
 #include <aidl/android/hardware/thermal/BpThermal.h>
 #include <aidl/android/hardware/thermal/BpThermalChangedCallback.h>
 
-#include "binder/interface.h"
+#include "fp_host/aidl_interface.h"
 
 namespace aidl::android::hardware::thermal {
 namespace {

@@ -10,6 +10,7 @@
 #include "ipc/registry.h"
 
 using fp_host::binder::DeathLink;
+using fp_host::binder::LocalBinder;
 using fp_host::binder::RemoteBinder;
 using fp_host::ipc::BinderPool;
 using fp_host::ipc::Registry;
@@ -32,9 +33,17 @@ void AIBinder_decStrong(AIBinder* binder) {
   }
 }
 
-int32_t AIBinder_debugGetRefCount(AIBinder* binder) { return binder->CountStrong(); }
+int32_t AIBinder_debugGetRefCount(AIBinder* binder) {
+  return binder == nullptr ? -1 : binder->CountStrong();
+}
 
 binder_status_t AIBinder_dump(AIBinder* binder, int fd, const char** args, uint32_t num_args) {
+  if (binder == nullptr) {
+    return STATUS_UNEXPECTED_NULL;
+  }
+  if (LocalBinder* local = binder->AsLocal()) {
+    return local->GetImplementation()->dump(fd, args, num_args);
+  }
   RemoteBinder* remote = binder->AsRemote();
   binder_status_t status = STATUS_OK;
   const bool answered = remote->Call(
@@ -43,17 +52,21 @@ binder_status_t AIBinder_dump(AIBinder* binder, int fd, const char** args, uint3
 }
 
 AIBinder_DeathRecipient* AIBinder_DeathRecipient_new(AIBinder_DeathRecipient_onBinderDied on_died) {
-  return new AIBinder_DeathRecipient{on_died, {}};
+  return on_died == nullptr ? nullptr : new AIBinder_DeathRecipient{on_died, {}};
 }
 
 void AIBinder_DeathRecipient_delete(AIBinder_DeathRecipient* recipient) { delete recipient; }
 
 binder_status_t AIBinder_linkToDeath(AIBinder* binder, AIBinder_DeathRecipient* recipient,
                                      void* cookie) {
+  if (binder == nullptr || recipient == nullptr) {
+    return STATUS_UNEXPECTED_NULL;
+  }
   RemoteBinder* remote = binder->AsRemote();
   if (remote == nullptr) {
     return STATUS_INVALID_OPERATION;
   }
+  BinderPool().WarnUnlessStarted("A death notification");
   recipient->links.push_back(std::make_shared<DeathLink>(DeathLink{recipient->on_died, cookie}));
   return remote->Link(recipient->links.back());
 }

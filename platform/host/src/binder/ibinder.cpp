@@ -83,14 +83,14 @@ bool RemoteBinder::IsAlive() {
   return !known_dead_;
 }
 
-bool RemoteBinder::Call(const std::function<void()>& serve) {
+bool RemoteBinder::Call(const std::function<void()>& transaction) {
   const auto& home = GetTarget()->GetHome();
   if (home == nullptr) {
-    serve();
+    transaction();
     return true;
   }
   // An object that has died stays dead, so its process need not be asked again.
-  if (known_dead_ || !home->Call(serve)) {
+  if (known_dead_ || !home->Call(transaction)) {
     known_dead_ = true;
     return false;
   }
@@ -133,15 +133,6 @@ void RemoteBinder::Announce() {
       link->on_died(link->cookie);
     }
   }
-}
-
-ndk::SpAIBinder TranslateForReceiver(const ndk::SpAIBinder& binder) {
-  if (LocalBinder* local = binder.get()->AsLocal()) {
-    return local->GetProxy();
-  }
-  LocalBinder* target = binder.get()->AsRemote()->GetTarget();
-  target->IncStrong();
-  return ndk::SpAIBinder(target);
 }
 
 }  // namespace fp_host::binder

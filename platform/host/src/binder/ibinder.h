@@ -102,8 +102,9 @@ class RemoteBinder : public AIBinder {
   // Whether the object has this interface. The first call asks the object and is false if it is
   // dead.
   bool HasInterface(const char* descriptor);
-  // Runs `serve` as a call into the object's process. False if that died before it sent the reply.
-  bool Call(const std::function<void()>& serve);
+  // Runs `transaction` as a call into the object's process. False if that died before it sent the
+  // reply.
+  bool Call(const std::function<void()>& transaction);
   // False if the object's process is dead.
   bool IsAlive();
 
@@ -124,9 +125,5 @@ class RemoteBinder : public AIBinder {
   bool announced_ = false;  // the links were notified
   std::vector<std::weak_ptr<DeathLink>> links_;
 };
-
-// What the receiver of a call gets for an object that the sender passes: a proxy for an object of
-// the sender, and the object itself for a proxy of the receiver's own object.
-ndk::SpAIBinder TranslateForReceiver(const ndk::SpAIBinder& binder);
 
 }  // namespace fp_host::binder

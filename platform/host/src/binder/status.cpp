@@ -3,11 +3,24 @@
 
 #include <android/binder_status.h>
 
+#include "device/misuse.h"
+
 struct AStatus {
   const binder_exception_t exception;
   const binder_status_t status;
   const std::string message;
 };
+
+namespace {
+
+const AStatus& Checked(const AStatus* status) {
+  if (status == nullptr) {
+    fp_host::AbortForMisuse("A ScopedAStatus that holds no status was asked for it.");
+  }
+  return *status;
+}
+
+}  // namespace
 
 AStatus* AStatus_newOk() { return AStatus_fromStatus(STATUS_OK); }
 
@@ -23,10 +36,12 @@ AStatus* AStatus_fromStatus(binder_status_t status) {
 
 void AStatus_delete(AStatus* status) { delete status; }
 
-bool AStatus_isOk(const AStatus* status) { return status->exception == EX_NONE; }
+bool AStatus_isOk(const AStatus* status) { return Checked(status).exception == EX_NONE; }
 
-binder_exception_t AStatus_getExceptionCode(const AStatus* status) { return status->exception; }
+binder_exception_t AStatus_getExceptionCode(const AStatus* status) {
+  return Checked(status).exception;
+}
 
-binder_status_t AStatus_getStatus(const AStatus* status) { return status->status; }
+binder_status_t AStatus_getStatus(const AStatus* status) { return Checked(status).status; }
 
-const char* AStatus_getMessage(const AStatus* status) { return status->message.c_str(); }
+const char* AStatus_getMessage(const AStatus* status) { return Checked(status).message.c_str(); }

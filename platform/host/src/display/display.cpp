@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <aidl/com/norvan/hardware/kestra/display/BpDisplay.h>
 
-#include "binder/interface.h"
+#include "fp_host/aidl_interface.h"
 
 namespace aidl::com::norvan::hardware::kestra::display {
 

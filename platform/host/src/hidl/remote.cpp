@@ -1,40 +1,31 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "hidl/remote.h"
 
-#include <cstdlib>
+#include <utility>
 
-#include <android/log.h>
 #include <hidl/HidlTransportSupport.h>
 
+#include "device/misuse.h"
 #include "ipc/pool.h"
 
 namespace fp_host::hidl {
-namespace {
-
-[[noreturn]] void Abort(const char* reason) {
-  __android_log_print(ANDROID_LOG_FATAL, "HidlTransport", "%s", reason);
-  abort();
-}
-
-}  // namespace
-
-Status Remote::Call(const std::function<void()>& serve) const {
+Status Remote::Call(const std::function<void()>& transaction) const {
   if (home_ == nullptr) {
-    serve();
+    transaction();
     return Status::ok();
   }
-  return Status::fromStatusT(home_->Call(serve) ? android::OK : android::DEAD_OBJECT);
+  return Status::fromStatusT(home_->Call(transaction) ? android::OK : android::DEAD_OBJECT);
 }
 
-Status Remote::CallOneway(std::function<void()> serve) const {
+Status Remote::CallOneway(std::function<void()> transaction) const {
   const auto is_alive = [home = home_] { return home == nullptr || home->IsAlive(); };
   if (!is_alive()) {
     return Status::fromStatusT(android::DEAD_OBJECT);
   }
   ipc::HidlPool().Start();  // a process that receives calls needs a pool
-  ipc::HidlPool().Post([is_alive, serve = std::move(serve)] {
+  ipc::HidlPool().Post([is_alive, transaction = std::move(transaction)] {
     if (is_alive()) {
-      serve();
+      transaction();
     }
   });
   return Status::ok();
@@ -42,7 +33,7 @@ Status Remote::CallOneway(std::function<void()> serve) const {
 
 void CheckAnswered(bool is_right) {
   if (!is_right) {
-    Abort("A HIDL server must call its callback exactly once");
+    AbortForMisuse("A HIDL server has to call its result callback exactly once.");
   }
 }
 
@@ -52,7 +43,7 @@ namespace android::hardware {
 
 details::return_status::~return_status() {
   if (!mCheckedStatus && !mStatus.isOk()) {
-    fp_host::hidl::Abort("Failed HIDL return status not checked");
+    fp_host::AbortForMisuse("A failed HIDL return status was destroyed unchecked.");
   }
 }
 

@@ -35,10 +35,10 @@ class Remote {
 
   const sp<IBase>& GetObject() const { return object_; }
 
-  // Runs `serve` as a call into the object's process. Returns OK or DEAD_OBJECT.
-  Status Call(const std::function<void()>& serve) const;
+  // Runs `transaction` as a call into the object's process. Returns OK or DEAD_OBJECT.
+  Status Call(const std::function<void()>& transaction) const;
   // A one-way call: runs on the thread of the HIDL pool, unless the object's process dies first.
-  Status CallOneway(std::function<void()> serve) const;
+  Status CallOneway(std::function<void()> transaction) const;
 
  private:
   const sp<IBase> object_;
@@ -50,12 +50,12 @@ void CheckAnswered(bool is_right);
 
 // A call that returns its results through a callback, which runs once, or never if the transport
 // fails.
-template <typename... RESULTS, typename SERVE>
+template <typename... RESULTS, typename TRANSACTION>
 Return<void> Query(const Remote& remote, const std::function<void(const RESULTS&...)>& callback,
-                   SERVE serve) {
+                   TRANSACTION transaction) {
   std::optional<std::tuple<RESULTS...>> answer;
   const Status status = remote.Call([&] {
-    const Return<void> result = serve([&](const RESULTS&... results) {
+    const Return<void> result = transaction([&](const RESULTS&... results) {
       CheckAnswered(!answer.has_value());
       answer.emplace(results...);
     });

@@ -5,7 +5,16 @@
 #include <thread>
 #include <utility>
 
+#include <android/log.h>
+
+#include "device/misuse.h"
+
 namespace fp_host::ipc {
+namespace {
+
+thread_local bool is_pool_thread = false;
+
+}  // namespace
 
 void Pool::Start() {
   const std::lock_guard lock(mutex_);
@@ -16,6 +25,9 @@ void Pool::Start() {
 
 void Pool::SetMaxMoreThreads(uint32_t count) {
   const std::lock_guard lock(mutex_);
+  if (threads_ > 0 && count < max_more_threads_) {
+    AbortForMisuse("The binder thread pool cannot shrink after it was started.");
+  }
   max_more_threads_ = count;
 }
 
@@ -28,7 +40,18 @@ void Pool::Post(std::function<void()> work) {
   work_arrived_.notify_one();
 }
 
+void Pool::WarnUnlessStarted(const char* what) const {
+  const std::lock_guard lock(mutex_);
+  if (threads_ == 0) {
+    __android_log_print(ANDROID_LOG_WARN, "fp_host",
+                        "%s will not arrive before ABinderProcess_startThreadPool().", what);
+  }
+}
+
 bool Pool::WaitUntilIdle() const {
+  if (is_pool_thread) {
+    AbortForMisuse("A thread of the binder pool waits until the pool is idle, so for ever.");
+  }
   std::unique_lock lock(mutex_);
   return became_idle_.wait_for(lock, std::chrono::seconds(10),
                                [this] { return work_.empty() && idle_ == threads_; });
@@ -37,10 +60,11 @@ bool Pool::WaitUntilIdle() const {
 void Pool::AddThread() {
   ++threads_;
   ++idle_;
-  std::thread([this] { Serve(); }).detach();
+  std::thread([this] { RunThread(); }).detach();
 }
 
-void Pool::Serve() {
+void Pool::RunThread() {
+  is_pool_thread = true;
   std::unique_lock lock(mutex_);
   while (true) {
     work_arrived_.wait(lock, [this] { return !work_.empty(); });

@@ -17,16 +17,20 @@ class Pool {
 
   // Starts the first thread. When all threads are busy, new work starts another, up to the limit.
   void Start();
+  // Logs a warning while there are no threads, since `what` arrives only once there are.
+  void WarnUnlessStarted(const char* what) const;
+  // Aborts for fewer threads than before once the pool is started, as the platform does.
   void SetMaxMoreThreads(uint32_t count);
 
   void Post(std::function<void()> work);
 
-  // Waits, within a bound, until no work is queued or running. False on timeout.
+  // Waits, within a bound, until no work is queued or running. False on timeout. Aborts on a thread
+  // of a pool, which would wait for itself.
   bool WaitUntilIdle() const;
 
  private:
   void AddThread();  // with mutex_ held
-  void Serve();
+  void RunThread();
 
   mutable std::mutex mutex_;
   std::condition_variable work_arrived_;

@@ -35,50 +35,50 @@ void Process::OnDeath(std::function<void()> observer) {
   observer();
 }
 
-bool Process::Call(const std::function<void()>& serve) {
-  const Fate fate = Arrive();
-  if (fate == Fate::kDiesBefore) {
+bool Process::Call(const std::function<void()>& transaction) {
+  const Fate fate = DecideFate();
+  if (fate == Fate::kDiesBeforeCall) {
     Kill();
   }
-  if (fate == Fate::kDiesBefore || fate == Fate::kLost) {
+  if (fate == Fate::kDiesBeforeCall || fate == Fate::kAlreadyDead) {
     return false;
   }
-  serve();
-  if (fate == Fate::kDiesDuring) {
+  transaction();
+  if (fate == Fate::kDiesBeforeAnswer) {
     Kill();
   }
   const bool answered = IsAlive();
-  if (fate == Fate::kDiesAfter) {
+  if (fate == Fate::kDiesAfterAnswer) {
     Kill();
   }
   return answered;
 }
 
-Process::Fate Process::Arrive() {
+Process::Fate Process::DecideFate() {
   using Death = RemoteService::Death;
   CallPlan& plan = *plan_;
   std::unique_lock lock(plan.mutex);
   if (!alive_) {
-    return Fate::kLost;
+    return Fate::kAlreadyDead;
   }
   const bool fatal = ++plan.calls == plan.fatal_call;
-  if (fatal && plan.death == Death::kBefore) {
-    return Fate::kDiesBefore;
+  if (fatal && plan.death == Death::kBeforeCall) {
+    return Fate::kDiesBeforeCall;
   }
-  ++plan.held;
+  ++plan.in_progress;
   plan.changed.notify_all();
   plan.changed.wait(lock, [&] { return !plan.barrier || !alive_; });
-  --plan.held;
+  --plan.in_progress;
   if (plan.delay.count() > 0) {
     plan.changed.wait_for(lock, plan.delay, [&] { return !alive_; });
   }
   if (!alive_) {
-    return Fate::kLost;
+    return Fate::kAlreadyDead;
   }
   if (!fatal) {
     return Fate::kServed;
   }
-  return plan.death == Death::kDuring ? Fate::kDiesDuring : Fate::kDiesAfter;
+  return plan.death == Death::kBeforeAnswer ? Fate::kDiesBeforeAnswer : Fate::kDiesAfterAnswer;
 }
 
 }  // namespace fp_host::ipc

@@ -18,10 +18,10 @@ struct CallPlan {
   std::condition_variable changed;
 
   // Guarded by mutex.
-  int calls = 0;       // made so far
-  int held = 0;        // of these, waiting at the barrier
-  int fatal_call = 0;  // number of the call at which the process dies; 0: none
-  RemoteService::Death death = RemoteService::Death::kBefore;
+  int calls = 0;        // made so far
+  int in_progress = 0;  // of these, waiting at the barrier
+  int fatal_call = 0;   // number of the call at which the process dies; 0: none
+  RemoteService::Death death = RemoteService::Death::kBeforeCall;
   bool barrier = false;
   std::chrono::milliseconds delay{0};
 };
@@ -38,14 +38,14 @@ class Process {
   // dead, runs it at once on the caller's thread.
   void OnDeath(std::function<void()> observer);
 
-  // Runs `serve` on the caller's thread as a call into the process. Returns false if the process is
-  // dead or dies before it sends the reply.
-  bool Call(const std::function<void()>& serve);
+  // Runs `transaction` on the caller's thread as a call into the process. Returns false if the
+  // process is dead or dies before it sends the reply.
+  bool Call(const std::function<void()>& transaction);
 
  private:
   // What happens to one call according to the plan.
-  enum class Fate { kServed, kLost, kDiesBefore, kDiesDuring, kDiesAfter };
-  Fate Arrive();
+  enum class Fate { kServed, kAlreadyDead, kDiesBeforeCall, kDiesBeforeAnswer, kDiesAfterAnswer };
+  Fate DecideFate();
 
   const std::shared_ptr<CallPlan> plan_;
 

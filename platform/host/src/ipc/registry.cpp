@@ -5,6 +5,8 @@
 
 #include <android/log.h>
 
+#include "device/misuse.h"
+
 namespace fp_host::ipc {
 
 // Never destroyed, because a thread may wait for a service while the process exits.
@@ -32,9 +34,15 @@ bool Registry::IsDeclared(const std::string& name) const {
   return declared_.contains(name);
 }
 
-void Registry::Add(const std::string& name, std::shared_ptr<void> object) {
+void Registry::Add(const std::string& name, std::shared_ptr<void> object,
+                   const std::shared_ptr<Process>& home) {
   const std::lock_guard lock(mutex_);
-  objects_[name] = std::move(object);
+  Entry& entry = objects_[name];
+  const std::shared_ptr<Process> former = entry.home.lock();
+  if (former != nullptr && former->IsAlive()) {
+    AbortForMisuse("Two services are up under the name " + name + ".");
+  }
+  entry = {std::move(object), home};
   changed_.notify_all();
 }
 
@@ -42,8 +50,8 @@ void Registry::Remove(const std::string& name, const std::shared_ptr<void>& obje
   std::shared_ptr<void> removed;  // destroyed after the lock is released
   const std::lock_guard lock(mutex_);
   const auto entry = objects_.find(name);
-  if (entry != objects_.end() && entry->second == object) {
-    removed = std::move(entry->second);
+  if (entry != objects_.end() && entry->second.object == object) {
+    removed = std::move(entry->second.object);
     objects_.erase(entry);
   }
 }
@@ -65,7 +73,7 @@ std::shared_ptr<void> Registry::Wait(const std::string& name) const {
 
 std::shared_ptr<void> Registry::Find(const std::string& name) const {
   const auto entry = objects_.find(name);
-  return entry == objects_.end() ? nullptr : entry->second;
+  return entry == objects_.end() ? nullptr : entry->second.object;
 }
 
 void Registry::SetFailing(bool failing) {

@@ -9,6 +9,8 @@
 #include <set>
 #include <string>
 
+#include "ipc/process.h"
+
 namespace fp_host::ipc {
 
 // The device's manifest and service managers. One table holds the AIDL and the HIDL services, since
@@ -20,7 +22,9 @@ class Registry {
   void Declare(const std::string& name, bool declared);
   bool IsDeclared(const std::string& name) const;
 
-  void Add(const std::string& name, std::shared_ptr<void> object);
+  // Aborts if another object of that name is registered whose `home` is alive.
+  void Add(const std::string& name, std::shared_ptr<void> object,
+           const std::shared_ptr<Process>& home);
   // Removes the service if `object` is still registered under the name.
   void Remove(const std::string& name, const std::shared_ptr<void>& object);
 
@@ -41,7 +45,11 @@ class Registry {
 
   // Guarded by mutex_.
   std::set<std::string> declared_;
-  std::map<std::string, std::shared_ptr<void>> objects_;
+  struct Entry {
+    std::shared_ptr<void> object;
+    std::weak_ptr<Process> home;
+  };
+  std::map<std::string, Entry> objects_;
   bool failing_ = false;
   std::chrono::milliseconds delay_{0};
   mutable int waiting_ = 0;

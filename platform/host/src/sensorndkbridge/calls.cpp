@@ -2,13 +2,12 @@
 #include "sensorndkbridge/calls.h"
 
 #include <algorithm>
-#include <cstdio>
-#include <cstdlib>
 #include <iterator>
 #include <map>
 #include <mutex>
 #include <utility>
 
+#include "device/misuse.h"
 #include "sensorndkbridge/looper.h"
 
 namespace fp_host {
@@ -58,14 +57,13 @@ Observation& Get() {
 
 void CheckName(const std::string& function) {
   if (std::find(std::begin(kFunctions), std::end(kFunctions), function) == std::end(kFunctions)) {
-    fprintf(stderr, "the stand-in of the sensor bridge has no %s()\n", function.c_str());
-    abort();
+    AbortForMisuse("The stand-in of the sensor bridge has no " + function + "().");
   }
 }
 
 }  // namespace
 
-bool AreCallsObserved() { return Get().active; }
+bool AreCallsInstrumented() { return Get().active; }
 
 void RunHook(const char* function, Moment moment) {
   std::function<void()> action;
@@ -112,15 +110,14 @@ void RecordCall(const char* function, std::initializer_list<std::string> argumen
   Get().calls.push_back({std::this_thread::get_id(), text + " = " + result});
 }
 
-void AbortOver(const char* function, const std::string& argument) {
-  fprintf(stderr, "%s() was called with %s\n", function, argument.c_str());
-  abort();
+void AbortForArgument(const char* function, const std::string& argument) {
+  AbortForMisuse(std::string(function) + "() was called with " + argument + ".");
 }
 
 void ReportDeadHandle(const char* function, const std::string& handle) {
   ++Get().dead_handle_uses;
   if (!Get().counts_dead_handles) {
-    AbortOver(function, handle + ", which is gone");
+    AbortForArgument(function, handle + ", which is gone");
   }
 }
 

@@ -14,7 +14,7 @@
 namespace fp_host {
 
 // Whether a hook or a fault is set or calls are recorded.
-bool AreCallsObserved();
+bool AreCallsInstrumented();
 
 enum class Moment { kBefore, kAfter };
 void RunHook(const char* function, Moment moment);
@@ -29,7 +29,7 @@ void RecordCall(const char* function, std::initializer_list<std::string> argumen
                 const std::string& result);
 
 // Aborts for a call that would crash on a device, or that is not simulated.
-[[noreturn]] void AbortOver(const char* function, const std::string& argument);
+[[noreturn]] void AbortForArgument(const char* function, const std::string& argument);
 
 // Aborts, or counts the use after CountDeadHandleUses().
 void ReportDeadHandle(const char* function, const std::string& handle);
@@ -59,7 +59,7 @@ std::string TextOf(const Value& value) {
 template <typename Work, typename... Arguments>
 auto PlatformCall(const char* function, Work work, Arguments... arguments) {
   (CheckHandle(function, arguments), ...);
-  if (!AreCallsObserved()) {
+  if (!AreCallsInstrumented()) {
     return work();
   }
   using Result = decltype(work());

@@ -9,8 +9,8 @@
 
 int ALooper::Poll(int timeout_ms) {
   std::optional<int> fault;
-  const auto is_due = [this, &fault] {
-    if (fp_host::AreCallsObserved()) {
+  const auto has_result = [this, &fault] {
+    if (fp_host::AreCallsInstrumented()) {
       fault = fp_host::TakeFault("ALooper_pollOnce");
     }
     return fault || awoken_ || !ready_.empty();
@@ -18,9 +18,9 @@ int ALooper::Poll(int timeout_ms) {
   std::unique_lock lock(mutex_);
   ++waiting_;
   if (timeout_ms < 0) {
-    changed_.wait(lock, is_due);
+    changed_.wait(lock, has_result);
   } else {
-    changed_.wait_for(lock, std::chrono::milliseconds(timeout_ms), is_due);
+    changed_.wait_for(lock, std::chrono::milliseconds(timeout_ms), has_result);
   }
   --waiting_;
   if (fault) {
@@ -76,7 +76,7 @@ ALooper& TheLooper() {
   return *looper;
 }
 
-bool ArePollersIdle(int threads) { return TheLooper().IsIdle(threads); }
+bool ArePollersWaiting(int threads) { return TheLooper().IsIdle(threads); }
 
 }  // namespace fp_host
 
@@ -99,7 +99,7 @@ int ALooper_pollOnce(int timeout_ms, int* /*out_fd*/, int* /*out_events*/, void*
 
 void ALooper_wake(ALooper* looper) {
   if (looper == nullptr) {
-    fp_host::AbortOver("ALooper_wake", "null");
+    fp_host::AbortForArgument("ALooper_wake", "null");
   }
   PlatformCall(
       "ALooper_wake",

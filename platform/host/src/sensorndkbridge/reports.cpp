@@ -93,9 +93,9 @@ bool SensorService::ReportCurrentValue(ASensorEventQueue& queue, const ASensor& 
   return true;
 }
 
-void SetLux(float lux) { SensorService::Get().ReportLux({lux}); }
-void SetLux(const std::vector<float>& readings) { SensorService::Get().ReportLux(readings); }
-void LongPress(int times) { SensorService::Get().ReportLongPresses(times); }
+void ReportLux(float lux) { SensorService::Get().ReportLux({lux}); }
+void ReportLux(const std::vector<float>& readings) { SensorService::Get().ReportLux(readings); }
+void ReportLongPress(int times) { SensorService::Get().ReportLongPresses(times); }
 void PushSensorEvents(const std::vector<ASensorEvent>& events) {
   SensorService::Get().Push(events);
 }

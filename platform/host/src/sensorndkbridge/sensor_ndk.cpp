@@ -9,7 +9,7 @@
 #include "sensorndkbridge/handles.h"
 #include "sensorndkbridge/service.h"
 
-using fp_host::AbortOver;
+using fp_host::AbortForArgument;
 using fp_host::PlatformCall;
 using fp_host::SensorService;
 
@@ -50,7 +50,7 @@ ASensorEventQueue* ASensorManager_createEventQueue(ASensorManager* manager, ALoo
                                                    int ident, ALooper_callbackFunc callback,
                                                    void* /*data*/) {
   if (callback != nullptr) {
-    AbortOver("ASensorManager_createEventQueue", "a callback, which is not simulated");
+    AbortForArgument("ASensorManager_createEventQueue", "a callback, which is not simulated");
   }
   return PlatformCall(
       "ASensorManager_createEventQueue",
@@ -69,7 +69,7 @@ int ASensorManager_destroyEventQueue(ASensorManager* manager, ASensorEventQueue*
 int ASensorEventQueue_registerSensor(ASensorEventQueue* queue, const ASensor* sensor,
                                      int32_t period_us, int64_t latency_us) {
   if (queue != nullptr && sensor == nullptr) {
-    AbortOver("ASensorEventQueue_registerSensor", "a null sensor");
+    AbortForArgument("ASensorEventQueue_registerSensor", "a null sensor");
   }
   return PlatformCall(
       "ASensorEventQueue_registerSensor",

@@ -186,10 +186,10 @@ ssize_t SensorService::GetEvents(ASensorEventQueue* queue, ASensorEvent* events,
 void SetSensors(std::vector<FakeSensor> sensors) {
   SensorService::Get().SetSensors(std::move(sensors));
 }
-void StopSensorService(WhileDown while_down) { SensorService::Get().Stop(while_down); }
+void KillSensorService(WhileDown while_down) { SensorService::Get().Stop(while_down); }
 void StartSensorService() { SensorService::Get().Start(); }
 void RestartSensorService() {
-  StopSensorService(WhileDown::kWait);
+  KillSensorService(WhileDown::kWait);
   StartSensorService();
 }
 SensorUsage GetSensorUsage() { return SensorService::Get().GetUsage(); }

@@ -6,8 +6,6 @@
 
 #include <aidl/com/norvan/hardware/kestra/display/BnDisplay.h>
 
-#include "services/aidl_objects.h"
-
 namespace fp_host {
 
 using aidl::com::norvan::hardware::kestra::display::BnDisplay;
@@ -40,7 +38,7 @@ class DisplayService::Implementation : public BnDisplay {
 };
 
 DisplayService::DisplayService()
-    : RemoteService(BnDisplay::makeServiceName("default")), state_(std::make_shared<State>()) {}
+    : AidlService(BnDisplay::makeServiceName("default")), state_(std::make_shared<State>()) {}
 
 DisplayService::~DisplayService() = default;
 
@@ -56,21 +54,15 @@ bool DisplayService::IsLhbmOn() const {
   return state_->lhbm_on;
 }
 
-std::vector<bool> DisplayService::GetRequests() const {
+std::vector<bool> DisplayService::TakeRequests() {
   const std::lock_guard lock(state_->mutex);
-  return state_->requests;
+  return std::exchange(state_->requests, {});
 }
 
-std::shared_ptr<void> DisplayService::MakeService(const std::shared_ptr<ipc::Process>& process) {
-  {
-    const std::lock_guard lock(state_->mutex);
-    state_->lhbm_on = false;
-  }
-  return Publish(ndk::SharedRefBase::make<Implementation>(state_)->asBinder(), process);
-}
-
-std::shared_ptr<void> DisplayService::MakeImpostor(const std::shared_ptr<ipc::Process>& process) {
-  return PublishUnknownInterface(process);
+ndk::SpAIBinder DisplayService::MakeBinder() {
+  const std::lock_guard lock(state_->mutex);
+  state_->lhbm_on = false;
+  return ndk::SharedRefBase::make<Implementation>(state_)->asBinder();
 }
 
 }  // namespace fp_host

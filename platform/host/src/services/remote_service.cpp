@@ -13,11 +13,13 @@ using ipc::Registry;
 
 void SetServiceManagerFailing(bool failing) { Registry::Get().SetFailing(failing); }
 
-void SetLookUpDelay(std::chrono::milliseconds delay) { Registry::Get().SetDelay(delay); }
+void SetServiceWaitDelay(std::chrono::milliseconds delay) { Registry::Get().SetDelay(delay); }
 
-bool WaitForWaitingThreads(int threads) { return Registry::Get().WaitForWaiting(threads); }
+bool WaitForServiceWaiters(int threads) { return Registry::Get().WaitForWaiting(threads); }
 
-bool WaitForPools() { return ipc::BinderPool().WaitUntilIdle() && ipc::HidlPool().WaitUntilIdle(); }
+bool WaitUntilBinderPoolsIdle() {
+  return ipc::BinderPool().WaitUntilIdle() && ipc::HidlPool().WaitUntilIdle();
+}
 
 RemoteService::RemoteService(std::string instance)
     : instance_(std::move(instance)), plan_(std::make_shared<ipc::CallPlan>()) {}
@@ -42,7 +44,7 @@ void RemoteService::StartObject(Maker make) {
   }
   process_ = std::make_shared<Process>(plan_);
   const std::shared_ptr<void> object = (this->*make)(process_);
-  Registry::Get().Add(instance_, object);
+  Registry::Get().Add(instance_, object, process_);
   // The first observer, so that clients that are notified later do not find the dead service.
   process_->OnDeath([instance = instance_, object] { Registry::Get().Remove(instance, object); });
 }
@@ -93,11 +95,11 @@ void RemoteService::Release() {
 bool RemoteService::WaitForHeldCalls(int calls) const {
   std::unique_lock lock(plan_->mutex);
   return plan_->changed.wait_for(lock, std::chrono::seconds(10),
-                                 [&] { return plan_->held >= calls; });
+                                 [&] { return plan_->in_progress >= calls; });
 }
 
 void RemoteService::Repair() {
-  DieAtCall(0, Death::kBefore);
+  DieAtCall(0, Death::kBeforeCall);
   SetDelay(std::chrono::milliseconds(0));
   Release();
   Accept();

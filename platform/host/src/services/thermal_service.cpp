@@ -11,7 +11,7 @@
 
 #include <aidl/android/hardware/thermal/BnThermal.h>
 
-#include "services/aidl_objects.h"
+#include "ipc/process.h"
 
 namespace fp_host {
 
@@ -157,7 +157,7 @@ class ThermalService::Implementation : public BnThermal {
 };
 
 ThermalService::ThermalService()
-    : RemoteService(BnThermal::makeServiceName("default")), state_(std::make_shared<State>()) {}
+    : AidlService(BnThermal::makeServiceName("default")), state_(std::make_shared<State>()) {}
 
 ThermalService::~ThermalService() = default;
 
@@ -203,17 +203,17 @@ std::vector<std::string> ThermalService::TakeCalls() {
   return {calls.begin(), calls.end()};
 }
 
+ndk::SpAIBinder ThermalService::MakeBinder() {
+  return ndk::SharedRefBase::make<Implementation>(state_)->asBinder();
+}
+
 std::shared_ptr<void> ThermalService::MakeService(const std::shared_ptr<ipc::Process>& process) {
   process->OnDeath([state = state_] {
     std::vector<State::Registration> forgotten;  // destroyed after the lock is released
     const std::lock_guard lock(state->mutex);
     forgotten.swap(state->registrations);
   });
-  return Publish(ndk::SharedRefBase::make<Implementation>(state_)->asBinder(), process);
-}
-
-std::shared_ptr<void> ThermalService::MakeImpostor(const std::shared_ptr<ipc::Process>& process) {
-  return PublishUnknownInterface(process);
+  return AidlService::MakeService(process);
 }
 
 }  // namespace fp_host

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "golden/bare_platform.h"
+#include "golden/stub_platform.h"
 
 #include <cstdio>
 
@@ -25,8 +25,8 @@ namespace android::base {
 
 template <typename Number>
 Number GetUintProperty(const std::string& name, Number default_value, Number /*max*/) {
-  const auto set = fp_golden::properties.find(name);
-  return set == fp_golden::properties.end() ? default_value : set->second;
+  const auto found = fp_golden::properties.find(name);
+  return found == fp_golden::properties.end() ? default_value : found->second;
 }
 template uint32_t GetUintProperty(const std::string&, uint32_t, uint32_t);
 
