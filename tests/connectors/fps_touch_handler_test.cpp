@@ -372,10 +372,10 @@ TEST_F(FpsTouchHandlerTest, FailingPollSaysNothingAboutTheDevice) {
   node_.Push({{}});
   EXPECT_EQ((std::vector{10}), pauses.Take(1));
   EXPECT_EQ(1u, CountLinesWith(TakeLog(), "poll failed (errno=12)"));
-  fp_host::SetFault({.function = "poll", .calls = fp_host::Fault::kForever, .error = ENOMEM});
+  SetFault({.function = "poll", .calls = Fault::kForever, .error = ENOMEM});
   node_.Push({{}});
   EXPECT_TRUE(Eventually([] { return naps >= 3; })) << "no busy loop where the pause fails too";
-  fp_host::ClearFaults();
+  ClearFaults();
   node_.HangUp();
   EXPECT_TRUE(Eventually([] { return CountLinesWith(TakeLog(), "touch device failed") == 1; }));
 }
