@@ -6,151 +6,20 @@
 
 #include <algorithm>
 #include <atomic>
-#include <charconv>
 #include <cstdio>
 #include <filesystem>
 #include <thread>
 
+#include "inputs.h"
 #include "model/compare.h"
 #include "model/replay.h"
-#include "model/timeline.h"
 #include "output/output.h"
-#include "reading/dump_line.h"
-#include "reading/read.h"
+#include "reading/input.h"
 
 namespace fp_inspect {
 namespace {
 
 namespace fs = std::filesystem;
-
-// The result of reading one input: its contents, or the reason why there are none.
-struct ReadResult {
-  std::string path;
-  Contents contents = {};
-  std::string error = {};
-  std::string warning = {};
-};
-
-// Reports how reading a command's inputs went, and determines the exit code.
-class Outcome {
- public:
-  explicit Outcome(Output& output) : output_(output) {}
-
-  // Reports the errors and warnings of an input; true if there are none.
-  bool Report(const ReadResult& result) {
-    if (!result.warning.empty()) {
-      output_.PutWarning(result.path, result.warning);
-    }
-    if (!result.error.empty()) {
-      output_.PutFailure(result.path, result.error);
-    }
-    has_failed_ |= !result.error.empty();
-    has_records_ |= !result.contents.snapshots.empty();
-    is_damaged_ |= result.contents.damage_count > 0;
-    return result.error.empty() && result.warning.empty();
-  }
-
-  int Code() {
-    if (fflush(stdout) != 0 || ferror(stdout) != 0) {
-      PrintErrorf("cannot write the output");
-      return kFailed;
-    }
-    if (has_failed_) {
-      return kFailed;
-    }
-    if (!has_records_) {
-      PrintErrorf("no record in any input");
-      return is_damaged_ ? kDamaged : kNoRecord;
-    }
-    return is_damaged_ ? kDamaged : kDone;
-  }
-
- private:
-  Output& output_;
-  bool has_failed_ = false;
-  bool has_records_ = false;
-  bool is_damaged_ = false;
-};
-
-// Reads a file, or the files of a folder. Of a folder, leaves out the files without records, damage
-// or errors.
-std::vector<ReadResult> ReadAll(const std::string& input, InputKind kind) {
-  std::vector<ReadResult> results;
-  const auto read = [&](const std::string& path, bool is_named) {
-    ReadResult result = {.path = path};
-    try {
-      result.contents = ReadInput(path, kind);
-    } catch (const InputError& error) {
-      result.error = error.what();
-    }
-    if (is_named || !result.error.empty() || !result.contents.snapshots.empty() ||
-        result.contents.damage_count > 0) {
-      results.push_back(std::move(result));
-    }
-  };
-  if (!IsFolder(input)) {
-    read(input, true);
-    return results;
-  }
-  try {
-    size_t left_out = 0;
-    for (const std::string& file : FilesBelow(input, &left_out)) {
-      read(file, false);
-    }
-    if (left_out > 0) {
-      results.push_back(
-          {.path = input,
-           .warning = fmt::format("{}: entries skipped (links to folders, pipes, devices): {}",
-                                  input, left_out)});
-    }
-  } catch (const InputError& error) {
-    results.push_back({.path = input, .error = error.what()});
-  }
-  return results;
-}
-
-void AddTo(DeviceBuilder* builder, std::vector<ReadResult> results, Outcome* outcome) {
-  for (ReadResult& result : results) {
-    if (outcome->Report(result)) {
-      builder->Add(std::move(result.contents));
-    }
-  }
-}
-
-int64_t ParseTime(const std::string& text, const Zone& zone) {
-  if (text.starts_with('@')) {
-    int64_t epoch = 0;
-    std::from_chars(text.data() + 1, text.data() + text.size(), epoch);
-    return epoch;
-  }
-  constexpr std::string_view kMidnight = "0000-00-00 00:00:00";
-  return zone.ToEpoch(ReadWallTime(text + std::string(kMidnight.substr(text.size()))).value_or(0));
-}
-
-void KeepPeriod(Device* device, const Options& options) {
-  if (options.since.empty() && options.until.empty()) {
-    return;
-  }
-  const Zone zone(device->zone);
-  const int64_t since = options.since.empty() ? INT64_MIN : ParseTime(options.since, zone);
-  const int64_t until = options.until.empty() ? INT64_MAX : ParseTime(options.until, zone);
-  for (Timeline& timeline : device->timelines) {
-    std::erase_if(timeline.records, [&](const Record& record) {
-      return record.GetKind() != RecordKind::kFingerSize &&
-             (record.time < since || record.time >= until);
-    });
-  }
-}
-
-Device ReadDevice(const Options& options, Outcome* outcome) {
-  DeviceBuilder builder(options.zone, options.salvage);
-  for (const std::string& input : options.inputs) {
-    AddTo(&builder, ReadAll(input, options.kind), outcome);
-  }
-  Device device = builder.Finish();
-  KeepPeriod(&device, options);
-  return device;
-}
 
 // Each input is a device, except that a folder has one device per entry, unless it is the file tree
 // of one device.
@@ -208,15 +77,6 @@ void ShowProgress(size_t done, size_t all) {
 }
 
 }  // namespace
-
-bool IsValidTime(const std::string& text) {
-  if (text.starts_with('@')) {
-    return text.size() > 1 && text.find_first_not_of("0123456789", 1) == text.npos;
-  }
-  constexpr std::string_view kMidnight = "0000-00-00 00:00:00";
-  return (text.size() == 10 || text.size() == 16 || text.size() == 19) &&
-         ReadWallTime(text + std::string(kMidnight.substr(text.size()))).has_value();
-}
 
 int RunSummary(const Options& options) {
   const auto output = MakeOutput(options.format);

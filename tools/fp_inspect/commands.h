@@ -43,8 +43,4 @@ int RunFleet(const Options& options);
 int RunReplay(const Options& options);
 int RunCompare(const Options& options);
 
-// Whether `text` is a valid `since` or `until`: "2026-03-04", optionally followed by " 05:06" or
-// " 05:06:07", or "@" followed by seconds since the epoch.
-bool IsValidTime(const std::string& text);
-
 }  // namespace fp_inspect

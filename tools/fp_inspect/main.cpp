@@ -16,6 +16,7 @@
 #include <android/log.h>
 
 #include "commands.h"
+#include "inputs.h"
 #include "model/zone.h"
 #include "output/output.h"
 #include "self_description.h"

@@ -1,28 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <fmt/format.h>
 
-#include <cmath>
-
 #include "output/output.h"
+#include "output/words.h"
 
 namespace fp_inspect {
 namespace {
-
-std::string ExpoText(const ExposureStep& step) {
-  return std::isnan(step.expo) ? "" : fmt::format(", {:.3f} ms", step.expo);
-}
-
-std::string SampleText(const Run& run, const Sample& sample, const Zone& zone) {
-  return fmt::format(
-      "{} attempts since {}: {} of {} images rejected, mean iq {:.2f}, mean raw {:.2f}",
-      sample.last - sample.first + 1, zone.Text(run.times[sample.first], "%H:%M:%S"),
-      sample.rejected, sample.images, sample.avg_iq, sample.avg_raw_mean);
-}
-
-std::string StepText(const Run& run, const ExposureStep& step, const Zone& zone) {
-  return fmt::format("step {} to {}{}, based on {}", step.up ? "up" : "down", step.step,
-                     ExpoText(step), SampleText(run, step.sample, zone));
-}
 
 std::string ExposureText(const Exposure& exposure) {
   return fmt::format("{} attempts, FRR {:.2f} %, mean iq {:.2f}, mean raw {:.2f}",

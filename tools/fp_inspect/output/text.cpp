@@ -7,6 +7,7 @@
 #include <cstdlib>
 
 #include "output/output.h"
+#include "output/words.h"
 
 namespace fp_inspect {
 namespace {
@@ -18,37 +19,10 @@ bool IsColoured() {
          term != nullptr && std::string(term) != "dumb";
 }
 
-std::string Percent(double share) { return fmt::format("{:.0f} %", 100 * share); }
-
-std::string RangeText(const Share& share) {
-  const Interval range = share.Range();
-  return fmt::format("{:.0f}..{:.0f}", 100 * range.low, 100 * range.high);
-}
-
-// With few records no percentage is shown.
-std::string ShareText(const Share& share) {
-  if (!share.IsLarge()) {
-    return fmt::format("{} of {}", share.k, share.n);
-  }
-  return fmt::format("{} of {} = {}", share.k, share.n, Percent(share.Value()));
-}
-
-// With few records no mean is shown, only their number.
-std::string SideText(const CompareRow& row, const BurstSum& side) {
-  if (row.is_share) {
-    return ShareText({.k = static_cast<size_t>(side.sum), .n = side.n});
-  }
-  return side.n < 20
-             ? fmt::format("n = {}", side.n)
-             : fmt::format("mean {:.0f}, n = {}", side.sum / static_cast<double>(side.n), side.n);
-}
-
 // Prints a table row without trailing blanks.
 void PutRow(const std::string& row) {
   fmt::print("{}\n", row.substr(0, row.find_last_not_of(' ') + 1));
 }
-
-constexpr const char* kMinute = "%Y-%m-%d %H:%M";
 
 class TextOutput : public Output {
  public:
@@ -134,19 +108,11 @@ class TextOutput : public Output {
     PutRow(fmt::format("{:<46}{:<20}{:<20}{:>12}{:>10}", "", comparison.change ? "before" : "A",
                        comparison.change ? "since" : "B", "95 %", "p"));
     for (const CompareRow& row : comparison.rows) {
-      const double scale = row.is_share ? 100 : 1;
       PutRow(fmt::format("{} {:<44}{:<20}{:<20}{:>12}{:>10}", row.IsSignificant() ? Mark("!") : " ",
                          Printable(row.title), SideText(row, row.a), SideText(row, row.b),
-                         row.HasInterval()
-                             ? fmt::format("{:+.0f}..{:+.0f}", scale * row.difference.low,
-                                           scale * row.difference.high)
-                             : "",
-                         row.p ? fmt::format("{:.2g}", *row.p) : ""));
+                         DifferenceText(row), PText(row)));
     }
-    fmt::print(
-        "covered: t_cov of 60 % or more; 95 %: interval of the difference, for shares assuming "
-        "independent attempts; p: by bursts, corrected for {} rows\n",
-        comparison.tested);
+    fmt::print("{}\n", CompareNote(comparison));
   }
 
   void PutFleet(const Fleet& fleet, size_t top) override {
