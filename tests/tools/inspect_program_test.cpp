@@ -42,9 +42,11 @@ struct Result {
 
 class InspectProgram : public ::testing::Test {
  protected:
+  Result Run(const std::string& arguments) const { return Shell(FP_INSPECT " " + arguments); }
+
   // With the folder of the test as working directory; what is written to both outputs.
-  Result Run(const std::string& arguments) const {
-    const std::string command = "cd " + folder_.string() + " && TZ=UTC " FP_INSPECT " " + arguments;
+  Result Shell(const std::string& line) const {
+    const std::string command = "export TZ=UTC; cd " + folder_.string() + " && " + line;
     FILE* pipe =
         popen((command + (command.find("2>") == command.npos ? " 2>&1" : "")).c_str(), "r");
     std::string output;
@@ -90,7 +92,7 @@ TEST_F(InspectProgram, ExitCodesAndMessages) {
     const char* output;  // a part of it
   } kCases[] = {
       {"--help", 0, "Exit codes: 0 success"},
-      {"", 2, "summary, list, verify, fleet, replay or compare"},
+      {"", 2, "summary, list, verify, fleet, replay, compare or report"},
       {"summary", 2, "inputs is required"},
       {"list good --where nose=1", 2, "\"nose\" is not a numeric field"},
       {"list good --where reason", 2, "e.g. t_cov<60"},
@@ -127,6 +129,14 @@ TEST_F(InspectProgram, ExitCodesAndMessages) {
       {"compare good -- empty", 3, "one side has no attempts"},
       {"compare good -- nothing --exit-code", 1, "nothing: No such file"},
       {"compare cut -- good", 4, "No significant difference"},
+      {"report good", 2, "--output is required"},
+      {"report tree good -o tree/data/x", 1, "tree/data/x: is one of the inputs"},
+      {"report good -- empty -o empty", 1, "empty: is one of the inputs"},
+      {"report good -o pipe", 1, "pipe: is not a regular file"},
+      {"report good -o no/page", 1, "no/page: No such file"},
+      {"report empty -o page", 3, "no record in any input"},
+      {"report good nothing -o page", 1, "nothing: No such file"},
+      {"report good -- cut -o page", 4, "damage at byte 565"},
       {"verify good cut", 4, "cut: text of 614 bytes, 3 sections, 3 records\n  ! byte 565 (92 %)"},
       {"summary good 2>&1 >/dev/full", 1, "fp_inspect: "},
       {"summary good >/dev/full", 1, ""},
@@ -209,6 +219,24 @@ TEST_F(InspectProgram, ComparisonOfTwoGroups) {
   EXPECT_EQ(0u,
             table.find("id,title,a_n,a_sum,b_n,b_sum,low,high,p\nno_image,no image,40,0,40,40,"))
       << table;
+}
+
+TEST_F(InspectProgram, PageIsWrittenAsAWhole) {
+  Write("good", kDump);
+  Write("<b>\"&", kDump);
+  ASSERT_EQ(0, Run("report good -- '<b>\"&' -o page").exit_code);
+  const std::string page = Shell("cat page").output;
+  for (const char* part : {"B: &lt;b&gt;&quot;&amp;", "bad \ufffd ?[31m text",
+                           "No significant difference", "</html>\n"}) {
+    EXPECT_NE(std::string::npos, page.find(part)) << part;
+  }
+
+  // Files of more than 512 bytes cannot be written here.
+  const Result full = Shell("ulimit -f 1; trap '' XFSZ; " FP_INSPECT " report good -o page");
+  EXPECT_EQ(1, full.exit_code);
+  EXPECT_EQ("fp_inspect: page: File too large\n", full.output);
+  EXPECT_EQ(page, Shell("cat page").output) << "the old page stays";
+  EXPECT_EQ("<b>\"&\ngood\npage\n", Shell("LC_ALL=C ls").output) << "no temporary file stays";
 }
 
 // A report and the file tree of one device, which round floats differently, are one timeline.

@@ -30,6 +30,7 @@ struct Options {
   bool check_replay = false;
   bool fit_sensor = false;
   std::vector<std::string> side_b_inputs;  // of a comparison
+  std::string page;                        // the file that `report` writes
   bool since_when = false;
   bool exit_code = false;
 };
@@ -42,5 +43,6 @@ int RunVerify(const Options& options);
 int RunFleet(const Options& options);
 int RunReplay(const Options& options);
 int RunCompare(const Options& options);
+int RunReport(const Options& options);
 
 }  // namespace fp_inspect

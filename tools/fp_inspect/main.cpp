@@ -159,6 +159,15 @@ struct ReplayArguments {
   std::string sweep;
 };
 
+void AddCalibration(CLI::App* command, ReplayArguments* arguments) {
+  command
+      ->add_option(
+          "--calibration", arguments->calibration,
+          "calibrated exposure in ms and exposure base, e.g. 60:300; without it, bounds are "
+          "not applied")
+      ->type_name("MS:BASE");
+}
+
 void AddReplay(CLI::App* app, Options* options, ReplayArguments* arguments) {
   CLI::App* const command = app->add_subcommand(
       "replay",
@@ -167,12 +176,7 @@ void AddReplay(CLI::App* app, Options* options, ReplayArguments* arguments) {
   AddInputs(command, options);
   AddDevice(command, options);
   AddFormat(command, options, {"text", "jsonl"});
-  command
-      ->add_option(
-          "--calibration", arguments->calibration,
-          "calibrated exposure in ms and exposure base, e.g. 60:300; without it, bounds are "
-          "not applied")
-      ->type_name("MS:BASE");
+  AddCalibration(command, arguments);
   command
       ->add_option("--set", arguments->settings,
                    "controller setting to change, e.g. frr_threshold=10; repeatable, all apply")
@@ -234,6 +238,21 @@ void AddCompare(CLI::App* app, Options* options) {
   AddFormat(command, options, {"text", "jsonl", "csv"});
 }
 
+void AddReport(CLI::App* app, Options* options, ReplayArguments* arguments) {
+  CLI::App* const command = app->add_subcommand(
+      "report",
+      "Write an HTML page with the findings and figures of one device, or of two devices and their "
+      "differences: report A... -- B...");
+  AddInputs(command, options);
+  command->add_option("--against", options->side_b_inputs, "the inputs of side B; same as --")
+      ->type_name("IN");
+  command->add_option("-o,--output", options->page, "HTML file to write; it needs no other file")
+      ->required()
+      ->type_name("PAGE");
+  AddPeriod(command, options);
+  AddCalibration(command, arguments);
+}
+
 void ParseConditions(const std::vector<std::string>& conditions, Filter* filter) {
   for (const std::string& text : conditions) {
     std::string why;
@@ -258,11 +277,13 @@ int Main(int argc, char** argv) {
   AddFleet(&app, &options);
   AddReplay(&app, &options, &replay);
   AddCompare(&app, &options);
+  AddReport(&app, &options, &replay);
   app.add_option("--describe", form)->check(CLI::IsMember({"man", "bash", "zsh"}))->group("");
   app.require_subcommand(0, 1);
   static char against[] = "--against";
   for (int i = 2; i < argc; ++i) {
-    if (std::string_view(argv[1]) == "compare" && std::string_view(argv[i]) == "--") {
+    const std::string_view command = argv[1];
+    if ((command == "compare" || command == "report") && std::string_view(argv[i]) == "--") {
       argv[i] = against;
     }
   }
@@ -275,7 +296,7 @@ int Main(int argc, char** argv) {
       return kDone;
     }
     if (app.get_subcommands().empty()) {
-      throw CLI::RequiredError("summary, list, verify, fleet, replay or compare");
+      throw CLI::RequiredError("summary, list, verify, fleet, replay, compare or report");
     }
     if (app.got_subcommand("compare") && options.side_b_inputs.empty() && !options.since_when) {
       throw CLI::RequiredError("-- IN... for side B, or --since-when,");
@@ -287,8 +308,8 @@ int Main(int argc, char** argv) {
   setenv("TZ", ":/etc/localtime", 0);
   __android_log_set_minimum_priority(ANDROID_LOG_SILENT);  // the tool reports damage itself
   const std::map<std::string, int (*)(const Options&)> commands = {
-      {"summary", RunSummary}, {"list", RunList},     {"verify", RunVerify},
-      {"fleet", RunFleet},     {"replay", RunReplay}, {"compare", RunCompare}};
+      {"summary", RunSummary}, {"list", RunList},       {"verify", RunVerify}, {"fleet", RunFleet},
+      {"replay", RunReplay},   {"compare", RunCompare}, {"report", RunReport}};
   try {
     return commands.at(app.get_subcommands().front()->get_name())(options);
   } catch (const std::exception& error) {
