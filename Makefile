@@ -3,7 +3,7 @@
 
 .DEFAULT_GOAL := help
 .PHONY: help build demo inspect-demo test check bench fuzz coverage mutate lint docs docs-check package abi \
-  format stats clean test-clang test-asan test-tsan device-like aarch64 bench-build bench-once \
+  format stats clean test-clang test-asan test-tsan device-like aarch64 report-check bench-build bench-once \
   abi-library abi-check package-check
 
 FUZZ_SECONDS ?= 60
@@ -118,6 +118,10 @@ docs:  ## the API reference, below build/docs/html
 docs-check: build  ## run the commands of the pages, and check their links
 	@scripts/setup lint
 	scripts/docs_check
+
+report-check: build  ## open pages of fp_inspect in a headless browser, and look for what is wrong
+	@scripts/setup build test browser
+	scripts/check_report build/release
 
 package: build  ## Debian packages of the library with its headers, and of the tools
 	@scripts/setup package
