@@ -123,7 +123,7 @@ report-check: build  ## open pages of fp_inspect in a headless browser, and look
 	@scripts/setup build test browser
 	scripts/check_report build/release
 
-package: build  ## Debian packages of the library with its headers, and of the tools
+package: build  ## Debian packages of the library, of the tools and of the simulated phone
 	@scripts/setup package
 	cd build/release && cpack -G DEB
 

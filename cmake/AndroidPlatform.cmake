@@ -1,6 +1,9 @@
 # Debian's builds of the Android platform libraries, as the target fp_utils_android. They have no
 # pkg-config files, and headers and libraries in folders of their own. Also installed beside the
 # CMake package, which needs the same.
+if(TARGET fp_utils_android)  # a project may look for packages several times
+  return()
+endif()
 find_path(ANDROID_INCLUDE_DIR android-base/properties.h
   PATHS /usr/include/android NO_DEFAULT_PATH REQUIRED)
 add_library(fp_utils_android INTERFACE IMPORTED)

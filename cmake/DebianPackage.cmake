@@ -11,6 +11,7 @@ set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_RESOURCE_FILE_LICENSE "${PROJECT_SOURCE_DIR}/LICENSE")
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_STRIP_FILES ON)
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "")  # CPack puts it above each description
 
 # What Debian expects in every package. DESCRIPTION begins with its one-line summary.
 set(debian_files "${PROJECT_BINARY_DIR}/debian")
@@ -46,6 +47,14 @@ set(CPACK_DEBIAN_UNSPECIFIED_PACKAGE_CONTROL_EXTRA
   "${PROJECT_SOURCE_DIR}/cmake/debian/triggers" "${debian_files}/shlibs")
 
 if(FP_UTILS_BUILD_TESTS)
+  fp_utils_debian_package(host libfp-utils-host-dev libdevel
+    "fp-utils-dev (= ${PROJECT_VERSION}), libc6 (>= 2.34), libgcc-s1 (>= 3.0), libstdc++6 (>= 12), libgtest-dev"
+    "simulated phone for tests of Android services
+On it a service of an Android device runs on a Linux machine: a file tree, a
+touch node, sensors, display and thermal services that a test can kill, delay
+and restart, system calls that fail, and a wall clock that a test sets.
+The package has headers, libraries, a GoogleTest fixture, a CMake package and
+pkg-config files.")
   fp_utils_debian_package(tools fp-utils-tools utils
     "fp-utils-dev (= ${PROJECT_VERSION}), libc6 (>= 2.34), libgcc-s1 (>= 3.0), libstdc++6 (>= 12), libfmt9"
     "reader of fingerprint dumps and histories
