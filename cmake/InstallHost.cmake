@@ -40,3 +40,7 @@ foreach(pc IN ITEMS fp_host.pc fp_host-testing.pc)
   install(FILES "${PROJECT_BINARY_DIR}/${pc}"
     DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig" COMPONENT host)
 endforeach()
+
+# Complete projects to begin with. Only the Debian package has a place for them.
+install(DIRECTORY "${PROJECT_SOURCE_DIR}/examples/outside/"
+  DESTINATION share/doc/libfp-utils-host-dev/examples COMPONENT host EXCLUDE_FROM_ALL)
