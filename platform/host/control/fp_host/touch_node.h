@@ -3,6 +3,7 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -23,6 +24,34 @@ struct TouchRecord {
 
 // A buffer of records as one read of the device returns it.
 std::string EncodeTouchRecords(const std::vector<TouchRecord>& records);
+
+// The panel on which a recording is played, in device units. If either size is 0, the values of the
+// recording are taken as they are.
+struct TouchPanel {
+  uint16_t width = 0;
+  uint16_t height = 0;
+};
+
+enum class Pace { kRecorded, kAtOnce };
+
+// Takes the records of one report; false ends the playback.
+using PushTouchRecords = std::function<bool(const std::vector<TouchRecord>& records)>;
+
+// Plays a recording of a touch screen (multi-touch protocol B): the text of `getevent -lt`, which
+// `getevent -lp` may precede, or an evemu file. Each report of the recording becomes one of the
+// device, with a record for each contact that changed: `coords` begins with x, y, and the lengths
+// of the major and the minor axis; `angle` is the orientation; `id` is the slot; `type` is 0 for a
+// contact that begins, 1 for one that moves, 2 for one that ends; `stamp` is the recorded time in
+// microseconds. Positions are scaled from the ranges of the recording's axes to the panel, lengths
+// by the mean of both scales. A contact that was down before the recording began is left out, and
+// one that is down at its end is not lifted.
+//
+// Blocking:   sleeps until each report is due, unless the pace is kAtOnce.
+// Errors:     returns an empty text, or file, line and reason. Nothing is pushed from a recording
+//             with an error. A line has at most 1,024 bytes, a recording at most 250,000 records
+//             and a day.
+std::string PlayTouchRecording(const std::string& path, const TouchPanel& panel, Pace pace,
+                               const PushTouchRecords& push);
 
 // The simulated touch-handler device. A program that is linked with the simulated device opens the
 // node by its path and gets a real descriptor, which it polls, reads and closes. Without an object
@@ -50,6 +79,10 @@ class TouchNode {
   // reader has to run on another thread or process. False once the device is gone.
   bool Push(const std::vector<TouchRecord>& records);
   bool PushBytes(const std::string& buffer);
+
+  // Plays a recording on this device, see PlayTouchRecording().
+  std::string Play(const std::string& path, const TouchPanel& panel = {},
+                   Pace pace = Pace::kRecorded);
 
   // Like PushBytes(), but drops the buffer where that would block.
   bool TryPushBytes(const std::string& buffer);
