@@ -16,10 +16,10 @@
 #include <android/log.h>
 
 #include "commands.h"
+#include "describe/describe.h"
 #include "inputs.h"
 #include "model/zone.h"
 #include "output/output.h"
-#include "self_description.h"
 
 namespace fp_inspect {
 namespace {
@@ -269,7 +269,7 @@ int Main(int argc, char** argv) {
   std::vector<std::string> conditions;
   ReplayArguments replay;
   std::string form;
-  CLI::App app("find out from fingerprint dumps and histories why unlocks fail");
+  CLI::App app("find out from fingerprint dumps and histories why unlocks fail", "fp_inspect");
   app.footer(kFooter);
   AddSummary(&app, &options);
   AddList(&app, &options, &conditions);
@@ -292,7 +292,7 @@ int Main(int argc, char** argv) {
     ParseConditions(conditions, &options.filter);
     ParseReplay(replay, &options);
     if (!form.empty()) {
-      fmt::print("{}", Describe(app, form));
+      fmt::print("{}", fp_tools::Describe(app, form, "COMMAND [OPTION...] IN..."));
       return kDone;
     }
     if (app.get_subcommands().empty()) {

@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "self_description.h"
+#include "describe/describe.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cctype>
 #include <vector>
 
-namespace fp_inspect {
+namespace fp_tools {
 namespace {
 
 std::vector<const CLI::App*> CommandsOf(const CLI::App& app) {
@@ -42,11 +43,12 @@ std::string Spellings(const CLI::Option& option) {
   return text + value.substr(0, value.find(':'));
 }
 
-std::string ManPage(const CLI::App& app) {
-  std::string page = fmt::format(
-      ".TH FP_INSPECT 1\n.SH NAME\nfp_inspect \\- {}\n.SH SYNOPSIS\n.B fp_inspect\nCOMMAND "
-      "[OPTION...] IN...\n.SH COMMANDS\n",
-      Roff(app.get_description()));
+std::string ManPage(const CLI::App& app, const std::string& arguments) {
+  std::string title = app.get_name();
+  std::transform(title.begin(), title.end(), title.begin(), toupper);
+  std::string page =
+      fmt::format(".TH {} 1\n.SH NAME\n{} \\- {}\n.SH SYNOPSIS\n.B {}\n{}\n.SH COMMANDS\n", title,
+                  app.get_name(), Roff(app.get_description()), app.get_name(), Roff(arguments));
   for (const CLI::App* command : CommandsOf(app)) {
     page += fmt::format(".SS {}\n{}\n", command->get_name(), Roff(command->get_description()));
     for (const CLI::Option* option : OptionsOf(*command)) {
@@ -75,12 +77,12 @@ std::string Bash(const CLI::App& app) {
     cases += fmt::format("    {}) words=\"{}\" ;;\n", command->get_name(), LongNames(*command));
   }
   return fmt::format(
-      "_fp_inspect() {{\n  local words current=${{COMP_WORDS[COMP_CWORD]}}\n"
-      "  case ${{COMP_WORDS[1]}} in\n{}    *) words=\"{} --help\" ;;\n  esac\n"
+      "_{0}() {{\n  local words current=${{COMP_WORDS[COMP_CWORD]}}\n"
+      "  case ${{COMP_WORDS[1]}} in\n{1}    *) words=\"{2} --help\" ;;\n  esac\n"
       "  COMPREPLY=()\n  if [[ $COMP_CWORD -eq 1 || $current == -* ]]; then\n"
       "    COMPREPLY=($(compgen -W \"$words\" -- \"$current\"))\n  fi\n}}\n"
-      "complete -o default -F _fp_inspect fp_inspect\n",
-      cases, names);
+      "complete -o default -F _{0} {0}\n",
+      app.get_name(), cases, names);
 }
 
 std::string Zsh(const CLI::App& app) {
@@ -91,15 +93,15 @@ std::string Zsh(const CLI::App& app) {
     cases += fmt::format("    {}) compadd -- {} ;;\n", command->get_name(), LongNames(*command));
   }
   return fmt::format(
-      "#compdef fp_inspect\nif (( CURRENT == 2 )); then\n  compadd -- {}--help\n"
+      "#compdef {}\nif (( CURRENT == 2 )); then\n  compadd -- {}--help\n"
       "elif [[ $words[CURRENT] == -* ]]; then\n  case $words[2] in\n{}  esac\nelse\n  _files\nfi\n",
-      names, cases);
+      app.get_name(), names, cases);
 }
 
 }  // namespace
 
-std::string Describe(const CLI::App& app, const std::string& form) {
-  return form == "man" ? ManPage(app) : form == "bash" ? Bash(app) : Zsh(app);
+std::string Describe(const CLI::App& app, const std::string& form, const std::string& arguments) {
+  return form == "man" ? ManPage(app, arguments) : form == "bash" ? Bash(app) : Zsh(app);
 }
 
-}  // namespace fp_inspect
+}  // namespace fp_tools
