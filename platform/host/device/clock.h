@@ -6,7 +6,7 @@
 
 namespace fp_host {
 
-// The time at which the wall clock is stopped, or nothing while it runs.
-std::optional<timespec> StoppedWallClock();
+// The time of the wall clock, or nothing while it is the host's.
+std::optional<timespec> SimulatedWallClock();
 
 }  // namespace fp_host

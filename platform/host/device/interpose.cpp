@@ -3,7 +3,6 @@
 // The system calls of the simulated device. This library is linked ahead of libc, so the program,
 // the library under test and the platform's libraries call these definitions. Each maps its path,
 // checks for faults and calls libc's function.
-#include <dlfcn.h>
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/ioctl.h>
@@ -21,6 +20,7 @@
 
 #include "device/clock.h"
 #include "device/faults.h"
+#include "device/next.h"
 #include "device/touch.h"
 #include "device/tree.h"
 
@@ -28,18 +28,8 @@ namespace {
 
 using fp_host::Call;
 using fp_host::CheckFault;
+using fp_host::Next;
 using fp_host::TreePath;
-
-// libc's definition of `name`.
-template <typename Function>
-Function* Next(const char* name) {
-  auto* function = reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
-  if (function == nullptr) {
-    abort();
-  }
-  return function;
-}
-#define NEXT(name) static auto* const next = Next<decltype(name)>(#name)
 
 // Looked up when the library is loaded: the thread sanitizer calls pipe() when it starts its
 // symbolizer, where dlsym() would crash.
@@ -248,33 +238,33 @@ int close(int fd) {
 
 time_t time(time_t* out) {
   NEXT(time);
-  const auto stopped = fp_host::StoppedWallClock();
-  if (!stopped) {
+  const auto simulated = fp_host::SimulatedWallClock();
+  if (!simulated) {
     return next(out);
   }
   if (out != nullptr) {
-    *out = stopped->tv_sec;
+    *out = simulated->tv_sec;
   }
-  return stopped->tv_sec;
+  return simulated->tv_sec;
 }
 
 int gettimeofday(timeval* out, void* zone) {
   NEXT(gettimeofday);
-  const auto stopped = fp_host::StoppedWallClock();
-  if (!stopped) {
+  const auto simulated = fp_host::SimulatedWallClock();
+  if (!simulated) {
     return next(out, zone);
   }
-  *out = {.tv_sec = stopped->tv_sec, .tv_usec = stopped->tv_nsec / 1000};
+  *out = {.tv_sec = simulated->tv_sec, .tv_usec = simulated->tv_nsec / 1000};
   return 0;
 }
 
 int clock_gettime(clockid_t clock, timespec* out) {
   NEXT(clock_gettime);
-  const auto stopped = fp_host::StoppedWallClock();
-  if (!stopped || clock != CLOCK_REALTIME) {
+  const auto simulated = fp_host::SimulatedWallClock();
+  if (!simulated || clock != CLOCK_REALTIME) {
     return next(clock, out);
   }
-  *out = *stopped;
+  *out = *simulated;
   return 0;
 }
 

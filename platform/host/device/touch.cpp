@@ -24,7 +24,7 @@ constexpr size_t kArgumentBytes = 32;
 
 // The node is a socket pair. Users of the device hold duplicates of the device's end.
 struct Node {
-  std::string path;
+  std::string path = "/dev/fth_fd";
   int device_end = -1;
   int controller_end = -1;
   std::set<int> descriptors;
@@ -32,8 +32,12 @@ struct Node {
   std::deque<TouchNode::Request> requests;
 };
 
+// The descriptor of the device's end of a node that another process drives, inherited from it.
+constexpr char kInheritedVariable[] = "FP_DEVICE_TOUCH";
+
 std::mutex mutex;
-Node* node = nullptr;  // guarded by mutex
+Node* node = nullptr;            // guarded by mutex
+bool is_node_inherited = false;  // guarded by mutex
 
 // Each message of a sequenced-packet socket is one report buffer: one read, one buffer.
 void Connect(Node& node) {
@@ -77,10 +81,27 @@ bool SendBlocking(const std::string& buffer) {
   return sent;
 }
 
+// Called with the mutex held. A number that a program has closed and used again is not taken for
+// the node.
+void AdoptInheritedNode() {
+  static const char* const variable = getenv(kInheritedVariable);
+  if (node != nullptr || variable == nullptr) {
+    return;
+  }
+  const int fd = atoi(variable);
+  int type = 0;
+  socklen_t size = sizeof type;
+  if (getsockopt(fd, SOL_SOCKET, SO_TYPE, &type, &size) == 0 && type == SOCK_SEQPACKET) {
+    node = new Node{.device_end = fd};
+    is_node_inherited = true;
+  }
+}
+
 }  // namespace
 
 bool IsTouchNode(const char* path) {
   const std::lock_guard lock(mutex);
+  AdoptInheritedNode();
   return node != nullptr && path != nullptr && node->path == path;
 }
 
@@ -141,10 +162,10 @@ TouchNode::TouchNode(const std::string& path) {
   auto* fresh = new Node{.path = path};
   Connect(*fresh);
   const std::lock_guard lock(mutex);
-  if (node != nullptr) {
+  if (node != nullptr && !std::exchange(is_node_inherited, false)) {
     AbortForMisuse("A second TouchNode was made; only one may exist at a time.");
   }
-  node = fresh;
+  delete std::exchange(node, fresh);
 }
 
 TouchNode::~TouchNode() {

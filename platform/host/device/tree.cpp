@@ -44,13 +44,19 @@ bool BeginsWithComponent(const char* path, const char* prefix) {
   return strncmp(path, prefix, length) == 0 && (path[length] == '\0' || path[length] == '/');
 }
 
+// Programs that make or list folders one by one begin with this one. What else the host may have in
+// such a folder is not the device's.
+bool IsDataFolder(const char* path) {
+  return strcmp(path, "/data") == 0 || strcmp(path, "/data/") == 0;
+}
+
 bool IsDevicePath(const char* path) {
   for (const char* prefix : kDevicePrefixes) {
     if (BeginsWithComponent(path, prefix)) {
       return true;
     }
   }
-  return false;
+  return IsDataFolder(path);
 }
 
 // Makes child processes, such as shells, see the same device.

@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "commands.h"
+#include "touch_line.h"
+
+namespace fp_phone {
+
+int Play(const Options& options) {
+  TouchPlayer player;
+  if (!player.Connect(options.Folder())) {
+    Complain("{}: no program runs on this phone with --touch", Printable(options.root));
+    return kFailed;
+  }
+  const std::string error = fp_host::PlayTouchRecording(
+      options.recording, options.panel, options.pace,
+      [&player](const auto& report) { return player.Send(EncodeTouchRecords(report)); });
+  if (!error.empty()) {
+    Complain("{}", error);
+    return kFailed;
+  }
+  if (!player.Finish()) {
+    Complain("the program ended before it had the whole recording");
+    return kFailed;
+  }
+  return kDone;
+}
+
+}  // namespace fp_phone

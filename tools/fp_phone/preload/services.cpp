@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Starts the services that `fp_phone run --service` names, and sets the light, before main().
+#include <cstdlib>
+#include <sstream>
+#include <string>
+
+#include "environment.h"
+#include "fp_host/display_service.h"
+#include "fp_host/hidl_thermal_service.h"
+#include "fp_host/sensor_service.h"
+#include "fp_host/thermal_service.h"
+
+namespace fp_phone {
+namespace {
+
+// Never destroyed: the program's threads may call it while the process exits.
+template <typename Service>
+void Start() {
+  static auto* const service = new Service;
+  service->Declare();
+  service->Start();
+}
+
+[[gnu::constructor]] void StartServices() {
+  const char* const names = getenv(kServicesVariable);
+  std::istringstream list(names != nullptr ? names : "");
+  for (std::string name; std::getline(list, name, ',');) {
+    if (name == "display") {
+      Start<fp_host::DisplayService>();
+    } else if (name == "thermal") {
+      Start<fp_host::ThermalService>();
+    } else if (name == "hidl-thermal") {
+      Start<fp_host::HidlThermalService>();
+    }
+  }
+  if (const char* const lux = getenv(kLuxVariable); lux != nullptr) {
+    fp_host::ReportLux(strtof(lux, nullptr));
+  }
+}
+
+}  // namespace
+}  // namespace fp_phone

@@ -1,0 +1,211 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <dlfcn.h>
+#include <fcntl.h>
+#include <signal.h>
+#include <sys/prctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <climits>
+#include <cstdlib>
+#include <cstring>
+
+#include "commands.h"
+#include "environment.h"
+#include "fp_host/device.h"
+#include "program.h"
+#include "touch_line.h"
+
+namespace fp_phone {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr int kSignalBase = 128;
+constexpr int kLogMode = 0644;
+
+// The longest path below a root that the device itself makes fits beside the root.
+constexpr size_t kMaxRoot = PATH_MAX - 256;
+
+// The folder of the libraries: that of the simulated device, with which this program is linked.
+fs::path LibraryFolder() {
+  Dl_info device = {};
+  dladdr(reinterpret_cast<void*>(&fp_host::SetDeviceRoot), &device);
+  return fs::canonical(device.dli_fname).parent_path();
+}
+
+// An empty text, or why the root cannot be a phone.
+std::string PrepareRoot(const Options& options) {
+  std::error_code error;
+  fs::create_directories(options.Folder(), error);
+  if (fs::exists(options.root) && !fs::is_directory(options.root)) {
+    return "is not a folder";
+  }
+  if (!error && access(options.root.c_str(), W_OK | X_OK) != 0) {
+    error.assign(errno, std::generic_category());
+  }
+  if (error) {
+    return error.message();
+  }
+  if (fs::absolute(options.root).native().size() > kMaxRoot) {
+    return "the path is too long";
+  }
+  const int log = open(options.LogFile().c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, kLogMode);
+  if (log < 0) {
+    return fmt::format("the log cannot be opened: {}", strerror(errno));
+  }
+  close(log);
+  return {};
+}
+
+void Set(const char* variable, const std::string& value) { setenv(variable, value.c_str(), 1); }
+
+// A clock that runs is ahead of the host's by the same time in all processes of the program.
+std::string Describe(const Clock& clock) {
+  const auto now = std::chrono::system_clock::now().time_since_epoch();
+  const auto now_ms = std::chrono::duration_cast<std::chrono::milliseconds>(now).count();
+  return clock.is_stopped ? fmt::format("={}", clock.at_ms)
+                          : fmt::format("{}", clock.at_ms - now_ms);
+}
+
+// The environment of the program.
+void SetEnvironment(const Options& options, const TouchLine& touch) {
+  const std::string folder = LibraryFolder();
+  std::string preload = fmt::format("{0}/libfp_device.so:{0}/libfp_phone.so", folder);
+  if (!options.services.empty() || !options.lux.empty()) {
+    preload += fmt::format(":{}/libfp_phone_services.so", folder);
+  }
+  if (const char* const others = getenv("LD_PRELOAD"); others != nullptr && others[0] != '\0') {
+    preload += std::string(":") + others;
+  }
+  fp_host::SetDeviceRoot(options.root);
+  fp_host::BootDevice();
+  Set("LD_PRELOAD", preload);
+  Set(kPropertiesVariable, fmt::format("{}", fmt::join(options.properties, "\n")));
+  Set(kLogVariable, fs::canonical(options.LogFile()));
+  Set(kLogFormatVariable, options.log_format);
+  Set(kLogFilterVariable, fmt::format("{}", fmt::join(options.log_filters, " ")));
+  Set(kServicesVariable, fmt::format("{}", fmt::join(options.services, ",")));
+  if (!options.lux.empty()) {
+    Set(kLuxVariable, options.lux);
+  }
+  if (options.clock) {
+    Set("FP_DEVICE_CLOCK", Describe(*options.clock));
+  }
+  if (touch.GetDevice() >= 0) {
+    Set("FP_DEVICE_TOUCH", std::to_string(touch.GetDevice()));
+  }
+}
+
+// The signals that end programs, and the one that tells that the program has ended.
+sigset_t WaitedSignals() {
+  sigset_t signals;
+  sigemptyset(&signals);
+  for (const int signal : {SIGINT, SIGQUIT, SIGTERM, SIGHUP, SIGCHLD}) {
+    sigaddset(&signals, signal);
+  }
+  return signals;
+}
+
+// In the child: becomes the program. Tells the parent if it cannot.
+[[noreturn]] void Become(const Options& options, const std::string& path, const sigset_t& mask,
+                         int failure) {
+  prctl(PR_SET_PDEATHSIG, SIGTERM);  // a program without the phone's touch device is of no use
+  sigprocmask(SIG_SETMASK, &mask, nullptr);
+  std::vector<char*> arguments;
+  for (const std::string& argument : options.program) {
+    arguments.push_back(const_cast<char*>(argument.c_str()));
+  }
+  arguments.push_back(nullptr);
+  execv(path.c_str(), arguments.data());
+  const int error = errno;
+  [[maybe_unused]] const ssize_t written = write(failure, &error, sizeof error);
+  _exit(kCannotRun);
+}
+
+// Waits for the program and gives it the signals that this process gets. Those from the terminal's
+// keys it has got itself.
+int WaitFor(pid_t child, const sigset_t& signals) {
+  int status = 0;
+  while (waitpid(child, &status, WNOHANG) == 0) {
+    siginfo_t info = {};
+    const int signal = sigwaitinfo(&signals, &info);
+    if (signal > 0 && signal != SIGCHLD && info.si_code != SI_KERNEL) {
+      kill(child, signal);
+    }
+  }
+  return status;
+}
+
+int ExitCodeOf(int status, const std::string& name) {
+  if (WIFEXITED(status)) {
+    return WEXITSTATUS(status);
+  }
+  const int signal = WTERMSIG(status);
+  if (signal == SIGABRT) {
+    Complain("{} aborted (signal {})", Printable(name), signal);
+  } else {
+    Complain("{} was killed by signal {} ({})", Printable(name), signal, strsignal(signal));
+  }
+  return kSignalBase + signal;
+}
+
+int Execute(const Options& options, const std::string& path, const sigset_t& mask) {
+  int failure[2] = {-1, -1};
+  if (pipe2(failure, O_CLOEXEC) != 0) {
+    Complain("{}", strerror(errno));
+    return kNotStarted;
+  }
+  const pid_t child = fork();
+  if (child == 0) {
+    Become(options, path, mask, failure[1]);
+  }
+  close(failure[1]);
+  if (child < 0) {
+    Complain("{}", strerror(errno));
+    return kNotStarted;
+  }
+  int error = 0;
+  const bool has_failed = read(failure[0], &error, sizeof error) == sizeof error;
+  close(failure[0]);
+  const int status = WaitFor(child, WaitedSignals());
+  if (has_failed) {
+    Complain("{}: {}", Printable(path), strerror(error));
+    return kCannotRun;
+  }
+  return ExitCodeOf(status, options.program.front());
+}
+
+}  // namespace
+
+int Run(const Options& options) {
+  const Program program = FindProgram(options.program.front());
+  if (!program.refusal.empty()) {
+    Complain("{}", program.refusal);
+    return program.exit_code;
+  }
+  if (LibraryFolder().native().find_first_of(": \t") != std::string::npos) {
+    Complain("{}: a path with a space or colon cannot be preloaded", LibraryFolder().native());
+    return kNotStarted;
+  }
+  if (const std::string why = PrepareRoot(options); !why.empty()) {
+    Complain("{}: {}", Printable(options.root), why);
+    return kNotStarted;
+  }
+  // Before the thread of the touch device starts, so that it gets none of them.
+  const sigset_t signals = WaitedSignals();
+  sigset_t mask;
+  sigprocmask(SIG_BLOCK, &signals, &mask);
+  TouchLine touch;
+  if (const std::string why = options.has_touch ? touch.Open(options.Folder()) : ""; !why.empty()) {
+    Complain("{}: {}", Printable(options.root), why);
+    return kNotStarted;
+  }
+  SetEnvironment(options, touch);
+  const int exit_code = Execute(options, program.path, mask);
+  touch.Close();
+  return exit_code;
+}
+
+}  // namespace fp_phone
