@@ -26,11 +26,11 @@ enum AbsCode : uint16_t {
 };
 
 struct InputEvent {
-  int64_t time_us;
-  std::string_view device;  // the node's path; empty if the line names none
-  uint16_t type;
-  uint16_t code;
-  int32_t value;
+  int64_t time_us = 0;
+  std::string_view device = {};  // the node's path; empty if the line names none
+  uint16_t type = 0;
+  uint16_t code = 0;
+  int32_t value = 0;
 };
 struct InputDevice {  // the lines that follow describe this device
   std::string_view path;
