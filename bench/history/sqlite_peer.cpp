@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Does the same task with a database: keeps the newest 100 records, and commits after each.
+// Keeps the newest 100 records in an SQLite database that commits after each record, for comparison
+// with a history that saves after each.
 #include <benchmark/benchmark.h>
 #include <sqlite3.h>
 

@@ -38,8 +38,8 @@ SKIPPED = {K.TEMPLATE_TYPE_PARAMETER, K.TEMPLATE_NON_TYPE_PARAMETER, K.ANNOTATE_
 
 @dataclass(frozen=True)
 class Mutant:
-    file: str  # below the root
-    start: int  # the changed bytes
+    file: str  # relative to the root
+    start: int  # the changed bytes are [start, end)
     end: int
     new: str
     kind: str
@@ -98,38 +98,37 @@ class FileWalker:
     def visit(self, cursor):
         if cursor.kind.is_expression() and self.macro_at(cursor):
             return
-        around = self.function
+        outer = self.function
         if cursor.kind in FUNCTIONS:
             self.function = cursor.spelling
         children = list(cursor.get_children())
-        self.change(cursor, children)
+        self.mutate(cursor, children)
         for child in children:
             if child.kind not in SKIPPED:
                 self.visit(child)
-        self.function = around
+        self.function = outer
 
-    def change(self, cursor, children):
+    def mutate(self, cursor, children):
         kind = cursor.kind
         if kind == K.COMPOUND_STMT:
             for child in children:
-                self.statement(child)
+                self.remove_statement(child)
         elif kind in (K.IF_STMT, K.WHILE_STMT):
-            self.condition(next((c for c in children if c.kind.is_expression()), None))
+            self.mutate_condition(next((c for c in children if c.kind.is_expression()), None))
         elif kind == K.DO_STMT:
-            self.condition(children[-1])
+            self.mutate_condition(children[-1])
         elif kind == K.CONDITIONAL_OPERATOR:
-            self.condition(children[0])
+            self.mutate_condition(children[0])
         elif kind in (K.BINARY_OPERATOR, K.COMPOUND_ASSIGNMENT_OPERATOR) and len(children) == 2:
-            self.operator_between(*children)
+            self.mutate_operator(*children)
         elif kind == K.CALL_EXPR:
-            self.call(cursor)
+            self.mutate_call(cursor)
         elif kind == K.UNARY_OPERATOR:
-            self.unary(cursor)
+            self.mutate_unary(cursor)
         else:
-            self.literal(cursor)
+            self.mutate_literal(cursor)
 
-    def statement(self, cursor):
-        """A statement of a block is removed."""
+    def remove_statement(self, cursor):
         start, end = self.extent(cursor)
         macro = self.macro_at(cursor)
         if macro:
@@ -142,9 +141,9 @@ class FileWalker:
         elif cursor.kind in STATEMENTS:
             self.add("statement", start, end, "")
         elif cursor.kind == K.RETURN_STMT:
-            self.returned(cursor, list(cursor.get_children()))
+            self.mutate_return(cursor, list(cursor.get_children()))
 
-    def returned(self, cursor, children):
+    def mutate_return(self, cursor, children):
         if not children:
             self.add("return", *self.extent(cursor), "")
             return
@@ -154,26 +153,26 @@ class FileWalker:
             return
         kind, text = value.type.get_canonical().kind, self.text(value)
         if kind == T.BOOL:
-            news = [f"!({text})"]
+            replacements = [f"!({text})"]
         elif kind == T.POINTER:
-            news = ["nullptr"]
+            replacements = ["nullptr"]
         elif kind in INTEGERS:
-            news = [f"({text}) + 1", "0"]
+            replacements = [f"({text}) + 1", "0"]
         elif kind in (T.FLOAT, T.DOUBLE):
-            news = [f"({text}) + 1"]
+            replacements = [f"({text}) + 1"]
         elif kind == T.RECORD and not text.startswith("{"):
-            news = ["{}"]
+            replacements = ["{}"]
         else:
-            news = []
-        for new in news:
+            replacements = []
+        for new in replacements:
             self.add("return", *self.extent(value), new)
 
-    def condition(self, cursor):
+    def mutate_condition(self, cursor):
         if cursor is not None and not self.macro_at(cursor) and self.text(cursor).strip():
             for new in (f"!({self.text(cursor)})", "false", "true"):
                 self.add("condition", *self.extent(cursor), new)
 
-    def operator_between(self, left, right):
+    def mutate_operator(self, left, right):
         start, end = self.extent(left)[1], self.extent(right)[0]
         gap = re.sub(rb"//[^\n]*|/\*.*?\*/", lambda m: b" " * len(m.group()), self.data[start:end],
                      flags=re.S)
@@ -183,29 +182,30 @@ class FileWalker:
                 at = start + gap.index(token)
                 self.add(kind, at, at + len(token), new)
 
-    def call(self, cursor):
+    def mutate_call(self, cursor):
         arguments = [a for a in cursor.get_arguments() if a is not None]
         if cursor.spelling.startswith("operator"):
             if len(arguments) == 2:
-                self.operator_between(*arguments)
+                self.mutate_operator(*arguments)
             return
         start, end = self.extent(cursor)
         found = re.search(rb"\b%s\b" % re.escape(cursor.spelling).encode(), self.data[start:end])
         if found and cursor.spelling in CALLS:
             self.add("call", start + found.start(), start + found.end(), CALLS[cursor.spelling])
         for left, right in zip(arguments, arguments[1:]):
-            self.exchange(left, right)
+            self.swap_arguments(left, right)
 
-    def exchange(self, left, right):
-        """Two arguments of one type change places."""
-        one, other = (a.type.get_canonical().spelling.replace("const ", "") for a in (left, right))
+    def swap_arguments(self, left, right):
+        """Swaps two arguments if they have the same type."""
+        left_type, right_type = (a.type.get_canonical().spelling.replace("const ", "")
+                                 for a in (left, right))
         (start, left_end), (right_start, end) = self.extent(left), self.extent(right)
-        if one == other and start < left_end <= right_start < end \
+        if left_type == right_type and start < left_end <= right_start < end \
                 and not self.macro_at(left) and not self.macro_at(right):
             between = self.data[left_end:right_start].decode()
             self.add("arguments", start, end, self.text(right) + between + self.text(left))
 
-    def unary(self, cursor):
+    def mutate_unary(self, cursor):
         (start, end), text = self.extent(cursor), self.text(cursor)
         other = {"++": "--", "--": "++"}
         if text[:2] in other:
@@ -217,7 +217,7 @@ class FileWalker:
         elif re.match(r"-\D", text):
             self.add("arithmetic", start, start + 1, "")
 
-    def literal(self, cursor):
+    def mutate_literal(self, cursor):
         (start, end), text = self.extent(cursor), self.text(cursor)
         if cursor.kind in (K.INTEGER_LITERAL, K.FLOATING_LITERAL):
             self.add("constant", start, end, f"({text} + 1)")

@@ -17,7 +17,7 @@ class SampleAxis {
     uint32_t weight;
   };
 
-  // For a count of 1 the step is infinite or NaN, and for 0 it means nothing: it is not used.
+  // For a count of 1 the step is infinite or NaN, and for 0 it has no meaning; no sample uses it.
   SampleAxis(float low, float high, uint32_t count)
       : next_(low), step_((high - low) / static_cast<float>(count - 1)), left_(count) {}
 

@@ -11,6 +11,7 @@
 
 namespace fp_inspect {
 
+// `k` of `n` attempts.
 struct Share {
   double Value() const { return n == 0 ? 0 : static_cast<double>(k) / static_cast<double>(n); }
   // Whether there are enough for a meaningful percentage.

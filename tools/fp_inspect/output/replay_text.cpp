@@ -21,11 +21,11 @@ void PrintRun(const Run& run, const Device& device, bool check_replay, const Zon
     fmt::print("  {} {}\n", zone.Text(run.times[step.at]), StepText(run, step, zone));
   }
   for (size_t i = 0; check_replay && i < run.checks.size(); ++i) {
-    const ReplayCheck& of_dump = run.checks[i];
+    const ReplayCheck& check = run.checks[i];
     fmt::print(
-        "{} {} after attempt {}: {}{}\n", of_dump.Agrees() ? " " : "!",
-        Printable(device.sources[of_dump.source]), of_dump.attempts, ExposureText(of_dump.dumped),
-        of_dump.Agrees() ? ", same as replay" : "; replay: " + ExposureText(of_dump.replayed));
+        "{} {} after attempt {}: {}{}\n", check.Agrees() ? " " : "!",
+        Printable(device.sources[check.source]), check.attempts, ExposureText(check.dumped),
+        check.Agrees() ? ", same as replay" : "; replay: " + ExposureText(check.replayed));
   }
 }
 
