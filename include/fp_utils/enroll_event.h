@@ -60,8 +60,8 @@ class FP_UTILS_EXPORT EnrollEventG7 : public EnrollEvent {
   EnrollEventG7();
   ~EnrollEventG7() override;
 
-  // The base text and `rc`, followed, unless the operation is a deletion, by the quality data and,
-  // if `enroll_successful` is false, by the reason of the failure.
+  // The base text and `rc`. Unless the operation is a deletion, the quality data follow, and if
+  // `enroll_successful` is false, the reason of the failure.
   std::string ToDebugString() const override;
 
   // The part after the base text is cut to 127 characters, which only extreme values exceed.

@@ -114,8 +114,8 @@ class FP_UTILS_EXPORT FpsTouchHandler {
   bool IsOnWorker() const;
   bool IsDroppingRest() const;
 
-  // Return false, without the lock, while the worker is being joined; Lock() only if called on the
-  // worker.
+  // Both lock mutex_ and return true. While the worker is being joined, LockUnlessJoining() returns
+  // false without the lock; Lock() does so only on the worker.
   [[nodiscard]] bool LockUnlessJoining() FP_TRY_ACQUIRE(true, mutex_);
   [[nodiscard]] bool Lock() FP_TRY_ACQUIRE(true, mutex_);
 

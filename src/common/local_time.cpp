@@ -4,8 +4,8 @@
 namespace android::fp_utils {
 
 std::string LocalTimeText(time_t seconds) {
-  // localtime_r() need not notice a change of the time zone. localtime() does, but all threads
-  // share its result, and several may dump at once.
+  // POSIX does not require localtime_r() to notice a change of the time zone. localtime() does, but
+  // its result is shared by all threads, and several may dump at once.
   tzset();
   tm parts = {};
   if (localtime_r(&seconds, &parts) == nullptr) {

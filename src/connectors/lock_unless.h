@@ -14,7 +14,7 @@ namespace android::fp_utils {
 // the worker may be waiting, would deadlock if it waited for that lock.
 template <typename GivesUp>
 [[nodiscard]] bool LockUnless(std::mutex& mutex, GivesUp gives_up) FP_TRY_ACQUIRE(true, mutex) {
-  // Not a timed lock, whose deadline follows the wall clock.
+  // Retries, because a wait for a std::mutex cannot be interrupted when `gives_up` becomes true.
   constexpr std::chrono::microseconds kRetryInterval{100};
   while (!mutex.try_lock()) {
     if (gives_up()) {

@@ -78,7 +78,7 @@ int32_t SensorListener::StartSampling(SensorType type) {
 }
 
 int32_t SensorListener::StopSampling(SensorType type) {
-  // Without the lock: the thread that is ending the worker also ends all sampling.
+  // A worker that has to end leaves this to the thread that ends it, which also ends all sampling.
   if (!IsKnown(type) || !LockUnlessEnding()) {
     return 0;
   }
@@ -122,13 +122,13 @@ void SensorListener::StopWorker() {
   }
 }
 
-// False, without the lock, only on a worker that has to end.
+// Returns false, without the lock, only on a worker that has to end.
 bool SensorListener::LockUnlessEnding() {
-  if (!SensorPollingWorkerThread::IsCurrentOf(this)) {
+  if (!SensorPollingWorkerThread::IsCurrentWorkerOf(this)) {
     mutex_.lock();
     return true;
   }
-  return LockUnless(mutex_, [this] { return SensorPollingWorkerThread::IsEndingOf(this); });
+  return LockUnless(mutex_, [this] { return SensorPollingWorkerThread::IsEndingWorkerOf(this); });
 }
 
 bool SensorListener::ConnectSensorManagerIfNeeded()
@@ -197,7 +197,7 @@ int32_t SensorListener::PollSensorEvent() {
         for (ssize_t i = 0; i < count; ++i) {
           ProcessSensorEvent(events[i]);
         }
-        return !SensorPollingWorkerThread::IsEndingOf(this);
+        return !SensorPollingWorkerThread::IsEndingWorkerOf(this);
       });
 }
 
@@ -218,7 +218,7 @@ void SensorListener::ProcessSensorEvent(ASensorEvent event) {
 // the listener, which a callback may have destroyed.
 void SensorListener::Deliver(SensorType type, const SensorCallback& callback,
                              const ASensorEvent& event) {
-  if (SensorPollingWorkerThread::IsEndingOf(this)) {
+  if (SensorPollingWorkerThread::IsEndingWorkerOf(this)) {
     return;
   }
   const ASensor* sensor = sensors_[type];

@@ -36,12 +36,12 @@ bool SensorListener::SensorPollingWorkerThread::Stop() {
 
 bool SensorListener::SensorPollingWorkerThread::IsCurrent() const { return current_worker == this; }
 
-bool SensorListener::SensorPollingWorkerThread::IsCurrentOf(const SensorListener* listener) {
+bool SensorListener::SensorPollingWorkerThread::IsCurrentWorkerOf(const SensorListener* listener) {
   return current_worker != nullptr && current_worker->listener_ == listener;
 }
 
-bool SensorListener::SensorPollingWorkerThread::IsEndingOf(const SensorListener* listener) {
-  return IsCurrentOf(listener) && current_worker->exitPending();
+bool SensorListener::SensorPollingWorkerThread::IsEndingWorkerOf(const SensorListener* listener) {
+  return IsCurrentWorkerOf(listener) && current_worker->exitPending();
 }
 
 bool SensorListener::SensorPollingWorkerThread::threadLoop() {

@@ -24,8 +24,8 @@ class SensorListener::SensorPollingWorkerThread : public Thread {
 
   // Whether the calling thread is a worker of the listener, and whether it is one that has to exit.
   // They only compare the address of the listener, which may have been destroyed.
-  static bool IsCurrentOf(const SensorListener* listener);
-  static bool IsEndingOf(const SensorListener* listener);
+  static bool IsCurrentWorkerOf(const SensorListener* listener);
+  static bool IsEndingWorkerOf(const SensorListener* listener);
 
  private:
   bool threadLoop() override;

@@ -117,7 +117,8 @@ int32_t Thermal::GetCpuSeverity() {
     return -ENODEV;
   }
   int32_t severity = 0;
-  // Despite the name of this operation, the system throttles for the temperature of the skin.
+  // Despite its name, this operation reads the skin sensor: the system throttles by its
+  // temperature.
   const auto result = thermal_->getCurrentTemperatures(
       true, TemperatureType::SKIN,
       [&severity](const ThermalStatus& status, const hidl_vec<Temperature>& temperatures) {

@@ -10,7 +10,8 @@ namespace {
 constexpr int32_t kUnscaledId = -1;
 constexpr uint32_t kKnownTypes = 3;
 
-// The order of the roundings matters: to single precision first.
+// The quarter turns are computed in single precision and the rest in double, because the roundings
+// affect the result.
 float ToRadians(int32_t angle) {
   constexpr float kQuarterTurns = 0.000244140625F;  // 2^-12
   constexpr double kPi = 3.141592653589793;

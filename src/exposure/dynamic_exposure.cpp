@@ -95,12 +95,12 @@ void DynamicExposure::AdjustExposure(StepAdjustment direction) {
   FP_LOG_INFO(kTag, "[%s] adjust to expo:%.3f, base:%.3f", "AdjustExposure", expo, base);
   expo_changed_callback(expo_changed_context, expo, base);
   if (stats != nullptr) {
-    stats->Reset();  // decide next on attempts made at the new exposure
+    stats->Reset();  // the next decision uses attempts at the new exposure
   }
 }
 
 // Checks only the bound in the direction of the step. An exposure that a new calibration has put
-// outside the bounds can so step back, and a recalculation (kNone) is never refused.
+// outside the bounds can therefore step back, and a recalculation (kNone) is never refused.
 bool DynamicExposure::IsBeyondBound(StepAdjustment direction, float expo) const {
   const float expo_us = expo * kUsPerMs;
   if (direction == StepAdjustment::kUp && expo_us > static_cast<float>(kExpoUpperBoundUs)) {
@@ -121,12 +121,12 @@ void DynamicExposure::FeedAuthAttempt(std::shared_ptr<AuthEventG7> event) {
     return;
   }
   stats->AddAttempt(std::move(event));
-  const bool not_ready = stats->GetFrr() <= static_cast<float>(kFrrThreshold) ||
-                         stats->GetTotalAttempts() < kNumberOfAttempts;
+  const bool not_due = stats->GetFrr() <= static_cast<float>(kFrrThreshold) ||
+                       stats->GetTotalAttempts() < kNumberOfAttempts;
   const float raw_mean = stats->GetAvgRawmeanDelta();
   const bool too_bright = raw_mean > static_cast<float>(kHighRawMeanThreshold);
   const bool too_dark = raw_mean < static_cast<float>(kLowRawMeanThreshold);
-  if (stats->GetAvgIq() >= static_cast<float>(kIqThreshold) || not_ready ||
+  if (stats->GetAvgIq() >= static_cast<float>(kIqThreshold) || not_due ||
       !(too_bright || too_dark)) {
     return;
   }

@@ -24,7 +24,7 @@ uint32_t Truncated(float value) {
   return value < 0x1p32F ? static_cast<uint32_t>(value) : std::numeric_limits<uint32_t>::max();
 }
 
-// Samples on an axis: one per panel unit, both edges included, unless the property tunes it.
+// Samples on an axis: one per panel unit, both edges included, unless the property overrides it.
 uint32_t ScanPoints(const std::string& property, float low, float high) {
   return base::GetUintProperty<uint32_t>(property, Truncated((high - low) + 1.0F), 4294967295U);
 }
@@ -56,7 +56,8 @@ Counts ScanSamples(Grid grid, const IShape* s1, const IShape* s2) {
   return counts;
 }
 
-// Counts in the way that needs the fewest calls of Contains(). A null shape contains all samples.
+// Counts by rows if the library knows both shapes, otherwise by scanning all samples. A null shape
+// contains all samples.
 Counts Count(const Grid& grid, const IShape* s1, const IShape* s2) {
   if (s1 == nullptr && s2 == nullptr) {
     const uint32_t all = grid.columns.Left() * grid.rows.Left();
@@ -77,7 +78,7 @@ float SampledCoverage(const Rect& grid, const IShape& shape, const IShape& other
 
 float CircleArea(float r) { return static_cast<float>(kPi * (static_cast<double>(r) * r)); }
 
-// The area that two circles share whose edges intersect: both sectors less the kite between the
+// The area shared by two circles whose edges intersect: both sectors less the kite between the
 // centres and the intersections. NaN if rounding makes a cosine exceed 1.
 float LensArea(float small, float large, float d) {
   const float small2 = small * small;

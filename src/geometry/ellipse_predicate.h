@@ -7,7 +7,7 @@
 
 namespace android::fp_utils {
 
-// Ellipse::Contains() with everything that does not depend on the point computed once. Every
+// Ellipse::Contains(), with all terms that do not depend on the point computed in advance. Every
 // rounding is part of the contract: offsets and rotation are in single precision, the quotients in
 // double, and their sum is rounded to single.
 struct EllipsePredicate {

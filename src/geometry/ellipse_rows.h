@@ -23,7 +23,7 @@ class EllipseRows {
   bool Contains(float x, float y) const { return predicate_.Contains(x, y); }
 
  private:
-  // How spans are found: all rows are empty, from roots, or all samples are undecided.
+  // All rows are empty, their spans follow from the roots, or all samples are undecided.
   enum class Method { kEmpty, kSolve, kUndecided };
 
   // Offsets from the centre's column. Samples strictly between the inner roots are inside, samples

@@ -30,7 +30,7 @@ constexpr int32_t kDarkRawmeanDelta = -1001;
 constexpr uint32_t kOnTargetMetric = 119;
 
 // The three values of a packed metric. A negative value becomes a very large one and passes every
-// lower bound. The limits below were tuned with that.
+// lower bound. The limits below were tuned with this effect.
 struct Metric {
   explicit Metric(int32_t packed)
       : a(static_cast<uint32_t>(packed / 1000000)),

@@ -122,7 +122,7 @@ void BackupFile::Load(const std::function<void(std::string& record_text)>& take)
       LogOversize(length);
       return;
     }
-    // After a short read the buffer ends in bytes of the record before; the CRC detects that.
+    // After a short read the buffer ends in bytes of the previous record; the CRC detects that.
     (void)!fread(buffer, length, 1, file.get());
     buffer[std::min<size_t>(length, sizeof buffer - 1)] = '\0';
     if (crc32(buffer, length) != crc) {
