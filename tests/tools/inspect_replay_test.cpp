@@ -152,7 +152,7 @@ TEST(InspectReplay, TellsWhatItCannotKnow) {
   const Replay gap = ReplayRecorded(Read({first, shoot(52)}), kCalibration, false);
   EXPECT_EQ("attempts after the last one shown are missing", gap.runs.at(0).unknown);
   EXPECT_EQ(10u, gap.runs[0].attempts.size());
-  EXPECT_EQ(1u, gap.checks) << "the later sample is not compared";
+  EXPECT_EQ(1u, gap.check_count) << "the later sample is not compared";
 
   std::string without_bring_up = first;
   without_bring_up.replace(0, without_bring_up.find(','), "Error:2026-03-04 05:06:07 no answer");
@@ -244,12 +244,12 @@ TEST(InspectReplay, FitOfASensorWithoutNoise) {
   EXPECT_NEAR(30, fit->falloff, 0.2);
   EXPECT_EQ(0u, fit->wrong);
   for (const float expo : {30.0F, 50.0F, 80.0F}) {
-    const AuthEventG7 modelled = fit->At(expose(45), expo / 45);
+    const AuthEventG7 modelled = fit->Predict(expose(45), expo / 45);
     EXPECT_EQ(expose(expo).rawmean_delta, modelled.rawmean_delta);
     EXPECT_NEAR(expose(expo).iq, modelled.iq, 1);
     EXPECT_EQ(expose(expo).auth_successful, modelled.auth_successful) << expo;
   }
-  EXPECT_EQ(1800, fit->At(expose(45), INFINITY).rawmean_delta);
+  EXPECT_EQ(1800, fit->Predict(expose(45), INFINITY).rawmean_delta);
 
   EXPECT_FALSE(SensorFit::Of({images.begin(), images.begin() + 19})) << "too few";
   for (AuthEventG7& attempt : attempts) {

@@ -100,8 +100,8 @@ std::string Zsh(const CLI::App& app) {
 
 }  // namespace
 
-std::string Describe(const CLI::App& app, const std::string& form, const std::string& arguments) {
-  return form == "man" ? ManPage(app, arguments) : form == "bash" ? Bash(app) : Zsh(app);
+std::string Describe(const CLI::App& app, const std::string& format, const std::string& arguments) {
+  return format == "man" ? ManPage(app, arguments) : format == "bash" ? Bash(app) : Zsh(app);
 }
 
 }  // namespace fp_tools

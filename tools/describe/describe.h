@@ -6,9 +6,8 @@
 
 namespace fp_tools {
 
-// The manual page and the completions of the shells, made from the options that the program parses.
-// The app has the program's name; `form` is "man", "bash" or "zsh"; `arguments` is what follows the
-// command in the synopsis.
-std::string Describe(const CLI::App& app, const std::string& form, const std::string& arguments);
+// Generates the manual page or a shell completion script from the options of a program, whose name
+// `app` has. `format` is "man", "bash" or "zsh"; `arguments` follows the program in the synopsis.
+std::string Describe(const CLI::App& app, const std::string& format, const std::string& arguments);
 
 }  // namespace fp_tools

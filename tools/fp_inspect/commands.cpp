@@ -178,7 +178,7 @@ int RunReplay(const Options& options) {
   if (code != kDone) {
     return code;
   }
-  if (replay.runs.empty() || (options.check_replay && replay.checks == 0)) {
+  if (replay.runs.empty() || (options.check_replay && replay.check_count == 0)) {
     PrintErrorf("no dump has a successful bring-up, the exposure controller and attempts");
     return kNoRecord;
   }

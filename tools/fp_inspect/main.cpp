@@ -208,12 +208,14 @@ void ParseReplay(const ReplayArguments& arguments, Options* options) try {
   if (sweep.empty() && !settings.empty()) {
     options->variants.push_back(settings);
   }
-  const Settings any = options->variants.empty() ? Settings() : options->variants.front();
-  const bool sets_bound = any.contains("upper_bound_us") || any.contains("lower_bound_us");
+  // All variants change the same settings.
+  const Settings first_variant = options->variants.empty() ? Settings() : options->variants.front();
+  const bool sets_bound =
+      first_variant.contains("upper_bound_us") || first_variant.contains("lower_bound_us");
   if (!options->calibration && (options->fit_sensor || sets_bound)) {
     throw std::invalid_argument("--model and exposure bounds require --calibration");
   }
-  if (options->fit_sensor && any.empty()) {
+  if (options->fit_sensor && first_variant.empty()) {
     throw std::invalid_argument("--model requires --set or --sweep");
   }
 } catch (const std::invalid_argument& error) {
@@ -268,7 +270,7 @@ int Main(int argc, char** argv) {
   Options options;
   std::vector<std::string> conditions;
   ReplayArguments replay;
-  std::string form;
+  std::string format;
   CLI::App app("find out from fingerprint dumps and histories why unlocks fail", "fp_inspect");
   app.footer(kFooter);
   AddSummary(&app, &options);
@@ -278,7 +280,7 @@ int Main(int argc, char** argv) {
   AddReplay(&app, &options, &replay);
   AddCompare(&app, &options);
   AddReport(&app, &options, &replay);
-  app.add_option("--describe", form)->check(CLI::IsMember({"man", "bash", "zsh"}))->group("");
+  app.add_option("--describe", format)->check(CLI::IsMember({"man", "bash", "zsh"}))->group("");
   app.require_subcommand(0, 1);
   static char against[] = "--against";
   for (int i = 2; i < argc; ++i) {
@@ -291,8 +293,8 @@ int Main(int argc, char** argv) {
     app.parse(argc, argv);
     ParseConditions(conditions, &options.filter);
     ParseReplay(replay, &options);
-    if (!form.empty()) {
-      fmt::print("{}", fp_tools::Describe(app, form, "COMMAND [OPTION...] IN..."));
+    if (!format.empty()) {
+      fmt::print("{}", fp_tools::Describe(app, format, "COMMAND [OPTION...] IN..."));
       return kDone;
     }
     if (app.get_subcommands().empty()) {

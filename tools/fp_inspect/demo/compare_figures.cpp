@@ -68,9 +68,9 @@ class Simulation {
     return 100 * static_cast<double>(shown) / static_cast<double>(pairs);
   }
 
-  // The second half of the days comes from the bad device.
-  void SinceWhen(const std::vector<Records>& good, const std::vector<Records>& bad, size_t days,
-                 size_t series) {
+  // Measures how often the change is found. The second half of the days comes from the bad device.
+  void MeasureSinceWhen(const std::vector<Records>& good, const std::vector<Records>& bad,
+                        size_t days, size_t series) {
     size_t shown = 0;
     size_t within = 0;
     for (size_t i = 0; i < series; ++i) {
@@ -96,7 +96,8 @@ class Simulation {
 
 void Measure(const std::string& reports) {
   const std::vector<Records> good = BurstsOf(reports + "/good", 0);
-  const std::vector<Records> bad = BurstsOf(reports + "/bad", 1768348800);  // 2026-01-14
+  constexpr int64_t kFirstBadDay = 1768348800;  // 2026-01-14, from which touches are poorly aimed
+  const std::vector<Records> bad = BurstsOf(reports + "/bad", kFirstBadDay);
   Simulation simulation;
   for (const size_t days : {1, 3, 6}) {
     fmt::print(
@@ -107,8 +108,8 @@ void Measure(const std::string& reports) {
         simulation.PercentDifferent(good, bad, days, 1000));
   }
   for (const size_t days : {6, 12}) {
-    simulation.SinceWhen(good, good, days, 500);
-    simulation.SinceWhen(good, bad, days, 500);
+    simulation.MeasureSinceWhen(good, good, days, 500);
+    simulation.MeasureSinceWhen(good, bad, days, 500);
   }
 }
 

@@ -12,7 +12,8 @@
 namespace fp_inspect {
 namespace {
 
-constexpr double kMinFailures = 5;  // of both sides together; shares with fewer are not tested
+// A share is tested only if, on both sides together, this many records count and as many do not.
+constexpr double kMinPerOutcome = 5;
 
 struct Observation {
   const AuthEventG7& attempt;
@@ -31,15 +32,15 @@ Value ValueIf(bool counts, double value) {
   return counts && std::isfinite(value) ? Value(value) : std::nullopt;
 }
 
-// A row of the comparison; `of` returns its value for an attempt, or nothing if the row does not
-// apply. To add a row, add an entry. Light changes quality and raw mean, but so does a finger that
-// covers little of the sensor. The rows about light therefore use only covered images, and follow
-// the rows about coverage.
+// A row of the comparison; `value_of` returns its value for an attempt, or nothing if the row does
+// not apply. To add a row, add an entry. Light changes quality and raw mean, but so does a finger
+// that covers little of the sensor. The rows about light therefore use only covered images, and
+// follow the rows about coverage.
 struct Measure {
   const char* id;
   const char* title;
   bool is_share;
-  Value (*of)(const Observation&);
+  Value (*value_of)(const Observation&);
 };
 
 constexpr Measure kMeasures[] = {
@@ -91,7 +92,8 @@ class Table {
 
   void Finish() {
     for (const Measure& measure : kMeasures) {
-      AddRow({.id = measure.id, .title = measure.title, .is_share = measure.is_share}, measure.of);
+      AddRow({.id = measure.id, .title = measure.title, .is_share = measure.is_share},
+             measure.value_of);
     }
     for (const auto& [id, cause] : causes_) {
       AddRow(
@@ -115,43 +117,43 @@ class Table {
     }
   }
 
-  // Tests the rows that have enough records and, for shares, enough records that count and enough
-  // that do not.
+  // Tests the rows that have enough records. With `at_any_split` it is enough that some split gives
+  // both sides enough.
   template <typename Statistic>
-  void Test(bool of_any_split, const Statistic& statistic, Comparison* comparison) const {
+  void Test(bool at_any_split, const Statistic& statistic, Comparison* comparison) const {
     std::vector<Bursts> tested;
-    std::vector<CompareRow*> into;
+    std::vector<CompareRow*> tested_rows;
     for (size_t i = 0; i < rows_.size(); ++i) {
       CompareRow& row = comparison->rows[i];
       const BurstSum all = Total(bursts_[i]);
       const double smallest = std::min(all.sum, static_cast<double>(all.n) - all.sum);
-      if ((of_any_split ? all.n >= 40 : row.IsLarge()) &&
-          (!row.is_share || smallest >= kMinFailures)) {
+      if ((at_any_split ? all.n >= 40 : row.IsLarge()) &&
+          (!row.is_share || smallest >= kMinPerOutcome)) {
         tested.push_back(bursts_[i]);
-        into.push_back(&row);
+        tested_rows.push_back(&row);
       }
     }
     const std::vector<double> p = Holm(PermutationTest(tested, statistic));
     comparison->tested = p.size();
     for (size_t i = 0; i < p.size(); ++i) {
-      into[i]->p = p[i];
-      comparison->differs |= into[i]->IsSignificant();
+      tested_rows[i]->p = p[i];
+      comparison->differs |= tested_rows[i]->IsSignificant();
     }
   }
 
   const std::vector<CompareRow>& Rows() const { return rows_; }
-  const Bursts& Of(size_t row) const { return bursts_[row]; }
+  const Bursts& BurstsOf(size_t row) const { return bursts_[row]; }
   int64_t TimeOf(size_t burst) const { return times_[burst]; }
-  size_t Count() const { return observations_.size(); }
+  size_t CountBursts() const { return observations_.size(); }
 
  private:
-  template <typename Of>
-  void AddRow(CompareRow row, const Of& of) {
+  template <typename ValueOf>
+  void AddRow(CompareRow row, const ValueOf& value_of) {
     Bursts bursts;
     for (const auto& burst : observations_) {
       bursts.emplace_back();
       for (const Observation& observation : burst) {
-        if (const Value value = of(observation)) {
+        if (const Value value = value_of(observation)) {
           ++bursts.back().n;
           bursts.back().sum += *value;
         }
@@ -245,7 +247,7 @@ Comparison Compare(const std::vector<Record>& a, const std::vector<Record>& b,
                    const Thresholds& thresholds) {
   Table table(thresholds);
   table.Add(a);
-  const size_t split = table.Count();
+  const size_t split = table.CountBursts();
   table.Add(b);
   table.Finish();
   Comparison comparison;
@@ -270,14 +272,14 @@ Comparison CompareSinceWhen(const std::vector<Record>& attempts, const Threshold
   if (!comparison.differs) {
     comparison.rows.clear();
     comparison.verdict = fmt::format("No significant change in {} attempts ({} bursts).",
-                                     attempts.size(), table.Count());
+                                     attempts.size(), table.CountBursts());
     return comparison;
   }
   // The row with the smallest p determines the time; of several such rows, the first.
   const auto best = std::min_element(
       comparison.rows.begin(), comparison.rows.end(),
       [](const CompareRow& x, const CompareRow& y) { return x.p.value_or(2) < y.p.value_or(2); });
-  const Bursts& bursts = table.Of(static_cast<size_t>(best - comparison.rows.begin()));
+  const Bursts& bursts = table.BurstsOf(static_cast<size_t>(best - comparison.rows.begin()));
   const BestSplit best_split = LargestDistance(bursts);
   const SplitRange range = RangeOf(best_split, bursts);
   table.SplitAt(best_split.split, &comparison);

@@ -27,7 +27,7 @@ constexpr char kPrefix[] = "persist.vendor.udfps.dynamic.exposure.";
 constexpr size_t kMaxSweepValues = 1000;
 
 struct Name {
-  const char* property;  // below kPrefix
+  const char* property;  // what follows kPrefix
   const char* in_dump;
 };
 constexpr Name kNames[] = {
@@ -132,7 +132,8 @@ ExposureController::ExposureController(const Settings& settings,
     auto& self = *static_cast<ExposureController*>(context);
     self.expo_ = self.is_calibrated_ ? expo : NAN;
   });
-  // The base is so large that no number of steps reaches a bound.
+  // Without a calibration, the base is so large that steps barely change the exposure, which
+  // therefore reaches no bound.
   const Calibration used = calibration.value_or(Calibration{.expo = 1000, .base = 1e9F});
   controller_->UpdateCaliExpo(used.expo, used.base);
 }

@@ -37,28 +37,29 @@ void AddSlots(Row* row, const char* name, bool is_present, const auto& slots) {
 }
 
 Row RowOfAttempt(const Record& record, const AuthEventG7& a, const Thresholds& thresholds) {
-  const bool stored = record.whole && record.g7;
+  const bool is_stored = record.whole && record.g7;
   const bool has_image = a.acquired_info == AuthEventG7::kAcquiredGood;
-  const bool base = record.whole || has_image;
-  const bool printed = stored || (record.g7 && has_image);
-  const bool has_position = printed || (record.g7 && a.acquired_info == kAcquiredPartial);
-  const bool has_stitching = stored || (printed && a.rc == 0);
+  const bool has_outcome = record.whole || has_image;
+  const bool has_matcher_fields = is_stored || (record.g7 && has_image);
+  const bool has_position =
+      has_matcher_fields || (record.g7 && a.acquired_info == kAcquiredPartial);
+  const bool has_stitching = is_stored || (has_matcher_fields && a.rc == 0);
   Row row = {{"acquired_info", a.acquired_info},
-             {"auth_successful", Whole(base, a.auth_successful ? 1 : 0)},
-             {"fid", Whole(base, a.fid)},
-             {"latency", Whole(base, a.latency)},
-             {"iq", Whole(base, a.iq)},
+             {"auth_successful", Whole(has_outcome, a.auth_successful ? 1 : 0)},
+             {"fid", Whole(has_outcome, a.fid)},
+             {"latency", Whole(has_outcome, a.latency)},
+             {"iq", Whole(has_outcome, a.iq)},
              {"t_cov", Real(has_position, a.t_cov)},
              {"t_dist", Real(has_position, a.t_dist)},
              {"lptw", Whole(record.g7, a.lptw)},
              {"rc", Whole(record.g7, a.rc)},
-             {"rawmean_delta", Whole(printed, a.rawmean_delta)},
-             {"packed_metric_1", Whole(stored, a.packed_metric_1)},
-             {"packed_metric_2", Whole(stored, a.packed_metric_2)},
-             {"packed_metric_3", Whole(stored, a.packed_metric_3)},
-             {"extra_metric", Whole(stored, a.extra_metric)},
-             {"foreign_matter_count", Whole(stored, a.foreign_matter_count)},
-             {"match_score", Whole(printed, a.match_score)}};
+             {"rawmean_delta", Whole(has_matcher_fields, a.rawmean_delta)},
+             {"packed_metric_1", Whole(is_stored, a.packed_metric_1)},
+             {"packed_metric_2", Whole(is_stored, a.packed_metric_2)},
+             {"packed_metric_3", Whole(is_stored, a.packed_metric_3)},
+             {"extra_metric", Whole(is_stored, a.extra_metric)},
+             {"foreign_matter_count", Whole(is_stored, a.foreign_matter_count)},
+             {"match_score", Whole(has_matcher_fields, a.match_score)}};
   AddSlots(&row, "stitch_img_num_", has_stitching, a.stitch_img_num_);
   AddSlots(&row, "stitch_img_area_", has_stitching, a.stitch_img_area_);
   row.emplace_back("acquisition_error", Text(AcquisitionError(record)));

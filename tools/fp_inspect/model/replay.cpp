@@ -116,7 +116,7 @@ ControllerTrace Simulate(const Run& run, const Settings& settings,
     trace.expo.push_back(controller.GetExpo());
     fed.push_back(fit == nullptr
                       ? run.attempts[i]
-                      : fit->At(run.attempts[i], controller.GetExpo() / run.recorded.expo[i]));
+                      : fit->Predict(run.attempts[i], controller.GetExpo() / run.recorded.expo[i]));
     trace.rejected += IsRejected(fed.back()) ? 1 : 0;
     const int32_t before = controller.GetStep();
     controller.Feed(fed.back());
@@ -135,17 +135,18 @@ ControllerTrace Simulate(const Run& run, const Settings& settings,
 
 // The first step that only one of the traces has, or that leads to different exposures.
 std::optional<Departure> DepartureOf(const ControllerTrace& recorded, const ControllerTrace& other,
-                                     bool has_same_unit) {
+                                     bool has_same_step_size) {
   for (size_t i = 0; i < std::max(recorded.steps.size(), other.steps.size()); ++i) {
-    const auto in = [i](const ControllerTrace& trace) {
+    const auto ith_step = [i](const ControllerTrace& trace) {
       return i < trace.steps.size() ? std::optional(trace.steps[i]) : std::nullopt;
     };
-    Departure departure = {.recorded = in(recorded), .other = in(other)};
-    auto& [run, at, a, b, modelled] = departure;
-    if (a && b && a->at == b->at && a->step == b->step && has_same_unit) {
+    Departure departure = {.recorded = ith_step(recorded), .other = ith_step(other)};
+    auto& a = departure.recorded;
+    auto& b = departure.other;
+    if (a && b && a->at == b->at && a->step == b->step && has_same_step_size) {
       continue;
     }
-    at = std::min(a ? a->at : SIZE_MAX, b ? b->at : SIZE_MAX);
+    const size_t at = departure.at = std::min(a ? a->at : SIZE_MAX, b ? b->at : SIZE_MAX);
     a = a && a->at == at ? a : std::nullopt;
     b = b && b->at == at ? b : std::nullopt;
     return departure;
@@ -189,10 +190,10 @@ Replay ReplayRecorded(const Device& device, const std::optional<Calibration>& ca
     dumps[dump.begin].push_back(&dump);
   }
   Replay replay = {.calibration = calibration};
-  for (const auto& [begin, of_run] : dumps) {
-    Run run = MakeRun(device.Of(RecordKind::kAttempt), of_run);
+  for (const auto& [begin, run_dumps] : dumps) {
+    Run run = MakeRun(device.Of(RecordKind::kAttempt), run_dumps);
     run.recorded = Simulate(run, run.settings, calibration, nullptr, &run.checks);
-    replay.checks += run.checks.size();
+    replay.check_count += run.checks.size();
     replay.runs.push_back(std::move(run));
   }
   if (fit_sensor) {
@@ -203,18 +204,21 @@ Replay ReplayRecorded(const Device& device, const std::optional<Calibration>& ca
 
 void AddVariant(const Settings& settings, Replay* replay) {
   Variant variant = {.settings = settings};
-  constexpr char kUnit[] = "expo_change_unit_denominator";
+  constexpr char kDenominator[] = "expo_change_unit_denominator";
   for (size_t i = 0; i < replay->runs.size(); ++i) {
     const Run& run = replay->runs[i];
-    Settings of_run = settings;
-    of_run.insert(run.settings.begin(), run.settings.end());
-    const auto unit = [&](const Settings& in) { return in.contains(kUnit) ? in.at(kUnit) : 60; };
-    auto departure = DepartureOf(run.recorded, Simulate(run, of_run, replay->calibration, nullptr),
-                                 unit(of_run) == unit(run.settings));
+    Settings variant_settings = settings;
+    variant_settings.insert(run.settings.begin(), run.settings.end());
+    const auto denominator = [&](const Settings& in) {
+      return in.contains(kDenominator) ? in.at(kDenominator) : 60;
+    };
+    auto departure =
+        DepartureOf(run.recorded, Simulate(run, variant_settings, replay->calibration, nullptr),
+                    denominator(variant_settings) == denominator(run.settings));
     if (departure) {
       departure->run = i;
       if (replay->fit) {
-        departure->modelled = Simulate(run, of_run, replay->calibration, &*replay->fit);
+        departure->modelled = Simulate(run, variant_settings, replay->calibration, &*replay->fit);
       }
       variant.departures.push_back(std::move(*departure));
     }

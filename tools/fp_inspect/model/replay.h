@@ -82,7 +82,7 @@ struct Replay {
   std::vector<Run> runs = {};
   std::vector<Variant> variants = {};
   std::optional<SensorFit> fit = {};
-  size_t checks = 0;
+  size_t check_count = 0;  // of all runs
 };
 
 // Replays every run with its recorded settings. With `fit_sensor`, also fits the sensor model if

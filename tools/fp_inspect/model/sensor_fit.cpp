@@ -113,17 +113,18 @@ std::optional<SensorFit> SensorFit::Of(const std::vector<Image>& images) {
 }
 
 double SensorFit::Quality(double raw) const {
-  const double off = (raw - best_raw) / 1000;
-  return best_quality - falloff * off * off;
+  const double offset = (raw - best_raw) / 1000;
+  return best_quality - falloff * offset * offset;
 }
 
-AuthEventG7 SensorFit::At(const AuthEventG7& attempt, double ratio) const {
+AuthEventG7 SensorFit::Predict(const AuthEventG7& attempt, double exposure_ratio) const {
   AuthEventG7 modelled = attempt;
-  if (attempt.acquired_info != AuthEventG7::kAcquiredGood || ratio == 1 || !std::isfinite(ratio)) {
+  if (attempt.acquired_info != AuthEventG7::kAcquiredGood || exposure_ratio == 1 ||
+      !std::isfinite(exposure_ratio)) {
     return modelled;
   }
   constexpr double kMax = INT32_MAX;
-  const double raw = std::clamp(std::round(attempt.rawmean_delta * ratio), -kMax, kMax);
+  const double raw = std::clamp(std::round(attempt.rawmean_delta * exposure_ratio), -kMax, kMax);
   const double iq = attempt.iq + Quality(raw) - Quality(attempt.rawmean_delta);
   modelled.rawmean_delta = static_cast<int32_t>(raw);
   modelled.iq = static_cast<int32_t>(std::clamp(std::round(iq), 0.0, kMax));

@@ -24,9 +24,9 @@ struct SensorFit {
 
   double Quality(double raw) const;
 
-  // Predicts the attempt with `ratio` times the exposure. It keeps its deviations from the fit, and
-  // its outcome changes if its quality crosses `iq_cut`.
-  AuthEventG7 At(const AuthEventG7& attempt, double ratio) const;
+  // Predicts the attempt at `exposure_ratio` times its exposure. The attempt keeps its deviations
+  // from the fit, and its outcome changes if its quality crosses `iq_cut`.
+  AuthEventG7 Predict(const AuthEventG7& attempt, double exposure_ratio) const;
 
   size_t images = 0;
   double raw_per_ms = 0;

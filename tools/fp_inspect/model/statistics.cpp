@@ -137,13 +137,15 @@ SplitRange RangeOf(const BestSplit& best, std::span<const BurstSum> bursts) {
   return range;
 }
 
-std::vector<double> PermutationTest(const std::vector<Bursts>& rows,
-                                    const std::function<double(std::span<const BurstSum>)>& of) {
+std::vector<double> PermutationTest(
+    const std::vector<Bursts>& rows,
+    const std::function<double(std::span<const BurstSum>)>& statistic) {
   std::vector<Bursts> shuffled = rows;
   std::vector<double> actual;
   actual.reserve(rows.size());
   for (const Bursts& row : rows) {
-    actual.push_back(of(row) * (1 - 1e-9));  // sums in another order differ in the last digits
+    actual.push_back(statistic(row) *
+                     (1 - 1e-9));  // sums in another order differ in the last digits
   }
   std::vector<size_t> as_large(rows.size(), 1);
   std::mt19937_64 random(1);
@@ -156,7 +158,7 @@ std::vector<double> PermutationTest(const std::vector<Bursts>& rows,
       }
     }
     for (size_t row = 0; row < rows.size(); ++row) {
-      as_large[row] += of(shuffled[row]) >= actual[row] ? 1 : 0;
+      as_large[row] += statistic(shuffled[row]) >= actual[row] ? 1 : 0;
     }
   }
   std::vector<double> p;

@@ -71,8 +71,9 @@ SplitRange RangeOf(const BestSplit& best, std::span<const BurstSum> bursts);
 // large as the actual one: (c + 1) / (n + 1) of n = 1,999 random orders, the same in each run; B.
 // Phipson and G. K. Smyth, "Permutation p-values should never be zero", Statistical Applications in
 // Genetics and Molecular Biology 9 (2010), article 39. All rows have the same bursts.
-std::vector<double> PermutationTest(const std::vector<Bursts>& rows,
-                                    const std::function<double(std::span<const BurstSum>)>& of);
+std::vector<double> PermutationTest(
+    const std::vector<Bursts>& rows,
+    const std::function<double(std::span<const BurstSum>)>& statistic);
 
 // The smallest p that such a test can give if the first `split` of `bursts` bursts are on one side.
 double SmallestP(size_t bursts, size_t split);

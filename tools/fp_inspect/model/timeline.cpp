@@ -80,7 +80,8 @@ class Merger {
     }
   }
 
-  // The number of equal records from there on. `to_end`: they reach the end of either history.
+  // The number of equal records from these positions on. Sets `to_end` if they reach the end of
+  // either history.
   size_t MatchLength(size_t old_at, size_t new_at, const std::vector<size_t>& keys,
                      bool* to_end) const {
     size_t run = 0;

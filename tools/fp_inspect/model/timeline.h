@@ -65,11 +65,11 @@ class DeviceBuilder {
   Device Finish();
 
  private:
+  void AddDumps(const Contents& contents, const Zone& zone);
+
   std::string zone_;
   bool salvage_;
   Device device_;
-  void AddDumps(const Contents& contents, const Zone& zone);
-
   int64_t newest_ = INT64_MIN;  // last record of the dump that gave exposure and bring_up
   std::vector<Snapshot> snapshots_;
 };

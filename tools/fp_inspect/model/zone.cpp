@@ -65,7 +65,7 @@ int64_t Zone::ToWall(int64_t epoch) const {
   return localtime_r(&seconds, &parts) != nullptr ? timegm(&parts) : epoch;
 }
 
-std::string Zone::Text(int64_t epoch, const char* form) const {
+std::string Zone::Text(int64_t epoch, const char* format) const {
   Activate();
   const time_t seconds = epoch;
   tm parts = {};
@@ -73,7 +73,7 @@ std::string Zone::Text(int64_t epoch, const char* form) const {
     return std::to_string(epoch);  // the year does not fit, as with a damaged timestamp
   }
   char text[64];
-  return {text, strftime(text, sizeof text, form, &parts)};
+  return {text, strftime(text, sizeof text, format, &parts)};
 }
 
 }  // namespace fp_inspect

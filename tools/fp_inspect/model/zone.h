@@ -23,7 +23,7 @@ class Zone {
   // that hour is assumed to be the first of the two.
   int64_t ToEpoch(int64_t wall) const;
   int64_t ToWall(int64_t epoch) const;
-  std::string Text(int64_t epoch, const char* form = "%Y-%m-%d %H:%M:%S") const;
+  std::string Text(int64_t epoch, const char* format = "%Y-%m-%d %H:%M:%S") const;
 
  private:
   void Activate() const;

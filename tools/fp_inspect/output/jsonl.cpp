@@ -146,12 +146,12 @@ json RunJson(const Run& run, const Device& device, bool check_replay, const Zone
   object["settings"] = run.settings;
   object["steps"] = StepsJson(run, run.recorded, zone);
   for (size_t i = 0; check_replay && i < run.checks.size(); ++i) {
-    const ReplayCheck& of_dump = run.checks[i];
-    object["checks"].push_back({{"input", device.sources[of_dump.source]},
-                                {"attempts", of_dump.attempts},
-                                {"agrees", of_dump.Agrees()},
-                                {"dumped", ExposureJson(of_dump.dumped)},
-                                {"replayed", ExposureJson(of_dump.replayed)}});
+    const ReplayCheck& check = run.checks[i];
+    object["checks"].push_back({{"input", device.sources[check.source]},
+                                {"attempts", check.attempts},
+                                {"agrees", check.Agrees()},
+                                {"dumped", ExposureJson(check.dumped)},
+                                {"replayed", ExposureJson(check.replayed)}});
   }
   return object;
 }

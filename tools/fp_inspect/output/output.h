@@ -18,8 +18,8 @@ namespace fp_inspect {
 // Writes a line to standard error and ignores a failure to write.
 void PrintError(const std::string& text);
 template <typename... Values>
-void PrintErrorf(fmt::format_string<Values...> form, Values&&... values) {
-  PrintError(fmt::format(form, std::forward<Values>(values)...));
+void PrintErrorf(fmt::format_string<Values...> format, Values&&... values) {
+  PrintError(fmt::format(format, std::forward<Values>(values)...));
 }
 
 // Writes the first damaged places to standard error.
@@ -37,7 +37,7 @@ class Output {
   virtual void PutRecord(const Record& /*record*/, const Device& /*device*/,
                          const Thresholds& /*thresholds*/, const Zone& /*zone*/) {}
   virtual void EndList(const Device& /*device*/) {}
-  // With `check`, also writes the comparison with the samples in the dumps.
+  // With `check_replay`, also writes the comparison with the samples in the dumps.
   virtual void PutReplay(const Replay& /*replay*/, const Device& /*device*/, bool /*check_replay*/,
                          const Zone& /*zone*/) {}
   virtual void PutVerified(const Contents& /*contents*/) {}

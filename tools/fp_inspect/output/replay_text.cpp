@@ -22,10 +22,9 @@ void PrintRun(const Run& run, const Device& device, bool check_replay, const Zon
   }
   for (size_t i = 0; check_replay && i < run.checks.size(); ++i) {
     const ReplayCheck& check = run.checks[i];
-    fmt::print(
-        "{} {} after attempt {}: {}{}\n", check.Agrees() ? " " : "!",
-        Printable(device.sources[check.source]), check.attempts, ExposureText(check.dumped),
-        check.Agrees() ? ", same as replay" : "; replay: " + ExposureText(check.replayed));
+    fmt::print("{} {} after attempt {}: {}{}\n", check.Agrees() ? " " : "!",
+               Printable(device.sources[check.source]), check.attempts, ExposureText(check.dumped),
+               check.Agrees() ? ", same as replay" : "; replay: " + ExposureText(check.replayed));
   }
 }
 

@@ -157,7 +157,6 @@ class TextOutput : public Output {
                        failures.IsLarge() ? "share" : "", failures.IsLarge() ? "95 %" : ""));
     for (const CauseCount& count : all.causes) {
       const Share& share = count.of_failures;
-
       PutRow(fmt::format("  {:<42}{:>5}{:>8}{:>9}  {}{}{}", Printable(count.cause.title), share.k,
                          share.IsLarge() ? Percent(share.Value()) : "",
                          share.IsLarge() ? RangeText(share) : "", count.cause.meaning,
@@ -229,7 +228,7 @@ class TextOutput : public Output {
     }
     const auto outliers = std::count_if(fleet.rows.begin(), fleet.rows.end(),
                                         [](const FleetRow& row) { return row.is_outlier; });
-    fmt::print("outliers ({}): {}, above the median with 99.9 % confidence\n", "!", outliers);
+    fmt::print("outliers (!): {}, above the median with 99.9 % confidence\n", outliers);
   }
 
   const bool coloured_ = IsColoured();

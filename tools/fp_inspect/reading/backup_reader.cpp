@@ -228,7 +228,7 @@ class BackupReader {
         continue;
       }
       if (intact) {
-        Stop("frame", "damaged frame");
+        contents_.AddDamage(input_.GetOffset(), "frame", "damaged frame");
       }
       intact = false;
       const size_t next = at.find("0x", 1);
