@@ -1,6 +1,6 @@
 # Debian's builds of the Android platform libraries, as the target fp_utils_android. They have no
-# pkg-config files, and headers and libraries in folders of their own. Also installed beside the
-# CMake package, which needs the same.
+# pkg-config files, and their headers and libraries are in separate folders. This file is also
+# installed beside the CMake packages, which need the same target.
 if(TARGET fp_utils_android)  # a project may look for packages several times
   return()
 endif()

@@ -1,7 +1,7 @@
 # `make package`: a Debian package for each component. Files without a component belong to the
-# development package of the library. The dependencies are the platform's libraries that the headers
-# and the linker reach, and what dpkg-shlibdeps finds on Debian 12. CPack's own look-up is not used,
-# because it adds scripts that call ldconfig; a trigger does that.
+# development package of the library. The dependencies are the platform's libraries that programs
+# compile and link against, and what dpkg-shlibdeps finds on Debian 12. CPack's own look-up is not
+# used, because it adds scripts that call ldconfig; a trigger does that.
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_VERSION "${PROJECT_VERSION}")
 set(CPACK_PACKAGE_CONTACT "fp_utils developers <fp-utils@example.com>")

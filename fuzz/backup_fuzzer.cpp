@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Loads arbitrary content as the backup file of the history FUZZED_HISTORY. It must not crash, and
-// the loaded records must be saved and loaded again unchanged.
+// Loads arbitrary content as the backup file of the history FUZZED_HISTORY. It must not crash. A
+// record that is added and saved must be loaded again, as the last one, and none may be new.
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>

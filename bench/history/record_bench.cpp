@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Compares parsing a record text with the same scan followed by a regular expression, built for
+// Compares parsing a record text with the same parsing followed by a regular expression, built for
 // each record, that removes the fields of the base class.
 #include <benchmark/benchmark.h>
 

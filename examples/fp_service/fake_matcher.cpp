@@ -7,10 +7,11 @@
 namespace fp_service {
 namespace {
 
-constexpr double kMiddleQuality = 22;  // half of the images of this quality match
-constexpr double kQualitySoftness = 2.5;
-constexpr double kHalfCoverage = 45;  // percent; at most half of such images match
-constexpr double kCoverageEdge = 8;
+// Midpoints and scales of the logistic functions; coverage in percent.
+constexpr double kQualityMidpoint = 22;
+constexpr double kQualityScale = 2.5;
+constexpr double kCoverageMidpoint = 45;
+constexpr double kCoverageScale = 8;
 
 // Result codes of a failed match; kNoMatch leaves the reason to the metrics.
 constexpr uint32_t kNoMatch = 1;
@@ -52,8 +53,8 @@ uint32_t ResultCode(const Capture& image, float coverage_percent) {
 // Draws the same number of random numbers for every image, so that runs stay comparable.
 FakeMatcher::Result FakeMatcher::Match(const Capture& image, float coverage_percent) {
   Random& random = storage_.random;
-  const double chance = Logistic((image.quality - kMiddleQuality) / kQualitySoftness) *
-                        Logistic((coverage_percent - kHalfCoverage) / kCoverageEdge);
+  const double chance = Logistic((image.quality - kQualityMidpoint) / kQualityScale) *
+                        Logistic((coverage_percent - kCoverageMidpoint) / kCoverageScale);
   const bool matches = random.Uniform() < chance && IsEnrolled(image.finger);
   const int32_t latency_ms = 180 + random.UniformInt(40);
   const int32_t score = random.UniformInt(60);
@@ -90,7 +91,7 @@ FakeMatcher::Enrollment FakeMatcher::FinishEnrollment(int finger) {
   } else if (enrollment.average_quality < kEnrollQuality) {
     enrollment.rc = kEnrollLowQuality;
   } else {
-    At(finger) = true;
+    EnrolledFlag(finger) = true;
   }
   captures_ = 0;
   coverage_sum_ = quality_sum_ = raw_mean_sum_ = 0;

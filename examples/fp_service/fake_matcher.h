@@ -13,8 +13,7 @@ namespace fp_service {
 // Stands in for the matcher of a real device. It knows which finger an image shows, and rejects it
 // as often as a matcher would for the quality and the coverage of the image:
 //
-//   chance of a match = logistic((quality - middle) / softness) * logistic((coverage - half) /
-//   edge)
+//   chance of a match = logistic(quality) * logistic(coverage), each with its midpoint and scale
 //
 // The library's records translate its result codes and metrics into a `reason:`.
 class FakeMatcher {
@@ -52,13 +51,13 @@ class FakeMatcher {
   void AddImage(const Capture& image, float coverage_percent);
   // Enrolls `finger` with the images since the last enrollment, if they are good enough.
   Enrollment FinishEnrollment(int finger);
-  void Delete(int finger) { At(finger) = false; }
+  void Delete(int finger) { EnrolledFlag(finger) = false; }
 
   bool IsEnrolled(int finger) const { return storage_.enrolled[static_cast<size_t>(finger)]; }
   int32_t CountEnrolled() const;
 
  private:
-  bool& At(int finger) { return storage_.enrolled[static_cast<size_t>(finger)]; }
+  bool& EnrolledFlag(int finger) { return storage_.enrolled[static_cast<size_t>(finger)]; }
 
   Storage& storage_;
 

@@ -160,10 +160,10 @@ void PlayTwice(const Scenario& scenario, const Settings& settings) {
     fs::create_directories(copy.GetPath() + "/" + kPersistentFolder);
     fs::copy(files, copy.GetPath() + "/" + kPersistentFolder, fs::copy_options::recursive);
   }
-  Properties off = settings.properties;
-  off.emplace_back("persist.vendor.udfps.dynamic_exposure_supported", "false");
+  Properties without_control = settings.properties;
+  without_control.emplace_back("persist.vendor.udfps.dynamic_exposure_supported", "false");
   Shared& without = MakeShared(settings.seed);
-  Play({copy.GetPath(), off, Output::kNothing, without, nullptr}, scenario);
+  Play({copy.GetPath(), without_control, Output::kNothing, without, nullptr}, scenario);
   Play({settings.device_root, settings.properties,
         settings.verbose ? Output::kAttempts : Output::kDumps, MakeShared(settings.seed),
         &without.report},

@@ -45,10 +45,10 @@ double Transmission(Skin skin) {
 }  // namespace
 
 Contact SensorModel::Touch(Placement placement) {
-  const double off = placement == Placement::kGood ? kGoodOffset : kPoorOffset;
+  const double spread = placement == Placement::kGood ? kGoodOffset : kPoorOffset;
   // Limited to the area in which the touch controller reports touches.
   const auto near = [&](double center) {
-    return static_cast<float>(center + std::clamp(random_.Noise(off), -200.0, 200.0));
+    return static_cast<float>(center + std::clamp(random_.Noise(spread), -200.0, 200.0));
   };
   Contact contact = {};
   contact.x = near(kCenterX);
@@ -64,9 +64,9 @@ Capture SensorModel::Expose(const Scene& scene) {
   const double leak = kLeakRawPerMs * std::min(1.0, scene.lux / kFullSunLux);
   const double raw =
       (panel * Transmission(scene.skin) + leak) * exposure_ms_ + random_.Noise(kRawNoise);
-  const double off = (raw - kIdealRaw) / 1000;
+  const double offset = (raw - kIdealRaw) / 1000;
   const double quality = std::clamp(
-      kBestQuality - kQualityFalloff * off * off + random_.Noise(kQualityNoise), 0.0, 100.0);
+      kBestQuality - kQualityFalloff * offset * offset + random_.Noise(kQualityNoise), 0.0, 100.0);
   return {.raw_mean = static_cast<int32_t>(std::lround(raw)),
           .quality = static_cast<int32_t>(std::lround(quality)),
           .finger = scene.finger};

@@ -24,7 +24,7 @@ class Service {
     exposure_.UpdateCaliExpo(expo_ms_, 300);
   }
 
-  void Rejected(int quality, int raw_mean) {
+  void RecordReject(int quality, int raw_mean) {
     auto event = std::static_pointer_cast<AuthEventG7>(attempts_.CreateAttempt());
     event->acquired_info = AuthEvent::kAcquiredGood;
     event->iq = quality;
@@ -50,7 +50,7 @@ int main() {
   android::base::SetProperty("persist.vendor.udfps.dynamic_exposure_supported", "true");
   Service service;
   for (int i = 0; i < 10; ++i) {
-    service.Rejected(12, 2900);
+    service.RecordReject(12, 2900);
   }
   service.Dump(STDOUT_FILENO);
 }

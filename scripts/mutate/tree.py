@@ -157,7 +157,7 @@ class Tree:
         return None
 
     def fails(self, test):
-        """Twice, since a test may fail by chance on a loaded machine."""
+        """Runs the test twice, since it may fail by chance on a loaded machine."""
         return self.fails_once(*test) and self.fails_once(*test)
 
     def fails_once(self, command, folder, seconds):

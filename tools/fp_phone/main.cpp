@@ -149,14 +149,14 @@ int Main(int argc, char** argv) {
   Options options;
   std::string clock;
   std::string panel;
-  std::string form;
+  std::string format;
   bool is_stopped = false;
   bool is_at_once = false;
   CLI::App app("runs programs on a simulated phone, and shows what they leave there", "fp_phone");
   app.footer(kFooter);
   AddRun(&app, &options, &clock, &is_stopped);
   AddOthers(&app, &options, &panel, &is_at_once);
-  app.add_option("--describe", form)->check(CLI::IsMember({"man", "bash", "zsh"}))->group("");
+  app.add_option("--describe", format)->check(CLI::IsMember({"man", "bash", "zsh"}))->group("");
   app.require_subcommand(0, 1);
   TakeProgram(&argc, argv, &options);
   const bool is_run = argc > 1 && std::string_view(argv[1]) == "run";
@@ -164,8 +164,8 @@ int Main(int argc, char** argv) {
     app.parse(argc, argv);
     Parse(clock, is_stopped, panel, &options);
     options.pace = is_at_once ? fp_host::Pace::kAtOnce : fp_host::Pace::kRecorded;
-    if (!form.empty()) {
-      fmt::print("{}", fp_tools::Describe(app, form, "COMMAND --root DIR [OPTION...]"));
+    if (!format.empty()) {
+      fmt::print("{}", fp_tools::Describe(app, format, "COMMAND --root DIR [OPTION...]"));
       return kDone;
     }
     if (app.get_subcommands().empty()) {
