@@ -12,8 +12,8 @@ if(FP_UTILS_SANITIZE)
     -fsanitize=${FP_UTILS_SANITIZE} -fno-sanitize-recover=all)
   target_link_options(fp_utils_options INTERFACE -fsanitize=${FP_UTILS_SANITIZE})
   if(FP_UTILS_SANITIZE MATCHES undefined)
-    # The run time of this check creates pipes, which would fail when tests inject faults into
-    # pipe().
+    # The runtime library of this check creates pipes, which would fail when tests inject faults
+    # into pipe().
     target_compile_options(fp_utils_options INTERFACE -fno-sanitize=vptr)
   endif()
 endif()

@@ -55,13 +55,13 @@ void Print(AndroidLogFormat* format, log_msg* message) {
 std::string CheckLogFilter(const std::string& text) {
   const Format format(android_log_format_new());
   const bool is_good = android_log_addFilterString(format.get(), text.c_str()) == 0;
-  return is_good ? "" : fmt::format("\"{}\" is no filter such as TAG:I or *:S", text);
+  return is_good ? "" : fmt::format("\"{}\" is not a filter such as TAG:I or *:S", text);
 }
 
 std::string CheckLogFormat(const std::string& text) {
   const AndroidLogPrintFormat format = android_log_formatFromString(text.c_str());
   const bool is_good = format > FORMAT_OFF && format <= FORMAT_LONG;
-  return is_good ? "" : fmt::format("\"{}\" is no format such as threadtime, time or brief", text);
+  return is_good ? "" : fmt::format("\"{}\" is not a format such as threadtime, time or brief", text);
 }
 
 int ShowLog(const Options& options) {

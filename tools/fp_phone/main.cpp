@@ -132,14 +132,14 @@ void Parse(const std::string& clock, bool is_stopped, const std::string& panel, 
   if (!clock.empty()) {
     const auto at_ms = ParseMoment(clock);
     if (!at_ms) {
-      throw CLI::ValidationError("--clock", fmt::format("\"{}\" is no time", clock));
+      throw CLI::ValidationError("--clock", fmt::format("\"{}\" is not a time", clock));
     }
     options->clock = {.at_ms = *at_ms, .is_stopped = is_stopped};
   }
   if (!panel.empty()) {
     const auto size = ParsePanel(panel);
     if (!size) {
-      throw CLI::ValidationError("--panel", fmt::format("\"{}\" is no size like 1080x2340", panel));
+      throw CLI::ValidationError("--panel", fmt::format("\"{}\" is not a size such as 1080x2340", panel));
     }
     options->panel = *size;
   }

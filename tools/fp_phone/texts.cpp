@@ -36,11 +36,11 @@ bool IsPropertyName(std::string_view name) {
 std::string CheckProperty(const std::string& text) {
   const size_t equals = text.find('=');
   if (equals == text.npos) {
-    return fmt::format("\"{}\" is no NAME=VALUE", text);
+    return fmt::format("\"{}\" is not NAME=VALUE", text);
   }
   const std::string name = text.substr(0, equals);
   if (!IsPropertyName(name)) {
-    return fmt::format("\"{}\" is no name of a property", name);
+    return fmt::format("\"{}\" is not a property name", name);
   }
   const bool is_long = text.size() - equals - 1 > kMaxValue && !name.starts_with("ro.");
   if (is_long || text.find('\n') != text.npos) {
