@@ -61,7 +61,8 @@ std::string CheckLogFilter(const std::string& text) {
 std::string CheckLogFormat(const std::string& text) {
   const AndroidLogPrintFormat format = android_log_formatFromString(text.c_str());
   const bool is_good = format > FORMAT_OFF && format <= FORMAT_LONG;
-  return is_good ? "" : fmt::format("\"{}\" is not a format such as threadtime, time or brief", text);
+  return is_good ? ""
+                 : fmt::format("\"{}\" is not a format such as threadtime, time or brief", text);
 }
 
 int ShowLog(const Options& options) {

@@ -139,7 +139,8 @@ void Parse(const std::string& clock, bool is_stopped, const std::string& panel, 
   if (!panel.empty()) {
     const auto size = ParsePanel(panel);
     if (!size) {
-      throw CLI::ValidationError("--panel", fmt::format("\"{}\" is not a size such as 1080x2340", panel));
+      throw CLI::ValidationError("--panel",
+                                 fmt::format("\"{}\" is not a size such as 1080x2340", panel));
     }
     options->panel = *size;
   }
