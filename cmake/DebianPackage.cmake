@@ -48,13 +48,13 @@ set(CPACK_DEBIAN_UNSPECIFIED_PACKAGE_CONTROL_EXTRA
 
 if(FP_UTILS_BUILD_TESTS)
   fp_utils_debian_package(host libfp-utils-host-dev libdevel
-    "fp-utils-dev (= ${PROJECT_VERSION}), libc6 (>= 2.34), libgcc-s1 (>= 3.0), libstdc++6 (>= 12), libgtest-dev"
+    "fp-utils-dev (= ${PROJECT_VERSION}), libc6 (>= 2.34), libgcc-s1 (>= 3.0), libstdc++6 (>= 12), libfmt9, libgtest-dev"
     "simulated phone for tests of Android services
 On it a service of an Android device runs on a Linux machine: a file tree, a
 touch node, sensors, display and thermal services that a test can kill, delay
 and restart, system calls that fail, and a wall clock that a test sets.
-The package has headers, libraries, a GoogleTest fixture, a CMake package and
-pkg-config files.")
+The package has headers, libraries, a GoogleTest fixture, a CMake package,
+pkg-config files, and fp_phone, which runs any program on the phone.")
   fp_utils_debian_package(tools fp-utils-tools utils
     "fp-utils-dev (= ${PROJECT_VERSION}), libc6 (>= 2.34), libgcc-s1 (>= 3.0), libstdc++6 (>= 12), libfmt9"
     "reader of fingerprint dumps and histories
