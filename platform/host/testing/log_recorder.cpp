@@ -8,9 +8,16 @@
 namespace fp_host {
 namespace {
 
+struct Log {
+  std::mutex mutex;
+  std::vector<LogLine> lines;  // guarded by mutex
+};
+
 // Never destroyed: a worker may log while the process ends.
-auto& mutex = *new std::mutex;
-auto& lines = *new std::vector<LogLine>;
+Log& TheLog() {
+  static auto& log = *new Log;
+  return log;
+}
 
 }  // namespace
 
@@ -19,8 +26,8 @@ std::ostream& operator<<(std::ostream& out, const LogLine& line) {
 }
 
 std::vector<LogLine> TakeLog() {
-  const std::lock_guard lock(mutex);
-  return std::exchange(lines, {});
+  const std::lock_guard lock(TheLog().mutex);
+  return std::exchange(TheLog().lines, {});
 }
 
 void MuteLog(bool mute) {
@@ -34,19 +41,16 @@ size_t CountLinesWith(const std::vector<LogLine>& log, const std::string& text) 
 }
 
 void AddLogLine(LogLine line) {
-  const std::lock_guard lock(mutex);
-  lines.push_back(std::move(line));
+  const std::lock_guard lock(TheLog().mutex);
+  TheLog().lines.push_back(std::move(line));
 }
 
-namespace {
-
-[[maybe_unused]] const bool is_installed = [] {
+bool RecordLog() {
   __android_log_set_logger([](const __android_logger_data* data, const char* message) {
     AddLogLine({data->priority, data->tag, message});
   });
   MuteLog(false);
   return true;
-}();
+}
 
-}  // namespace
 }  // namespace fp_host

@@ -86,6 +86,11 @@ inline LogLine Error(std::string tag, std::string message) {
   return {ANDROID_LOG_ERROR, std::move(tag), std::move(message)};
 }
 
+// Starts recording. The constant calls it in every program that includes this header, and so links
+// the recorder.
+bool RecordLog();
+[[maybe_unused]] inline const bool is_log_recorded = RecordLog();
+
 // The lines that were logged since the last call, in order.
 std::vector<LogLine> TakeLog();
 
