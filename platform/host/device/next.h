@@ -7,9 +7,10 @@
 
 namespace fp_host {
 
-// libc's definition of the interposed function `name`.
+// libc's definition of the interposed function `name`. Hidden, because RTLD_NEXT is relative to the
+// library that this copy is in.
 template <typename Function>
-Function* Next(const char* name) {
+[[gnu::visibility("hidden")]] Function* Next(const char* name) {
   auto* function = reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
   if (function == nullptr) {
     abort();
