@@ -194,7 +194,7 @@ TEST_F(SensorFaultsTest, SlowCallsAreWaitedFor) {
 // The service dies before or after a call has done its work, and restarts at once or does not.
 // Until the client is told, it may still use the old handles.
 TEST_F(SensorFaultsTest, ServiceDiesDuringACall) {
-  CountDeadHandleUses();
+  AllowDeadHandleUses();
   for (const int kind : {0, 1, 2, 3}) {
     ForEachCall([&](const Operation& operation, const std::string& function, int normal) {
       Prepare(operation);

@@ -6,7 +6,7 @@
 // The simulated device's file tree. Programs linked with the simulated device find the device's
 // absolute paths (/data/vendor, /dev/fth_fd, /dev/trusty-log0, /sys/firmware/devicetree) below a
 // folder of the host; every other path is the host's own. Without a root these paths do not exist.
-// The calls that follow a device path are open, openat, fopen, mkdir and unlink, also inside
+// The calls that are redirected are open, openat, fopen, mkdir and unlink, also inside
 // streams and Android's libraries; others, such as stat and what is built on it, take HostPath().
 //
 // Threading:  set the root before other threads use the device. Any thread may call HostPath().

@@ -67,7 +67,7 @@ struct SensorFault {
   static constexpr int kForever = -1;
 
   std::string function;
-  int result = -EINVAL;  // what a failing call returns; null if it returns a pointer
+  int result = -EINVAL;  // of a failing call; null for one that returns a pointer
   int calls = 1;         // how many calls in a row fail, or kForever
 };
 // Sets the fault of a function and replaces its earlier one; aborts on an unknown function. A fault
@@ -75,7 +75,7 @@ struct SensorFault {
 // ASensorManager_getSensorList makes the bridge's own query fail, so the manager keeps an empty
 // list.
 void SetSensorFault(const SensorFault& fault);
-// Removes all faults, and all hooks that OnSensorCall() has set. Hooks that are running go on.
+// Removes all faults, and all hooks that OnSensorCall() has set. Running hooks continue.
 void ClearSensorFaults();
 
 // Sets the hooks of a function: on the calling thread, `before` runs at the beginning of each call
@@ -94,8 +94,8 @@ void RecordSensorCalls(bool record);
 std::vector<SensorCall> TakeSensorCalls();
 
 // A call on a dangling handle, or on a destroyed queue, aborts with a message. After
-// CountDeadHandleUses() it is counted instead and returns what it would return for a null handle.
-void CountDeadHandleUses();
+// AllowDeadHandleUses() it is counted instead and returns what it would return for a null handle.
+void AllowDeadHandleUses();
 int GetDeadHandleUses();
 
 }  // namespace fp_host

@@ -23,7 +23,7 @@ class Process;
 }  // namespace ipc
 
 // While the service managers fail, no service is declared or found, and waits for one, also those
-// under way, return null. Connections that stand go on.
+// under way, return null. Existing connections keep working.
 void SetServiceManagerFailing(bool failing);
 
 class ScopedServiceManagerFailure : public Scoped {

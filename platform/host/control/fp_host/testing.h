@@ -23,7 +23,8 @@
 #include "fp_host/services.h"
 
 // What GoogleTests of services need beside the other controls: fixtures, the log, waits with a
-// bound, and tables of faults. Link fp_host_testing, which also has a main().
+// bound, and tables of faults. Link fp_host::testing (pkg-config: fp_host-testing), which also
+// has a main().
 //
 // Threading:  fixtures belong to the test's thread; any thread may call anything else.
 
@@ -108,14 +109,15 @@ void MuteLog(bool mute);
 
 // --- Threads and time
 
-// The bound of every wait, longer than any passing test needs under a sanitizer.
+// The bound of Eventually(), Recorder and Gate, longer than any passing test needs under a
+// sanitizer.
 constexpr std::chrono::seconds kWaitBound(30);
 
 // Polls until `condition` holds. False on timeout.
 bool Eventually(const std::function<bool()>& condition);
 
 // Runs `action` on a thread of its own and aborts if it has not returned after two minutes. Its
-// failures name `what`.
+// failures are reported with `what`.
 void RunBounded(const std::string& what, const std::function<void()>& action);
 
 // Collects what callbacks on other threads deliver, so that a test can wait for it.
@@ -148,7 +150,7 @@ class Recorder {
   std::vector<Item> items_;
 };
 
-// Holds threads at Pass() until it is opened, within the bound of Eventually().
+// Holds threads at Pass() until it is opened, for at most kWaitBound.
 class Gate {
  public:
   void Pass();

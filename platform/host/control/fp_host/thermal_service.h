@@ -15,7 +15,8 @@
 
 namespace fp_host {
 
-// The AIDL thermal HAL. A restart keeps the values it measures and drops the registered callbacks.
+// The AIDL thermal HAL. A restart keeps the values that were set and drops the registered
+// callbacks.
 //
 // Threading:  any thread may call any operation.
 // Units:      degrees Celsius.
@@ -42,8 +43,8 @@ class ThermalService : public AidlService {
   void Notify(const Temperature& temperature);
   int CountCallbacks() const;
 
-  // The calls that the service handled, as "operation" or "operation type", oldest first; of more
-  // than a thousand the last thousand.
+  // The calls that the service handled, as "operation" or "operation type", oldest first; at
+  // most the newest 1,000.
   std::vector<std::string> TakeCalls();
 
  protected:

@@ -48,8 +48,8 @@ using PushTouchRecords = std::function<bool(const std::vector<TouchRecord>& reco
 //
 // Blocking:   sleeps until each report is due, unless the pace is kAtOnce.
 // Errors:     returns an empty text, or file, line and reason. Nothing is pushed from a recording
-//             with an error. A line has at most 1,024 bytes, a recording at most 250,000 records
-//             and a day.
+//             with an error. A line has at most 1,024 bytes, a recording at most 250,000 records,
+//             and it lasts at most a day.
 std::string PlayTouchRecording(const std::string& path, const TouchPanel& panel, Pace pace,
                                const PushTouchRecords& push);
 

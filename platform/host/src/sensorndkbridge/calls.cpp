@@ -163,7 +163,7 @@ std::vector<SensorCall> TakeSensorCalls() {
   return std::exchange(Get().calls, {});
 }
 
-void CountDeadHandleUses() { Get().counts_dead_handles = true; }
+void AllowDeadHandleUses() { Get().counts_dead_handles = true; }
 
 int GetDeadHandleUses() { return Get().dead_handle_uses; }
 

@@ -31,7 +31,7 @@ void RecordCall(const char* function, std::initializer_list<std::string> argumen
 // Aborts for a call that would crash on a device, or that is not simulated.
 [[noreturn]] void AbortForArgument(const char* function, const std::string& argument);
 
-// Aborts, or counts the use after CountDeadHandleUses().
+// Aborts, or counts the use after AllowDeadHandleUses().
 void ReportDeadHandle(const char* function, const std::string& handle);
 
 template <typename Value>
@@ -55,7 +55,7 @@ std::string TextOf(const Value& value) {
 }
 
 // Runs `work` as the named platform call, with all of the above. A handle may die while the call
-// runs, which is no misuse, so `work` has to check it again.
+// runs, which is not a misuse, so `work` has to check it again.
 template <typename Work, typename... Arguments>
 auto PlatformCall(const char* function, Work work, Arguments... arguments) {
   (CheckHandle(function, arguments), ...);
