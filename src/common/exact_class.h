@@ -17,8 +17,8 @@ const void* VtableOf(const Base& object) {
 
 // Returns `object` as a Known if that is exactly its class, and null if it is of any other class,
 // also one derived from Known. Known must be an exported class whose virtual functions are defined
-// in one source, so that the process has one vtable for it. typeid is no alternative: most services
-// are built without RTTI, and the vtables of their classes have no type information.
+// in one source, so that the process has one vtable for it. typeid cannot be used instead: most
+// services are built without RTTI, and the vtables of their classes have no type information.
 template <typename Known, typename Base>
 const Known* ExactCast(const Base& object) {
   static const void* const vtable = VtableOf<Base>(Known());

@@ -116,7 +116,8 @@ TEST_F(AlsMonitorTest, FailedStartIsRetriedFromTheStepThatFailed) {
   }
 }
 
-// Every operation fails while there is no manager. Sampling goes on once the same manager is back.
+// Every operation fails while there is no manager. Sampling continues once the same manager is
+// back.
 TEST_F(AlsMonitorTest, MissingManagerLosesNothing) {
   StartQuietly();
   ReportLux(10);

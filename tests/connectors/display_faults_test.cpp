@@ -95,7 +95,7 @@ TEST_F(DisplayFaultsTest, EverySwitchMeetsEveryFaultAndRecovers) {
   }
 }
 
-TEST_F(DisplayFaultsTest, ConnectionThatStandsNeedsNoServiceManager) {
+TEST_F(DisplayFaultsTest, ExistingConnectionNeedsNoServiceManager) {
   Phone phone;
   EXPECT_EQ(0, phone.Set(true));
   phone.service.Undeclare();

@@ -381,7 +381,7 @@ TEST_F(FpsTouchHandlerTest, FailingPollSaysNothingAboutTheDevice) {
 }
 
 // Clients may copy the event as bytes, so its padding is zero too.
-TEST_F(FpsTouchHandlerTest, ClearedEventIsZeroInEveryOtherByte) {
+TEST_F(FpsTouchHandlerTest, ClearedEventIsZeroExceptItsType) {
   alignas(FpsTouchHandler) unsigned char memory[sizeof(FpsTouchHandler)];
   memset(memory, 0xA5, sizeof memory);
   auto* const handler = new (memory) FpsTouchHandler;

@@ -78,7 +78,7 @@ TEST_F(FpServiceTest, DayComparesWithAndWithoutExposureControl) {
   EXPECT_TRUE(first.Has("\nbright noon, outdoors: exposure control helped, "));
   const Row hasty = RowOf(first, "hasty touches");
   EXPECT_EQ(hasty.with[0], hasty.without[0]) << "the same touches in both runs";
-  EXPECT_TRUE(first.Has("it began at ")) << "wet fingers pay for noon's steps";
+  EXPECT_TRUE(first.Has("it began at ")) << "the steps at noon cost rejects of wet fingers";
 
   EXPECT_TRUE(first.Has("fid:2, capture_count:10, iq_avg:44.80, enrolled_fingers_count:1, rc:1"));
   EXPECT_TRUE(first.Has("  #004 2026-03-04 22:55:00 op:DEL, gid:0, fid:3"));

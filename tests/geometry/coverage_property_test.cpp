@@ -70,7 +70,8 @@ bool IsExactWith(
   return true;
 }
 
-// The cases include some that a bound which is too small counts wrong.
+// With a bound that is too small, some of the cases are counted wrongly. kBoundFactor
+// is twice the proven bound.
 TEST(CoverageProperty, HalfTheBoundIsNoticed) {
   EXPECT_TRUE(IsExactWith(EllipseRows::kBoundFactor, Share(200000)));
   EXPECT_FALSE(IsExactWith(EllipseRows::kBoundFactor / 4, 200000)) << "half the bound";

@@ -100,8 +100,8 @@ TEST_P(BackupDamage, OddLengths) {
   } kCases[] = {
       {"empty text: its CRC holds, the record does not parse", Frame(""), "failed to parse", true},
       {"1023 bytes", Frame(long_text.substr(1)), "failed to parse", true},
-      {"1024 bytes: the buffer's end mark is in the CRC", Frame(long_text), "Crc checksum", false},
-      {"1024 bytes that end in the mark", Frame(ends_in_zero), "failed to parse", true},
+      {"1024 bytes: the buffer's final NUL is in the CRC", Frame(long_text), "Crc checksum", false},
+      {"1024 bytes that end in NUL", Frame(ends_in_zero), "failed to parse", true},
       {"1025 bytes", Frame(long_text + "x"), "1025 bytes is too long", false},
       {"4 GiB", Frame("x", 1UL << 32), "4294967296 bytes is too long", false},
       {"all ones", Frame("x", ~0UL), "18446744073709551615 bytes is too long", false},
@@ -140,7 +140,7 @@ TEST_P(BackupDamage, OddFiles) {
   Load("");
   ASSERT_EQ(0, truncate(path.c_str(), 1L << 30));
   EXPECT_TRUE(GetParam().start()->RecordTexts().empty());
-  EXPECT_LOG() << "a gigabyte of zeros is no header";
+  EXPECT_LOG() << "a gigabyte of zeros is not a header";
 
   Remove(GetParam().path);
   std::filesystem::create_directory(path);

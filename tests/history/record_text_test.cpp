@@ -54,7 +54,7 @@ class TextMutator {
  private:
   size_t Below(size_t limit) { return random_() % limit; }
   char Character() {
-    constexpr char kCharacters[] = "0123456789abcdefABCDEFxX,,..-+ \t\n%enip";  // and the end mark
+    constexpr char kCharacters[] = "0123456789abcdefABCDEFxX,,..-+ \t\n%enip";  // and NUL
     return kCharacters[Below(sizeof kCharacters)];
   }
 

@@ -33,7 +33,7 @@ TEST(HidlDeathTest, UncheckedFailureAborts) {
   Return<void> moved = fail(DEAD_OBJECT);
   EXPECT_DEATH(Return<void>(std::move(moved)), "");
   EXPECT_FALSE(moved.isOk());
-  Void();  // an unchecked success is no error
+  Void();  // an unchecked success is not an error
 }
 
 TEST(HidlInterfaces, AreEqualByTheObjectBehindThem) {

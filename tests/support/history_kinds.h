@@ -30,7 +30,7 @@ class HistoryUnderTest {
 struct HistoryKind {
   const char* name;
   const char* path;
-  int capacity;  // capacity, and records in a file of usual size
+  int capacity;  // in records
   // Constructs the history and loads its file, as a service does when it starts.
   std::function<std::unique_ptr<HistoryUnderTest>()> start;
 

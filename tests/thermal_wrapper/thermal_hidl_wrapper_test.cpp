@@ -287,7 +287,7 @@ TEST_F(ThermalHidlWrapperTest, DebugDumpsTheService) {
   EXPECT_TRUE(wrapper_->debug(nullptr, {"-v"}).isOk());
   EXPECT_EQ(2, service_.CountCalls());
   service_.DieAtCall(1, RemoteService::Death::kBeforeCall);
-  EXPECT_EQ("", dump(1, {"-v"})) << "no service, no text, no harm";
+  EXPECT_EQ("", dump(1, {"-v"})) << "without the service there is no text";
   EXPECT_EQ("", dump(1, {}));
 }
 

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Timelines put together from several histories, why attempts failed, and what the shares are
-// worth.
+// Timelines merged from several histories, causes of failed attempts, and the statistics of shares.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -107,15 +106,15 @@ TEST(InspectTimeline, RestartsGapsAndLostPast) {
     all.push_back(Attempt(kStart + i * 100, {.iq = i}));
   }
   const auto part = [&](int from, int to) { return Records(all.begin() + from, all.begin() + to); };
-  // A restart loses what was not saved: attempts 46 to 49 stand in the first report only.
-  Records behind_restart = part(10, 46);
+  // A restart loses what was not saved: attempts 46 to 49 are in the first report only.
+  Records after_restart = part(10, 46);
   const Records later = part(50, 70);
-  behind_restart.insert(behind_restart.end(), later.begin(), later.end());
-  Timeline timeline = Merge({Dump(part(0, 50)), Dump(behind_restart)}).Of(RecordKind::kAttempt);
+  after_restart.insert(after_restart.end(), later.begin(), later.end());
+  Timeline timeline = Merge({Dump(part(0, 50)), Dump(after_restart)}).Of(RecordKind::kAttempt);
   EXPECT_EQ(TextsOf(part(0, 70)), TextsOf(timeline.records));
   EXPECT_EQ(4u, timeline.dropped);
 
-  // A line that did not read in one report.
+  // One report has a line that could not be parsed.
   Records with_hole = part(5, 55);
   with_hole.erase(with_hole.begin() + 20);
   timeline = Merge({Dump(part(0, 50)), Dump(with_hole)}).Of(RecordKind::kAttempt);
@@ -192,7 +191,7 @@ TEST(InspectSummary, CountsAndCrossChecks) {
       Merge({std::move(dump), Dump({Error(kStart + 20000, "failed to enable lhbm")})});
   const Summary summary = Summarise(device, GroupBy::kBurst, Zone());
   EXPECT_EQ(32u, summary.all.attempts);
-  EXPECT_EQ(31u, summary.all.bursts) << "a pause of ten minutes is none";
+  EXPECT_EQ(31u, summary.all.bursts) << "a pause of ten minutes does not end a burst";
   EXPECT_EQ(31u, summary.periods.size());
   EXPECT_EQ(20u, summary.all.rejected.k);
   EXPECT_EQ(30u, summary.all.rejected.n);
@@ -224,7 +223,7 @@ TEST(InspectStatistics, Wilson) {
   EXPECT_EQ(1, WilsonInterval(7, 7).high);
 }
 
-// Newcombe's values stand in table II of the article that the header names; Holm's are worked by
+// Newcombe's values are in table II of the article that the header names; Holm's are worked by
 // hand.
 TEST(InspectStatistics, Differences) {
   const struct {
@@ -244,7 +243,7 @@ TEST(InspectStatistics, Differences) {
   for (size_t i = 0; i < corrected.size(); ++i) {
     EXPECT_DOUBLE_EQ(by_hand[i], corrected[i]);
   }
-  // Of the 20 ways to choose three of six bursts two lie as far apart.
+  // Of the 20 ways to choose three of six bursts, two differ as much.
   const Bursts bursts = {{10, 1}, {10, 2}, {10, 3}, {10, 7}, {10, 8}, {10, 9}};
   const auto p = PermutationTest({bursts}, [](auto row) { return Distance(row, 3); });
   EXPECT_NEAR(0.1, p.at(0), 0.02);
@@ -253,7 +252,7 @@ TEST(InspectStatistics, Differences) {
   EXPECT_NEAR(0.6 - 0.160, MeanInterval(bursts, 3).low, 0.001);
 }
 
-// Attempts of a device in bursts that are all good or all rejected, at the chance of `rejected`.
+// Attempts of a device in bursts that are all good or, with probability `rejected`, all rejected.
 Records Days(std::mt19937_64* random, int bursts, double rejected, const Try& good, const Try& bad,
              int64_t start = kStart) {
   Records attempts;
@@ -289,7 +288,7 @@ TEST(InspectCompare, CoverageBeforeLight) {
   std::mt19937_64 random(1);
   const Try success = {.success = true};
   const Records good = Days(&random, 20, 0.1, success, {.iq = 20, .raw = 3000});
-  // Images of uncovered fingers are darker and poorer: no word on light.
+  // Images of uncovered fingers are darker and poorer, which says nothing about the light.
   Comparison found =
       Compare(good, Days(&random, 20, 0.7, success, {.iq = 30, .t_cov = 20, .raw = 900}), {});
   EXPECT_TRUE(RowIn(found, "t_cov").IsSignificant());
@@ -310,7 +309,7 @@ TEST(InspectCompare, CoverageBeforeLight) {
   EXPECT_NE(std::string::npos, Compare({}, day, {}).verdict.find("too few records"));
   const Try endless = {.success = true, .t_cov = std::numeric_limits<float>::infinity()};
   found = Compare(good, Days(&random, 20, 0.1, endless, {.iq = 20, .raw = 3000}), {});
-  EXPECT_FALSE(RowIn(found, "t_cov").IsSignificant()) << "no number, no evidence";
+  EXPECT_FALSE(RowIn(found, "t_cov").IsSignificant()) << "infinity is not evidence";
 }
 
 TEST(InspectCompare, SinceWhen) {
@@ -345,7 +344,8 @@ TEST(InspectFields, ConditionsOnWhatARecordHas) {
   }
   EXPECT_FALSE(admits("iq<28", record));
   EXPECT_FALSE(admits("packed_metric_1=0", record)) << "not in a dump";
-  EXPECT_FALSE(admits("t_cov<60", Attempt(kStart, {.acquired = 9}))) << "no image, no coverage";
+  EXPECT_FALSE(admits("t_cov<60", Attempt(kStart, {.acquired = 9})))
+      << "no coverage without an image";
   for (const char* text : {"", "iq", "iq<", "<3", "iq<x", "iq<3x", "iq<>3", "reason=1", "nose<1"}) {
     std::string why;
     EXPECT_FALSE(Filter::Condition::Parse(text, &why)) << text;
@@ -353,7 +353,7 @@ TEST(InspectFields, ConditionsOnWhatARecordHas) {
   }
 }
 
-TEST(InspectFleet, WorstFirstByWhatIsCertain) {
+TEST(InspectFleet, WorstFirstByLowerBound) {
   Fleet fleet;
   const auto add = [&](const char* name, size_t k, size_t n) {
     Summary summary;

@@ -113,7 +113,7 @@ TEST_F(InspectDump, EveryRecordOfTheLibraryReads) {
   });
 }
 
-TEST_F(InspectDump, StandsInOtherText) {
+TEST_F(InspectDump, IsFoundInOtherText) {
   const std::string dump = Dump(60, 7);
   const std::string noise = "  mState: 3\nAuth: x\n\nDUMP OF SERVICE x:\n  #0 y\n";
   std::string far;  // beyond the buffer's end and on its edge
@@ -218,8 +218,9 @@ class InspectBackup : public fp_host::DeviceTest,
         record.value);
   }
 
-  // What the service loads is what the library loads, and all that is read was once written.
-  void ExpectTrue(const std::string& content, const Texts& written) {
+  // What the tool says the service loads is what the library loads, and all that is read was once
+  // written.
+  void ExpectReadAsLoaded(const std::string& content, const Texts& written) {
     WriteFile(GetParam().path, content);
     const Texts loaded = GetParam().start()->RecordTexts();
     const Contents contents = Read(content, InputKind::kBackup, GetParam().path);
@@ -234,7 +235,7 @@ class InspectBackup : public fp_host::DeviceTest,
       }
     }
     ASSERT_EQ(contents.loaded, read.size());
-    // The history keeps its capacity's worth.
+    // The history keeps at most as many as its capacity.
     const size_t dropped = read.size() - std::min(read.size(), loaded.size());
     ASSERT_EQ(loaded, Texts(read.begin() + static_cast<ptrdiff_t>(dropped), read.end()));
     ASSERT_LE(dropped, read.size() > texts_.size() ? read.size() - texts_.size() : 0);
@@ -265,7 +266,7 @@ TEST_P(InspectBackup, LoadsWhatTheLibraryLoadsAndInventsNothing) {
       default:
         content = content.substr(0, below(content.size())) + content.substr(below(content.size()));
     }
-    ExpectTrue(content, texts_);
+    ExpectReadAsLoaded(content, texts_);
   });
 }
 
@@ -281,7 +282,7 @@ TEST_P(InspectBackup, SpliceOfTwoHistories) {
   }
   for (size_t cut = 0; cut < content_.size(); cut += 97) {
     ASSERT_NO_FATAL_FAILURE(
-        ExpectTrue(content_.substr(0, cut) + others + content_.substr(cut / 2), written))
+        ExpectReadAsLoaded(content_.substr(0, cut) + others + content_.substr(cut / 2), written))
         << cut;
   }
 }
@@ -343,7 +344,7 @@ TEST(InspectSalvage, DamageAllOverALargeFile) {
   EXPECT_EQ(content.size(), contents.bytes);
 }
 
-TEST(InspectSalvage, EmptyFramesAndOtherKindsAreNoRecords) {
+TEST(InspectSalvage, EmptyFramesAndOtherKindsAreNotRecords) {
   const std::string record = Frame(AuthEventG7().ToBackupString());
   EXPECT_EQ(InputKind::kBackup, Read("garbage" + record).kind);
   const Contents contents = Read(record + "~0x0,0x0,0x0,0x0," + Frame("a,b,c") + record);

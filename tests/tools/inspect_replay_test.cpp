@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Exposure steps put together again from dumps, against the controller that made them, and what is
-// said of other settings.
+// Exposure steps reconstructed from dumps, compared with those of the controller that made them,
+// and predictions for other settings.
 #include <gtest/gtest.h>
 
 #include <cmath>

@@ -200,7 +200,7 @@ TEST_F(PhoneProgram, PlaysToTheProgramThatRuns) {
             run.output);
   EXPECT_EQ(1, Run(play + "tap.evemu").exit_code);
   EXPECT_EQ(2, Run(play + "tap.evemu --panel 0x5").exit_code);
-  // The socket of a run that was killed is in nobody's way.
+  // The socket of a run that was killed does not hinder the next one.
   Run("run --root " + deep + " --touch -- sh -c 'kill -KILL $PPID'");
   EXPECT_EQ(0, Run("run --root " + deep + " --touch -- true").exit_code);
 }

@@ -98,7 +98,7 @@ TEST_F(RecordingTest, RefusesAWholeRecordingForOneBadLine) {
     const char* error;
   } kCases[] = {
       {"", ": there is no touch in this file"},
-      {begin + "x", ":5: this is no line of an evemu"},
+      {begin + "x", ":5: this is not a line of an evemu"},
       {begin + "E: 1.5 0003 0039 1", ":5: the time is not seconds"},
       {begin + "E: nan 0003 0039 1", ":5: the time is not seconds"},
       {begin + "E: -1.000000 0003 0039 1", ":5: the time is not seconds"},
@@ -119,9 +119,9 @@ TEST_F(RecordingTest, RefusesAWholeRecordingForOneBadLine) {
       {contact + many("E: 1.000000 0003 0039 1\n", 70), ":68: a report has more than 128"},
       {begin + many("E: 1.000000 0003 0030 1\n" + report, 250000),
        ":500004: the recording has more"},
-      {"A: 35 9 9 0 0 0", ":1: the axis ends"},
+      {"A: 35 9 9 0 0 0", ":1: the maximum of the axis"},
       {begin + std::string(1025, ' '), ":5: the line is longer"},
-      {begin + std::string("\0\0", 2), ":5: this is no line"},
+      {begin + std::string("\0\0", 2), ":5: this is not a line"},
       {"[ 1.000000] EV_ABS ABS_MT_SLOT", ":1: there is not one type"},
       {"[ 1.000000 EV_ABS ABS_MT_SLOT 0", ":1: the time has no ]"},
       {"[ 1.000000] EV_ABS ABS_MT_SLOT 123456789", ":1: the value is not"},

@@ -67,7 +67,7 @@ int ShowTree(const Options& options);
 int Pull(const Options& options);
 int Play(const Options& options);
 
-// Why a text is no property, filter or format; empty if it is one.
+// Why a text is not a valid property, filter or format; empty if it is one.
 std::string CheckProperty(const std::string& text);
 std::string CheckLogFilter(const std::string& text);
 std::string CheckLogFormat(const std::string& text);

@@ -38,7 +38,7 @@ void AddRoot(CLI::App* command, Options* options) {
 void AddFormat(CLI::App* command, Options* options) {
   command
       ->add_option("--format", options->log_format,
-                   "of the log, as logcat has them: threadtime, time, brief, long, ...")
+                   "the format of the log, one of logcat's: threadtime, time, brief, long, ...")
       ->check(Check(CheckLogFormat))
       ->type_name("FORMAT")
       ->capture_default_str();
@@ -73,7 +73,7 @@ void AddRun(CLI::App* app, Options* options, std::string* clock, bool* is_stoppe
   command->add_option("--lux", options->lux, "what the light sensor measures")
       ->check(CLI::NonNegativeNumber)
       ->type_name("LUX");
-  command->add_flag("--touch", options->has_touch, "there is a touch device, for play");
+  command->add_flag("--touch", options->has_touch, "the phone has a touch device, for play");
   command
       ->add_option("--log", options->log_filters,
                    "which lines of the log are printed, as logcat takes it: TAG:I or *:S; "
@@ -110,15 +110,15 @@ void AddOthers(CLI::App* app, Options* options, std::string* panel, bool* is_at_
                                 "Play a recording on the touch device of the program that runs "
                                 "with --touch: play --root DIR [OPTION...] RECORDING");
   AddRoot(command, options);
-  command->add_option("recording", options->recording, "of getevent -lt or evemu-record")
+  command->add_option("recording", options->recording, "made with getevent -lt or evemu-record")
       ->required()
       ->type_name("RECORDING");
   command->add_option("--panel", *panel, "scale to a panel of this size in device units")
       ->type_name("WIDTHxHEIGHT");
-  command->add_flag("--at-once", *is_at_once, "do not keep the recorded time");
+  command->add_flag("--at-once", *is_at_once, "play without the recorded pauses");
 }
 
-// Takes the program and its arguments, which follow "--" and are no options of this tool.
+// Takes the program and its arguments, which follow "--" and are not options of this tool.
 void TakeProgram(int* argc, char** argv, Options* options) {
   for (int i = 2; i < *argc; ++i) {
     if (std::string_view(argv[1]) == "run" && std::string_view(argv[i]) == "--") {

@@ -46,7 +46,8 @@ bool ReadAt(std::istream& file, uint64_t offset, Record* record) {
   return static_cast<bool>(file.read(reinterpret_cast<char*>(record), sizeof *record));
 }
 
-// Whether the loader runs the program, which takes preloaded libraries. A static one has none.
+// Whether the dynamic loader, which preloads libraries, runs the program. It does not run a static
+// one.
 bool HasLoader(std::istream& file, const Elf64_Ehdr& header) {
   for (size_t i = 0; i < std::min<size_t>(header.e_phnum, kMaxHeaders); ++i) {
     Elf64_Phdr segment = {};
@@ -69,7 +70,7 @@ std::string RefuseElf(std::istream& file, const Elf64_Ehdr& header) {
   }
   return HasLoader(file, header)
              ? ""
-             : "is statically linked, so the phone cannot be put under it; link it dynamically";
+             : "is statically linked, so nothing can be preloaded into it; link it dynamically";
 }
 
 Program Check(const std::string& path, int depth) {

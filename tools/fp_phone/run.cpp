@@ -25,7 +25,7 @@ namespace fs = std::filesystem;
 constexpr int kSignalBase = 128;
 constexpr int kLogMode = 0644;
 
-// The longest path below a root that the device itself makes fits beside the root.
+// Leaves room in a path for the longest one that the device itself makes below its root.
 constexpr size_t kMaxRoot = PATH_MAX - 256;
 
 // The folder of the libraries: that of the simulated device, with which this program is linked.
@@ -124,8 +124,8 @@ sigset_t WaitedSignals() {
   _exit(kCannotRun);
 }
 
-// Waits for the program and gives it the signals that this process gets. Those from the terminal's
-// keys it has got itself.
+// Waits for the program and gives it the signals that this process gets. The program has got
+// those of the terminal's keys itself.
 int WaitFor(pid_t child, const sigset_t& signals) {
   int status = 0;
   while (waitpid(child, &status, WNOHANG) == 0) {
@@ -193,7 +193,7 @@ int Run(const Options& options) {
     Complain("{}: {}", Printable(options.root), why);
     return kNotStarted;
   }
-  // Before the thread of the touch device starts, so that it gets none of them.
+  // Blocked before the thread of the touch device starts, so that this thread gets none of them.
   const sigset_t signals = WaitedSignals();
   sigset_t mask;
   sigprocmask(SIG_BLOCK, &signals, &mask);

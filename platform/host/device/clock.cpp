@@ -27,8 +27,8 @@ timespec ToTimespec(int64_t ms) {
   return {.tv_sec = ms / kMsPerSecond, .tv_nsec = ms % kMsPerSecond * kNsPerMs};
 }
 
-// clock_gettime() itself is interposed.
-timespec Ahead(int64_t ms) {
+// The host's time plus `ms`. A system call, since clock_gettime() itself is interposed.
+timespec HostTimePlus(int64_t ms) {
   timespec now = {};
   syscall(SYS_clock_gettime, CLOCK_REALTIME, &now);
   const int64_t now_ms = now.tv_sec * kMsPerSecond + now.tv_nsec / kNsPerMs;
@@ -56,7 +56,7 @@ std::optional<timespec> SimulatedWallClock() {
   if (inherited == nullptr) {
     return std::nullopt;
   }
-  return is_stopped ? ToTimespec(value) : Ahead(value);
+  return is_stopped ? ToTimespec(value) : HostTimePlus(value);
 }
 
 }  // namespace fp_host

@@ -26,7 +26,7 @@ constexpr size_t kMaxDevices = 64;
 constexpr int64_t kMaxDurationUs = int64_t{24} * 3600 * 1000000;
 constexpr size_t kMaxRecordsOfReport = 128;  // the handler looks at no more
 
-// A kernel driver has as many slots as its controller tells fingers apart.
+// A driver has one slot for each contact that its controller can track.
 constexpr int32_t kSlots = 32;
 
 // The format of the reports: values of `type`, and indices into `coords`.
@@ -110,7 +110,7 @@ std::string Converter::Take(const InputAxis& axis) {
     return {};
   }
   if (axis.max <= axis.min || axis.max <= 0) {
-    return "the axis ends where it begins, or below";
+    return "the maximum of the axis is not above its minimum, or not above 0";
   }
   axes_[described_][axis.code] = axis;
   return {};

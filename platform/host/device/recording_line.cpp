@@ -13,7 +13,7 @@ namespace {
 constexpr char kSpace[] = " \t\r";
 constexpr int64_t kUsPerSecond = 1000000;
 
-// Codes that need not be known are not in this table.
+// The codes that a playback uses.
 constexpr struct {
   std::string_view label;
   uint16_t type;
@@ -159,7 +159,7 @@ RecordingLine ParseGetevent(std::string_view line) {
   }
   return Malformed{line.starts_with("/dev/") || line.starts_with("EV_")
                        ? "the event has no time; record with getevent -lt"
-                       : "this is no line of getevent -lt or -lp"};
+                       : "this is not a line of getevent -lt or -lp"};
 }
 
 // "E: 12.345678 0003 002f 0001", the value in decimals.
@@ -204,7 +204,7 @@ RecordingLine ParseEvemu(std::string_view line) {
       (line.size() > 1 && line[1] == ':' && kOthers.find(line[0]) != kOthers.npos)) {
     return {};
   }
-  return Malformed{"this is no line of an evemu recording"};
+  return Malformed{"this is not a line of an evemu recording"};
 }
 
 }  // namespace

@@ -81,8 +81,8 @@ bool SendBlocking(const std::string& buffer) {
   return sent;
 }
 
-// Called with the mutex held. A number that a program has closed and used again is not taken for
-// the node.
+// Called with the mutex held. If the program has closed the descriptor and reused its number for
+// something else, it is not mistaken for the node.
 void AdoptInheritedNode() {
   static const char* const variable = getenv(kInheritedVariable);
   if (node != nullptr || variable == nullptr) {

@@ -44,8 +44,8 @@ bool BeginsWithComponent(const char* path, const char* prefix) {
   return strncmp(path, prefix, length) == 0 && (path[length] == '\0' || path[length] == '/');
 }
 
-// Programs that make or list folders one by one begin with this one. What else the host may have in
-// such a folder is not the device's.
+// /data itself is redirected too, because programs that make or list a path folder by folder begin
+// with it. Of the paths below it only /data/vendor is.
 bool IsDataFolder(const char* path) {
   return strcmp(path, "/data") == 0 || strcmp(path, "/data/") == 0;
 }

@@ -34,14 +34,14 @@ Html Messages(const std::vector<std::string>& messages) {
 }
 
 Html Body(const Report& report) {
-  const PlotAxes light = LightAxes(report);
+  const PlotAxes quality = QualityAxes(report);
   const PlotAxes sizes = SizeAxes(report);
   Html main = report.comparison ? ComparisonTable(report) : Html();
   main += Section(report, "Summary", SummaryTable);
   main += Section(report, "Why attempts failed", CauseTable);
   main += Section(report, "Attempts over time", TimeFigure);
   main += Section(report, "Quality and raw mean",
-                  [&](const ReportSide& side) { return LightFigure(side, light); });
+                  [&](const ReportSide& side) { return QualityFigure(side, quality); });
   main += Section(report, "Coverage by outcome", CoverageFigure);
   main += Section(report, "Finger sizes",
                   [&](const ReportSide& side) { return SizeFigure(side, sizes); });

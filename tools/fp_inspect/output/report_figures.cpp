@@ -15,7 +15,7 @@ namespace {
 
 constexpr size_t kBands = 10;  // of coverage
 
-// What the attempts with an image are drawn as.
+// The kinds of marks for attempts with an image.
 enum Outcome { kMatched, kRejected, kUncovered, kOutcomes };
 constexpr const char* kOutcomeNames[] = {"matched", "rejected", "rejected, low coverage"};
 
@@ -55,7 +55,7 @@ std::string SpreadText(std::vector<double> values, double low, double high) {
                            Rounded(Quantile(values, low)), Rounded(Quantile(values, high)));
 }
 
-// Half the width of a drawing for `most`; one record stays visible.
+// The length of a bar: `most` records fill half the drawing, and a single one is still visible.
 double BarOf(size_t count, size_t most) {
   const double bar = 50.0 * static_cast<double>(count) / static_cast<double>(most);
   return count == 0 ? 0 : std::max(bar, 1.0);
@@ -66,7 +66,7 @@ Html Key(const Cloud& cloud, const std::string& text) {
              SmallSvg("key", 14, 14, Path(cloud.classes, MarkPath(cloud.mark, 7, 7, 4.2))) + text);
 }
 
-Html Thresholded(const PlotAxes& axes, const Thresholds& limits) {
+Html DrawThresholds(const PlotAxes& axes, const Thresholds& limits) {
   const auto& [x, y] = axes;
   Html drawn = Line("limit", x.from, y.At(limits.iq), x.to, y.At(limits.iq)) +
                Label("end", x.to, y.At(limits.iq) - 4, fmt::format("quality {}", limits.iq));
@@ -79,7 +79,7 @@ Html Thresholded(const PlotAxes& axes, const Thresholds& limits) {
 
 }  // namespace
 
-PlotAxes LightAxes(const Report& report) {
+PlotAxes QualityAxes(const Report& report) {
   std::vector<double> raw;
   std::vector<double> quality;
   std::vector<double> raw_limits;
@@ -115,7 +115,7 @@ PlotAxes SizeAxes(const Report& report) {
   return axes;
 }
 
-Html LightFigure(const ReportSide& side, const PlotAxes& axes) {
+Html QualityFigure(const ReportSide& side, const PlotAxes& axes) {
   std::vector<Cloud> clouds = {
       {Mark::kRing, "good"}, {Mark::kCross, "bad"}, {Mark::kTriangle, "low"}};
   std::array<std::vector<double>, kOutcomes> raw;
@@ -140,10 +140,10 @@ Html LightFigure(const ReportSide& side, const PlotAxes& axes) {
              "more. Dashed lines are the thresholds. The table has the medians.",
              280,
              DrawAxes(axes.x, axes.y, "raw mean", "quality") +
-                 Thresholded(axes, side.summary.thresholds) + DrawClouds(axes.x, axes.y, clouds)) +
+                 DrawThresholds(axes, side.summary.thresholds) +
+                 DrawClouds(axes.x, axes.y, clouds)) +
          Tag("ul", {{"class", "legend"}}, keys) +
-         HtmlTable("Median, and quarter to three quarters", {"images", "n", "raw mean", "quality"},
-                   rows);
+         HtmlTable("Median, and 25 % to 75 %", {"images", "n", "raw mean", "quality"}, rows);
 }
 
 Html SizeFigure(const ReportSide& side, const PlotAxes& axes) {

@@ -19,11 +19,11 @@ struct PlotAxes {
   Axis x = {.from = 54, .to = kWide - 16};
   Axis y = {.from = 240, .to = 22, .most = 9'000};
 };
-PlotAxes LightAxes(const Report& report);
+PlotAxes QualityAxes(const Report& report);
 PlotAxes SizeAxes(const Report& report);
 
 // Quality against raw mean, by outcome, with the thresholds.
-Html LightFigure(const ReportSide& side, const PlotAxes& axes);
+Html QualityFigure(const ReportSide& side, const PlotAxes& axes);
 
 Html SizeFigure(const ReportSide& side, const PlotAxes& axes);
 

@@ -14,7 +14,7 @@ constexpr int64_t kDay = 86400;                   // seconds
 constexpr int64_t kFarthest = 1'000'000'000'000;  // seconds; a damaged clock can be anywhere
 constexpr int64_t kMostRows = 32;
 
-// The layout of a row, in units. Failures stand on the base line, matches hang from it.
+// The layout of a row, in units. Failures are drawn above the base line, matches below it.
 constexpr double kLeft = 86;
 constexpr double kTop = 18;
 constexpr double kRow = 48;

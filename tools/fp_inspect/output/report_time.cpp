@@ -79,10 +79,9 @@ Html TimeFigure(const ReportSide& side) {
   const std::string period =
       strip.GetDaysPerRow() == 1 ? "day" : fmt::format("period of {} days", strip.GetDaysPerRow());
   return Svg(fmt::format("time-{}", side.letter), "Attempts over time",
-             fmt::format(
-                 "A row for each {}. Matched attempts hang below its line, failed ones stand "
-                 "above it. The table has the numbers.",
-                 period),
+             fmt::format("A row for each {}. Matched attempts are below its line, failed ones "
+                         "above it. The table has the numbers.",
+                         period),
              strip.Height(), strip.Draw()) +
          Legend() + Steps(side, zone) +
          HtmlTable(fmt::format("By {}", period),

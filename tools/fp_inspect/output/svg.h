@@ -7,7 +7,7 @@
 
 #include "output/html.h"
 
-// The little of SVG that the report needs. Coordinates are in units of a figure that is kWide units
+// The part of SVG that the report needs. Coordinates are in units of a figure that is kWide units
 // wide and that a page scales. Colours are left to the classes in the page's style.
 
 namespace fp_inspect {
@@ -30,7 +30,7 @@ struct Axis {
 // all of `wanted`, within -most to most.
 void FitAxis(std::vector<double> values, const std::vector<double>& wanted, Axis* axis);
 
-// The shapes of marks differ, so that nobody has to tell their colours.
+// The shapes of marks differ, so that they can be told apart without colours.
 enum class Mark { kRing, kCross, kTriangle, kDown, kDiamond };
 std::string MarkPath(Mark mark, double x, double y, double radius);
 
@@ -39,12 +39,11 @@ Html Line(const std::string& classes, double x1, double y1, double x2, double y2
 Html Rect(const std::string& classes, double x, double y, double width, double height);
 Html Label(const std::string& classes, double x, double y, const std::string& text);
 
-// An image for those who see it; the others are read its title and description. `id` is unique in
-// the page.
+// An image with a title and a description for screen readers. `id` is unique in the page.
 Html Svg(const std::string& id, const std::string& title, const std::string& description,
          double height, const Html& body);
 
-// A drawing of a number that stands next to it, hidden from screen readers.
+// A drawing of a number that is next to it as text, hidden from screen readers.
 Html SmallSvg(const std::string& classes, double width, double height, const Html& body);
 
 // Points of one kind. Points that lie close together become one mark, whose size shows their

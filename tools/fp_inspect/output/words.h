@@ -7,7 +7,7 @@
 #include "model/replay.h"
 #include "model/summary.h"
 
-// Wording that the formats for people have in common.
+// Wording that the human-readable formats share.
 
 namespace fp_inspect {
 

@@ -150,8 +150,8 @@ void Log(int priority, const char* tag, const char* message) {
 }  // namespace
 }  // namespace fp_phone
 
-// The loggers of the platform's libraries are the phone's log: liblog's for a host and for a
-// device, and the one that InitLogging() of libbase takes on a host.
+// These replace the loggers of the platform's libraries: those of liblog for a host and for a
+// device, and the one that InitLogging() of libbase installs on a host.
 
 extern "C" void __android_log_stderr_logger(const __android_logger_data* data,
                                             const char* message) {

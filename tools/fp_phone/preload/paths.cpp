@@ -20,7 +20,7 @@
 #include "device/tree.h"
 
 // Defines a function whose argument `path`, and in the second form also `to`, is mapped. PARAMETERS
-// and the arguments after it are those of the function; Mapped() goes around the paths.
+// are those of the function, and the arguments for libc's follow, with PATH and TO for the paths.
 #define MAPPED(Result, name, PARAMETERS, ...) \
   Result name PARAMETERS {                    \
     NEXT(name);                               \

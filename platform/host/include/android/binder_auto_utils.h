@@ -41,7 +41,7 @@ class SpAIBinder {
 };
 
 // The result of a call, owned. A default one holds no status: it is not ok, and its other getters
-// crash.
+// abort.
 class ScopedAStatus {
  public:
   explicit ScopedAStatus(AStatus* status = nullptr) : mStatus(status) {}

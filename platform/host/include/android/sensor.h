@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-// Debian's <android/sensor.h> hides the calls of later platform versions unless it is told a
-// version, and does not know its own marks of them. Both are set for that header alone: what it
-// includes is taken first, and other platform headers would change with the version.
+// Debian's <android/sensor.h> declares the calls of later platform versions only if
+// __ANDROID_API__ is set, and uses __INTRODUCED_IN without a definition. Both are defined for that
+// header alone, because other platform headers depend on them too. So the headers that it includes
+// are included before.
 #include <math.h>
 #include <stdbool.h>
 #include <stdint.h>

@@ -24,7 +24,7 @@ class Status final {
 
 namespace details {
 
-// Aborts the process if it is a failure and is destroyed before anyone has asked for it.
+// Aborts the process if it is a failure and is destroyed unchecked.
 class return_status {
  public:
   return_status(const Status& status) : mStatus(status) {}  // NOLINT: implicit
@@ -39,7 +39,7 @@ class return_status {
     mCheckedStatus = true;
     return mStatus.isOk();
   }
-  // Asks for this one failure only.
+  // Counts as a check only if the object is dead.
   bool isDeadObject() const {
     const bool is_dead = mStatus.transactionError() == DEAD_OBJECT;
     mCheckedStatus = mCheckedStatus || is_dead;

@@ -31,8 +31,8 @@ Status Remote::CallOneway(std::function<void()> transaction) const {
   return Status::ok();
 }
 
-void CheckAnswered(bool is_right) {
-  if (!is_right) {
+void RequireOneAnswer(bool holds) {
+  if (!holds) {
     AbortForMisuse("A HIDL server has to call its result callback exactly once.");
   }
 }

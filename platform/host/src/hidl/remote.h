@@ -46,7 +46,7 @@ class Remote {
 };
 
 // Aborts if false: an implementation must call its result callback exactly once.
-void CheckAnswered(bool is_right);
+void RequireOneAnswer(bool holds);
 
 // A call that returns its results through a callback, which runs once, or never if the transport
 // fails.
@@ -56,10 +56,10 @@ Return<void> Query(const Remote& remote, const std::function<void(const RESULTS&
   std::optional<std::tuple<RESULTS...>> answer;
   const Status status = remote.Call([&] {
     const Return<void> result = transaction([&](const RESULTS&... results) {
-      CheckAnswered(!answer.has_value());
+      RequireOneAnswer(!answer.has_value());
       answer.emplace(results...);
     });
-    CheckAnswered(result.isOk() && answer.has_value());
+    RequireOneAnswer(result.isOk() && answer.has_value());
   });
   if (!status.isOk()) {
     return status;

@@ -50,7 +50,7 @@ void Pool::WarnUnlessStarted(const char* what) const {
 
 bool Pool::WaitUntilIdle() const {
   if (is_pool_thread) {
-    AbortForMisuse("A thread of the binder pool waits until the pool is idle, so for ever.");
+    AbortForMisuse("A thread of the binder pool would wait for itself to be idle.");
   }
   std::unique_lock lock(mutex_);
   return became_idle_.wait_for(lock, std::chrono::seconds(10),

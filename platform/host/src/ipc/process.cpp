@@ -65,10 +65,10 @@ Process::Fate Process::DecideFate() {
   if (fatal && plan.death == Death::kBeforeCall) {
     return Fate::kDiesBeforeCall;
   }
-  ++plan.in_progress;
+  ++plan.held_calls;
   plan.changed.notify_all();
-  plan.changed.wait(lock, [&] { return !plan.barrier || !alive_; });
-  --plan.in_progress;
+  plan.changed.wait(lock, [&] { return !plan.holds_calls || !alive_; });
+  --plan.held_calls;
   if (plan.delay.count() > 0) {
     plan.changed.wait_for(lock, plan.delay, [&] { return !alive_; });
   }

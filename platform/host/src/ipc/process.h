@@ -18,11 +18,11 @@ struct CallPlan {
   std::condition_variable changed;
 
   // Guarded by mutex.
-  int calls = 0;        // made so far
-  int in_progress = 0;  // of these, waiting at the barrier
-  int fatal_call = 0;   // number of the call at which the process dies; 0: none
+  int calls = 0;       // made so far
+  int held_calls = 0;  // of these, waiting for Release()
+  int fatal_call = 0;  // number of the call at which the process dies; 0: none
   RemoteService::Death death = RemoteService::Death::kBeforeCall;
-  bool barrier = false;
+  bool holds_calls = false;  // between Hold() and Release()
   std::chrono::milliseconds delay{0};
 };
 
@@ -49,7 +49,7 @@ class Process {
 
   const std::shared_ptr<CallPlan> plan_;
 
-  // Guarded by plan_->mutex, so that the death wakes the calls that wait at the barrier.
+  // Guarded by plan_->mutex, so that the death wakes the calls that are held.
   bool alive_ = true;
   std::vector<std::function<void()>> observers_;
 };

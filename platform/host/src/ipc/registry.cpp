@@ -87,7 +87,7 @@ void Registry::SetDelay(std::chrono::milliseconds delay) {
   delay_ = delay;
 }
 
-bool Registry::WaitForWaiting(int threads) const {
+bool Registry::WaitForWaiters(int threads) const {
   std::unique_lock lock(mutex_);
   return changed_.wait_for(lock, std::chrono::seconds(10), [&] { return waiting_ == threads; });
 }

@@ -35,7 +35,7 @@ class Registry {
   // See fp_host/services.h.
   void SetFailing(bool failing);
   void SetDelay(std::chrono::milliseconds delay);
-  bool WaitForWaiting(int threads) const;
+  bool WaitForWaiters(int threads) const;
 
  private:
   std::shared_ptr<void> Find(const std::string& name) const;  // with mutex_ held

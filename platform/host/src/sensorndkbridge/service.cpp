@@ -36,7 +36,7 @@ void SensorService::Stop(WhileDown while_down) {
   std::vector<ASensorEventQueue*> dead;
   {
     const std::lock_guard lock(mutex_);
-    state_ = while_down == WhileDown::kWait ? State::kAwaited : State::kDown;
+    state_ = while_down == WhileDown::kWait ? State::kDownAndAwaited : State::kDown;
     if (manager_ != nullptr) {
       manager_->alive = false;
     }
@@ -70,7 +70,7 @@ SensorUsage SensorService::GetUsage() {
 
 ASensorManager* SensorService::Connect() {
   std::unique_lock lock(mutex_);
-  state_changed_.wait(lock, [this] { return state_ != State::kAwaited; });
+  state_changed_.wait(lock, [this] { return state_ != State::kDownAndAwaited; });
   if (state_ == State::kUp && manager_ == nullptr) {
     const int number = static_cast<int>(managers_.size()) + 1;
     manager_ = managers_.emplace_back(std::make_unique<ASensorManager>(number)).get();

@@ -40,7 +40,7 @@ class SensorService {
   ssize_t GetEvents(ASensorEventQueue* queue, ASensorEvent* events, size_t count);
 
  private:
-  enum class State { kUp, kDown, kAwaited };
+  enum class State { kUp, kDown, kDownAndAwaited };  // awaited: Connect() waits
 
   void LoadList(ASensorManager& manager);
   void ReportReadings(const char* string_type, const std::vector<float>& readings);

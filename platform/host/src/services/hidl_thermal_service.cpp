@@ -50,41 +50,41 @@ class HidlThermalService::Implementation : public IThermal {
   }
 
   Return<void> getTemperatures(getTemperatures_cb _hidl_cb) override {
-    _hidl_cb(kUnknown, {});
+    _hidl_cb(kNotSimulated, {});
     return Void();
   }
   Return<void> getCpuUsages(getCpuUsages_cb _hidl_cb) override {
-    _hidl_cb(kUnknown, {});
+    _hidl_cb(kNotSimulated, {});
     return Void();
   }
   Return<void> getCoolingDevices(getCoolingDevices_cb _hidl_cb) override {
-    _hidl_cb(kUnknown, {});
+    _hidl_cb(kNotSimulated, {});
     return Void();
   }
   Return<void> getTemperatureThresholds(bool, TemperatureType,
                                         getTemperatureThresholds_cb _hidl_cb) override {
-    _hidl_cb(kUnknown, {});
+    _hidl_cb(kNotSimulated, {});
     return Void();
   }
   Return<void> getCurrentCoolingDevices(bool, CoolingType,
                                         getCurrentCoolingDevices_cb _hidl_cb) override {
-    _hidl_cb(kUnknown, {});
+    _hidl_cb(kNotSimulated, {});
     return Void();
   }
   Return<void> registerThermalChangedCallback(const sp<IThermalChangedCallback>&, bool,
                                               TemperatureType,
                                               registerThermalChangedCallback_cb _hidl_cb) override {
-    _hidl_cb(kUnknown);
+    _hidl_cb(kNotSimulated);
     return Void();
   }
   Return<void> unregisterThermalChangedCallback(
       const sp<IThermalChangedCallback>&, unregisterThermalChangedCallback_cb _hidl_cb) override {
-    _hidl_cb(kUnknown);
+    _hidl_cb(kNotSimulated);
     return Void();
   }
 
  private:
-  const ThermalStatus kUnknown = {ThermalStatusCode::FAILURE, "not simulated"};
+  const ThermalStatus kNotSimulated = {ThermalStatusCode::FAILURE, "not simulated"};
   const std::shared_ptr<State> state_;
 };
 

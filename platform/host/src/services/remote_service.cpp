@@ -15,7 +15,7 @@ void SetServiceManagerFailing(bool failing) { Registry::Get().SetFailing(failing
 
 void SetServiceWaitDelay(std::chrono::milliseconds delay) { Registry::Get().SetDelay(delay); }
 
-bool WaitForServiceWaiters(int threads) { return Registry::Get().WaitForWaiting(threads); }
+bool WaitForServiceWaiters(int threads) { return Registry::Get().WaitForWaiters(threads); }
 
 bool WaitUntilBinderPoolsIdle() {
   return ipc::BinderPool().WaitUntilIdle() && ipc::HidlPool().WaitUntilIdle();
@@ -83,19 +83,19 @@ void RemoteService::SetDelay(std::chrono::milliseconds delay) {
 
 void RemoteService::Hold() {
   const std::lock_guard lock(plan_->mutex);
-  plan_->barrier = true;
+  plan_->holds_calls = true;
 }
 
 void RemoteService::Release() {
   const std::lock_guard lock(plan_->mutex);
-  plan_->barrier = false;
+  plan_->holds_calls = false;
   plan_->changed.notify_all();
 }
 
 bool RemoteService::WaitForHeldCalls(int calls) const {
   std::unique_lock lock(plan_->mutex);
   return plan_->changed.wait_for(lock, std::chrono::seconds(10),
-                                 [&] { return plan_->in_progress >= calls; });
+                                 [&] { return plan_->held_calls >= calls; });
 }
 
 void RemoteService::Repair() {

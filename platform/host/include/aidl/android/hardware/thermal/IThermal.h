@@ -18,8 +18,8 @@
 namespace aidl::android::hardware::thermal {
 
 // All operations answer EX_ILLEGAL_STATE while the service is not ready. The callback operations
-// answer EX_ILLEGAL_ARGUMENT for null, for a callback that is registered already, and for one that
-// is not.
+// answer EX_ILLEGAL_ARGUMENT for null, if a callback is registered twice, and if one that is not
+// registered is unregistered.
 class IThermal : public ::ndk::ICInterface {
  public:
   static const char* descriptor;

@@ -13,7 +13,7 @@
 namespace android::hardware::thermal::V2_0 {
 
 // Each operation calls its callback exactly once before it returns, unless the transport fails.
-// With a filter, only what is of `type` is meant.
+// With a filter, an operation covers only records of `type`.
 struct IThermal : public ::android::hardware::thermal::V1_0::IThermal {
   static const char* descriptor;
 
@@ -54,8 +54,9 @@ struct IThermal : public ::android::hardware::thermal::V1_0::IThermal {
   virtual ::android::hardware::Return<void> getCurrentCoolingDevices(
       bool filterType, CoolingType type, getCurrentCoolingDevices_cb _hidl_cb) = 0;
 
-  // Null at once if the device's manifest does not name the instance; otherwise waits until the
-  // service is up. `getStub` asks for an implementation in this process, of which there is none.
+  // Returns null at once if the device's manifest does not name the instance; otherwise waits until
+  // the service is up. `getStub` asks for an implementation in this process, of which there is
+  // none.
   static ::android::sp<IThermal> getService(const std::string& serviceName = "default",
                                             bool getStub = false);
 };
