@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Classes of a service. Services are built with or without RTTI, so this file is built both ways.
+// Classes that a service derives from those of the library. Services are built with or without
+// RTTI, so this file is built both ways.
 #include <memory>
 
 #include "common/exact_class.h"

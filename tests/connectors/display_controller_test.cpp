@@ -258,7 +258,7 @@ TEST_F(DisplayControllerTest, EndsWhileConnected) {
   controller_ = nullptr;
   TakeLog();
   Kill();
-  EXPECT_LOG() << "nobody left to tell";
+  EXPECT_LOG() << "no controller is left to notify";
   DisplayController::BinderOnDeath(this);
   DisplayController::BinderOnDeath(nullptr);
   EXPECT_LOG() << "not controllers";

@@ -107,7 +107,7 @@ TEST_F(DisplayFaultsTest, ExistingConnectionNeedsNoServiceManager) {
 
 // The HAL crashes in a loop while controllers are created, used by two threads and destroyed. Each
 // switch may succeed or fail, but must return.
-TEST_F(DisplayFaultsTest, StormOfDeathsCallsAndEnds) {
+TEST_F(DisplayFaultsTest, StormOfDeathsCallsAndDestructions) {
   DisplayService service;
   service.Declare();
   service.Start();

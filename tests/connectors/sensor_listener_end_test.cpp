@@ -69,7 +69,7 @@ TEST_F(SensorListenerEndTest, DestructorEndsTheWorkerAndGivesTheSensorsBack) {
   EXPECT_EQ(Texts{}, MyCalls()) << "nothing is left to give back";
 }
 
-TEST_F(SensorListenerEndTest, WorkerThatWaitsForTheLockGivesUpAsItHasToEnd) {
+TEST_F(SensorListenerEndTest, WorkerWaitingForTheLockGivesUpWhenItHasToEnd) {
   StartQuietly();
   Gate polled;
   OnSensorCall("ALooper_pollOnce", nullptr, [&polled] { polled.Pass(); });

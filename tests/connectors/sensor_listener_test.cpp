@@ -122,7 +122,7 @@ TEST_F(SensorListenerTest, RefusedRegistrationLeavesTheSensorIdle) {
   EXPECT_FALSE(listener_->IsAnySamplerStarted());
   MyCalls();
   EXPECT_EQ(0, listener_->StartSampling(kLongPress));
-  EXPECT_EQ(2u, MyCalls().size()) << "connected all the same";
+  EXPECT_EQ(2u, MyCalls().size()) << "the connection was kept";
 }
 
 TEST_F(SensorListenerTest, TakesTheLastSensorOfExactlyTheStringType) {

@@ -85,7 +85,7 @@ class Storm {
   SensorListener listener_;
 };
 
-TEST(SensorStorm, EverythingAtOnceComesToAnEnd) {
+TEST(SensorStorm, AllThreadsAtOnceFinish) {
   AllowDeadHandleUses();
   MuteLog(true);
   RunBounded("storm", [] { Storm(std::max(100, Share(1000))).Run(); });

@@ -220,7 +220,7 @@ TEST_F(ThermalTest, EveryCallMeetsEveryFault) {
   }
 }
 
-TEST(ThermalLifetime, WorkerMayFindTheMonitorGone) {
+TEST(ThermalLifetime, WorkerMayOutliveTheMonitor) {
   MuteLog(true);
   std::thread([] {}).join();  // a sanitizer may start its own thread along with the first
   const long threads = CountThreads();

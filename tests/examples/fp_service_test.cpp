@@ -92,7 +92,7 @@ TEST_F(FpServiceTest, DayComparesWithAndWithoutExposureControl) {
   EXPECT_TRUE(Run("--dump-only -v").Has("Auth Events:\n  #000 "));
 }
 
-TEST_F(FpServiceTest, WeekGoesOnAfterRestartsAndPowerCut) {
+TEST_F(FpServiceTest, WeekContinuesAfterRestartsAndPowerCut) {
   const Result week = Run(Scenario("week") + "-v");
   ASSERT_EQ(0, week.exit_code) << week.output;
   const std::string cut = week.From("power cut during a save: ");
@@ -100,7 +100,7 @@ TEST_F(FpServiceTest, WeekGoesOnAfterRestartsAndPowerCut) {
   EXPECT_EQ(20, RowOf(week, "Thu, battery charged").with[1]) << "still enrolled";
   EXPECT_LT(RowOf(week, "Sat, beach").with[0], RowOf(week, "Sat, beach").without[0] / 2);
   const std::string nothing = week.From("Fri, left at home ");
-  EXPECT_EQ(" - ", nothing.substr(nothing.find('-') - 1, 3)) << "no attempts, no percentage";
+  EXPECT_EQ(" - ", nothing.substr(nothing.find('-') - 1, 3)) << "no percentage without attempts";
   EXPECT_TRUE(week.Has("\nError:2026-03-12 18:20:00 sensor did not answer"));
   EXPECT_TRUE(week.Has("\n2026-03-13 18:00:00 acquisition_error:TOO_DARK")) << "the panel is dark";
   EXPECT_TRUE(week.Has("\n2026-03-13 18:00:30 auth_successful:1")) << "and lit again";

@@ -79,7 +79,7 @@ TEST(CoverageProperty, HalfTheBoundIsNoticed) {
 
 // The bound depends on the largest offset from the centre's column, even if that of the first
 // column is 0.
-TEST(CoverageProperty, TheLargestOffsetMakesTheBound) {
+TEST(CoverageProperty, LargestOffsetDeterminesTheBound) {
   EXPECT_TRUE(IsExactWith(EllipseRows::kBoundFactor, 200000, [](const Ellipse& e, CoverageCase* c) {
     c->grid.top_left.x = e.center.x;
     c->nx = 2;

@@ -76,7 +76,7 @@ TEST(Coverage, CallsUserShapesInOrder) {
       << "corners column by column, samples row by row, b even where a does not contain";
 }
 
-TEST(Coverage, StopsAtCornersThatAreContained) {
+TEST(Coverage, DoesNotSampleAShapeThatContainsAllCorners) {
   const LoggingShape all("all", [](const Point&) { return true; });
   const LoggingShape left("left", [](const Point& p) { return p.x < 1; });
   EXPECT_EQ((Counts{4, 2, 2}), CountIn(Rect({0, 0}, {1, 1}), all, left));

@@ -130,7 +130,7 @@ TEST_F(AuthStatsTest, SavesSuccessesAndRejectsFromTheFifthInARow) {
   for (int i = 1; i <= 3; ++i) {
     EXPECT_FALSE(Saves(reject)) << i;
   }
-  EXPECT_FALSE(Saves([&] { stats->AddAttempt(WithoutImage()); })) << "never saves, never counts";
+  EXPECT_FALSE(Saves([&] { stats->AddAttempt(WithoutImage()); })) << "neither saves nor counts";
   other->AddAttempt(Attempt(false));
   EXPECT_TRUE(Saves(reject)) << "the row is counted over all histories";
   EXPECT_TRUE(Saves(reject));
@@ -204,7 +204,7 @@ TEST_F(AuthStatsTest, ResetForgetsRecordsAndFile) {
 }
 
 // The second round adds the records that the history held before the reset.
-TEST_F(AuthStatsTest, SavesAfterAResetWhatIsHeldThen) {
+TEST_F(AuthStatsTest, SavesAfterAResetOnlyWhatIsAddedThen) {
   auto stats = Fresh();
   const std::shared_ptr<AuthEventG7> events[] = {Attempt(true, 1), Attempt(true, 2)};
   std::string expected;

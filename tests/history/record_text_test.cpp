@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // Reading record texts. A written record is read completely, and a base record removes the same
-// text as a regular expression.
+// text as a regular expression would.
 #include <regex.h>
 
 #include <algorithm>

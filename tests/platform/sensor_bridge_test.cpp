@@ -121,7 +121,7 @@ TEST_F(SensorBridgeTest, QueuesTakeTheEventsOfTheirEnabledSensors) {
   EXPECT_EQ(2, Take(queue)) << "queued events stay queued, no new ones come";
   EXPECT_EQ(0, ASensorEventQueue_registerSensor(queue, light, 1000, 0));
   ReportLux(std::vector<float>(1000, 1));
-  EXPECT_EQ(8, Take(queue)) << "no bound but the reader's";
+  EXPECT_EQ(8, Take(queue)) << "only the reader's buffer limits the number";
   EXPECT_EQ(0, ASensorManager_destroyEventQueue(manager_, queue));
   EXPECT_EQ(ALOOPER_POLL_TIMEOUT, Poll()) << "undelivered events are dropped";
   EXPECT_EQ(SensorUsage(), GetSensorUsage());

@@ -65,7 +65,7 @@ AnyShape ReadShape(std::istream& in) {
 }
 
 PlainCounts CountIn(const Rect& grid, const IShape& s1, const IShape& s2) {
-  PlainCounts counts = {77, 77, 77};
+  PlainCounts counts = {77, 77, 77};  // to be overwritten
   grid.NumOfPointsIn(s1, s2, counts.in_s1, counts.in_s2, counts.in_both);
   return counts;
 }

@@ -71,12 +71,12 @@ class Soak : public fp_host::DeviceTest {
            end.kilobytes, matches, attempts);
     EXPECT_EQ(warm.descriptors, end.descriptors);
     EXPECT_EQ(warm.threads, end.threads);
-    // In a short run memory still grows to its steady size. The platform never frees the queues of
+    // In a short run memory still grows to its steady size. The stand-in never frees the queues of
     // a dead sensor service: 4 KB for each restart.
     if (attempts >= kManyAttempts) {
       EXPECT_LE(end.kilobytes, warm.kilobytes + warm.kilobytes / 20 + 4 * restarts_);
     }
-    EXPECT_GT(matches, attempts / 4) << "it goes on working";
+    EXPECT_GT(matches, attempts / 4) << "it keeps working";
     ExpectHistoryFoundAgain(attempts);
   }
 

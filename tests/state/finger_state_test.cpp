@@ -122,7 +122,8 @@ TEST_F(FingerStateTest, LptwFollowsTheFinger) {
   EXPECT_TRUE(node_.TakeRequests().empty());
 
   node_.SetRequestResult(102, -1);
-  EXPECT_TRUE(state_.Set(true, 12, Contact(1), true)) << "the touch handler's failure is not ours";
+  EXPECT_TRUE(state_.Set(true, 12, Contact(1), true))
+      << "a failure of the touch handler is ignored";
   EXPECT_TRUE(state_.IsLptwEnabled());
 }
 

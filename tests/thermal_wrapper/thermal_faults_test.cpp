@@ -195,7 +195,7 @@ TEST_F(ThermalFaultsTest, OneOfManyThreadsRegistersTheirClient) {
 
 // The HAL crashes in a loop while wrappers and monitors are created, used and destroyed. Each call
 // may fail, but must return.
-TEST_F(ThermalFaultsTest, StormOfDeathsCallsAndEnds) {
+TEST_F(ThermalFaultsTest, StormOfDeathsCallsAndDestructions) {
   ThermalService service;
   service.Declare();
   service.Start();

@@ -44,7 +44,7 @@ class InspectProgram : public ::testing::Test {
  protected:
   Result Run(const std::string& arguments) const { return Shell(FP_INSPECT " " + arguments); }
 
-  // With the folder of the test as working directory; what is written to both outputs.
+  // Runs in the test's folder and returns what is written to both outputs.
   Result Shell(const std::string& line) const {
     const std::string command = "export TZ=UTC; cd " + folder_.string() + " && " + line;
     FILE* pipe =

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Dumps and backup files as devices leave them, whole and damaged, against what the library itself
-// prints and loads.
+// Dumps and backup files as devices leave them, whole and damaged, compared with what the library
+// itself prints and loads.
 #include <unistd.h>
 
 #include <algorithm>
@@ -54,7 +54,7 @@ std::string WithoutTime(const Event& event) {
 
 class InspectDump : public fp_host::DeviceTest {
  protected:
-  // A service's dump with these many random records of each history.
+  // A service's dump with this many random records of each history.
   std::string Dump(int records, uint64_t seed) {
     RandomRecords random(seed);
     AuthStatsG7 attempts("0", AuthStats::kUnbounded, false);
@@ -95,7 +95,7 @@ class InspectDump : public fp_host::DeviceTest {
   Texts enrollments_;
 };
 
-// Each line of `text` through `change`.
+// Passes each line of `text` through `change`.
 std::string EachLine(const std::string& text,
                      const std::function<std::string(const std::string&)>& change) {
   std::string out;

@@ -176,7 +176,7 @@ TEST(InspectReplay, TellsWhatItCannotKnow) {
   EXPECT_TRUE(lost.runs[0].attempts.empty());
 }
 
-TEST(InspectReplay, FirstOtherStep) {
+TEST(InspectReplay, FirstDifferentStep) {
   Phone phone;  // too bright from the third attempt on: a step down at the fifth and the ninth
   for (int i = 0; i < 12; ++i) {
     ++phone.time;

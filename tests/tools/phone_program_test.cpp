@@ -25,7 +25,8 @@ struct Result {
 
 class PhoneProgram : public ::testing::Test {
  protected:
-  // In the folder of the test; what is written to both outputs. The phone is the folder "p".
+  // Runs in the test's folder and returns what is written to both outputs. The phone is the folder
+  // "p".
   Result Run(const std::string& arguments) const {
     const std::string command = "exec 2>&1; cd " + folder_.string() + " && fp_phone() { TZ=UTC " +
                                 FP_PHONE " \"$@\"; }; GUEST=" + PHONE_GUEST + "; fp_phone " +

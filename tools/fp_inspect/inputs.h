@@ -40,8 +40,8 @@ class Outcome {
   bool is_damaged_ = false;
 };
 
-// Reads a file, or the files of a folder. Of a folder, leaves out the files without records, damage
-// or errors.
+// Reads a file, or the files of a folder. Files of a folder that have no records, damage or errors
+// are left out.
 std::vector<ReadResult> ReadAll(const std::string& input, InputKind kind);
 
 void AddTo(DeviceBuilder* builder, std::vector<ReadResult> results, Outcome* outcome);

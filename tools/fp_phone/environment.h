@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-// The variables by which `fp_phone run` tells the libraries that it preloads what to do. Those of
-// the simulated device itself begin with FP_DEVICE_.
+// The environment variables through which `fp_phone run` controls the libraries that it preloads.
+// Those of the simulated device itself begin with FP_DEVICE_.
 
 namespace fp_phone {
 

@@ -28,7 +28,7 @@ bool Read(FILE* file, log_msg* message) {
   if (fread(&entry, sizeof entry, 1, file) != 1) {
     return false;
   }
-  constexpr size_t kLeast = 3;  // priority and the ends of tag and message
+  constexpr size_t kLeast = 3;  // priority, and the NULs of tag and message
   if (entry.hdr_size != sizeof entry || entry.len < kLeast ||
       entry.len > LOGGER_ENTRY_MAX_PAYLOAD ||
       fread(message->buf + sizeof entry, entry.len, 1, file) != 1) {

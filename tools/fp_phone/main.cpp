@@ -44,7 +44,7 @@ void AddFormat(CLI::App* command, Options* options) {
       ->capture_default_str();
 }
 
-void AddRun(CLI::App* app, Options* options, std::string* clock, bool* is_stopped) {
+void AddRunCommand(CLI::App* app, Options* options, std::string* clock, bool* is_stopped) {
   CLI::App* const command = app->add_subcommand(
       "run", "Run a program on the phone: run --root DIR [OPTION...] -- PROGRAM [ARGUMENT...]");
   command->add_option("--root", options->root, "the folder with the phone's files; made if missing")
@@ -84,7 +84,7 @@ void AddRun(CLI::App* app, Options* options, std::string* clock, bool* is_stoppe
   AddFormat(command, options);
 }
 
-void AddOthers(CLI::App* app, Options* options, std::string* panel, bool* is_at_once) {
+void AddOtherCommands(CLI::App* app, Options* options, std::string* panel, bool* is_at_once) {
   CLI::App* command = app->add_subcommand(
       "log", "Show what the programs on the phone have logged: log --root DIR [FILTER...]");
   AddRoot(command, options);
@@ -155,8 +155,8 @@ int Main(int argc, char** argv) {
   bool is_at_once = false;
   CLI::App app("runs programs on a simulated phone, and shows what they leave there", "fp_phone");
   app.footer(kFooter);
-  AddRun(&app, &options, &clock, &is_stopped);
-  AddOthers(&app, &options, &panel, &is_at_once);
+  AddRunCommand(&app, &options, &clock, &is_stopped);
+  AddOtherCommands(&app, &options, &panel, &is_at_once);
   app.add_option("--describe", format)->check(CLI::IsMember({"man", "bash", "zsh"}))->group("");
   app.require_subcommand(0, 1);
   TakeProgram(&argc, argv, &options);

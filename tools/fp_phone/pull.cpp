@@ -43,7 +43,8 @@ Descriptor OpenIn(const Descriptor& folder, const fs::path& name) {
       openat(folder.Get(), name.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
 }
 
-bool Fail(const std::string& path) {
+// Returns false.
+bool ReportErrno(const std::string& path) {
   const bool is_link = errno == ELOOP;
   Complain("{}: {}", Printable(path),
            is_link ? "is a link, which pull does not follow" : strerror(errno));
@@ -56,12 +57,12 @@ bool CopyContent(const Descriptor& from, int to, const std::string& device_path,
   for (;;) {
     const ssize_t size = read(from.Get(), block.data(), block.size());
     if (size <= 0) {
-      return size == 0 || Fail(device_path);
+      return size == 0 || ReportErrno(device_path);
     }
     for (ssize_t done = 0; done < size;) {
       const ssize_t written = write(to, block.data() + done, static_cast<size_t>(size - done));
       if (written < 0) {
-        return Fail(target);
+        return ReportErrno(target);
       }
       done += written;
     }
@@ -71,10 +72,10 @@ bool CopyContent(const Descriptor& from, int to, const std::string& device_path,
 bool CopyFile(const Descriptor& from, const std::string& device_path, const fs::path& target) {
   const int to = open(target.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, kNewMode);
   if (to < 0) {
-    return Fail(target);
+    return ReportErrno(target);
   }
   const bool is_copied = CopyContent(from, to, device_path, target);
-  return close(to) == 0 ? is_copied : Fail(target);
+  return close(to) == 0 ? is_copied : ReportErrno(target);
 }
 
 std::vector<std::string> NamesIn(const Descriptor& folder) {
@@ -106,7 +107,7 @@ bool CopyFolder(const Descriptor& from, const std::string& device_path, const fs
   for (const std::string& name : NamesIn(from)) {
     const std::string path = fmt::format("{}/{}", device_path, name);
     const Descriptor entry = OpenIn(from, name);
-    is_good = (entry.Get() < 0 ? Fail(path) : Copy(entry, path, target / name)) && is_good;
+    is_good = (entry.Get() < 0 ? ReportErrno(path) : Copy(entry, path, target / name)) && is_good;
   }
   return is_good;
 }
@@ -151,7 +152,8 @@ int Pull(const Options& options) {
     name = part;
     from = OpenIn(from, part);
     if (from.Get() < 0) {
-      return Fail(device_path) ? kDone : kFailed;
+      ReportErrno(device_path);
+      return kFailed;
     }
   }
   const fs::path target = fs::is_directory(options.to) ? options.to / name : fs::path(options.to);

@@ -59,10 +59,13 @@ std::string PrepareRoot(const Options& options) {
   return {};
 }
 
-void Set(const char* variable, const std::string& value) { setenv(variable, value.c_str(), 1); }
+void SetVariable(const char* variable, const std::string& value) {
+  setenv(variable, value.c_str(), 1);
+}
 
-// A clock that runs is ahead of the host's by the same time in all processes of the program.
-std::string Describe(const Clock& clock) {
+// The value of FP_DEVICE_CLOCK. A clock that runs is ahead of the host's by the same time in all
+// processes of the program.
+std::string ValueOf(const Clock& clock) {
   const auto now = std::chrono::system_clock::now().time_since_epoch();
   const auto now_ms = std::chrono::duration_cast<std::chrono::milliseconds>(now).count();
   return clock.is_stopped ? fmt::format("={}", clock.at_ms)
@@ -81,20 +84,20 @@ void SetEnvironment(const Options& options, const TouchLine& touch) {
   }
   fp_host::SetDeviceRoot(options.root);
   fp_host::BootDevice();
-  Set("LD_PRELOAD", preload);
-  Set(kPropertiesVariable, fmt::format("{}", fmt::join(options.properties, "\n")));
-  Set(kLogVariable, fs::canonical(options.LogFile()));
-  Set(kLogFormatVariable, options.log_format);
-  Set(kLogFilterVariable, fmt::format("{}", fmt::join(options.log_filters, " ")));
-  Set(kServicesVariable, fmt::format("{}", fmt::join(options.services, ",")));
+  SetVariable("LD_PRELOAD", preload);
+  SetVariable(kPropertiesVariable, fmt::format("{}", fmt::join(options.properties, "\n")));
+  SetVariable(kLogVariable, fs::canonical(options.LogFile()));
+  SetVariable(kLogFormatVariable, options.log_format);
+  SetVariable(kLogFilterVariable, fmt::format("{}", fmt::join(options.log_filters, " ")));
+  SetVariable(kServicesVariable, fmt::format("{}", fmt::join(options.services, ",")));
   if (!options.lux.empty()) {
-    Set(kLuxVariable, options.lux);
+    SetVariable(kLuxVariable, options.lux);
   }
   if (options.clock) {
-    Set("FP_DEVICE_CLOCK", Describe(*options.clock));
+    SetVariable("FP_DEVICE_CLOCK", ValueOf(*options.clock));
   }
   if (touch.GetDevice() >= 0) {
-    Set("FP_DEVICE_TOUCH", std::to_string(touch.GetDevice()));
+    SetVariable("FP_DEVICE_TOUCH", std::to_string(touch.GetDevice()));
   }
 }
 

@@ -44,7 +44,7 @@ class Address {
 
 int NewSocket() { return socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0); }
 
-// Gives the device what one player sends, until it ends or sends something else than a report.
+// Gives the device what one player sends, until it ends or sends something other than a report.
 void Serve(int player, fp_host::TouchNode& node) {
   std::string report(kMaxReport, '\0');
   ssize_t size = 0;

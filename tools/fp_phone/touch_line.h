@@ -35,7 +35,7 @@ class TouchPlayer {
   // False if no program listens.
   bool Connect(const std::filesystem::path& folder);
 
-  // Blocks while the device is far behind. False if the program has ended.
+  // Blocks while the device has too many unread reports. False if the program has ended.
   bool Send(const std::string& report) const;
 
   // Waits until the device has taken all reports. False if the program ended before.

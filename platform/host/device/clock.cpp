@@ -14,8 +14,8 @@
 namespace fp_host {
 namespace {
 
-// The clock of a process that another one has started, in milliseconds: "=N" stands still at N
-// since the epoch, "N" is N ahead of the host's.
+// The environment variable with the clock of a started process, in milliseconds: "=N" stops it at N
+// since the epoch, "N" puts it N ahead of the host's.
 constexpr char kClockVariable[] = "FP_DEVICE_CLOCK";
 
 constexpr int64_t kNotStopped = std::numeric_limits<int64_t>::min();

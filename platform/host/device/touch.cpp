@@ -32,7 +32,8 @@ struct Node {
   std::deque<TouchNode::Request> requests;
 };
 
-// The descriptor of the device's end of a node that another process drives, inherited from it.
+// The environment variable with the inherited descriptor of the device's end of a node that another
+// process drives.
 constexpr char kInheritedVariable[] = "FP_DEVICE_TOUCH";
 
 std::mutex mutex;

@@ -23,7 +23,7 @@ struct ReportSide {
 struct Report {
   std::vector<ReportSide> sides;  // one, or two with a comparison
   std::optional<Comparison> comparison = {};
-  std::vector<std::string> messages = {};  // about inputs that were not read, or not whole
+  std::vector<std::string> messages = {};  // about inputs not read, or only in part
 };
 
 // A page that needs no other file, no network and no script. Its size is bounded, however many

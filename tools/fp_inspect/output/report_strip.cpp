@@ -35,7 +35,7 @@ Html Marks(const Strip::Bin& bin, double x, double y) {
   }
   mark(bin.errors, Mark::kDiamond, "fill error", "critical errors");
   mark(bin.ups, Mark::kTriangle, "fill step", "exposure steps up");
-  mark(bin.downs, Mark::kDown, "fill step", "exposure steps down");
+  mark(bin.downs, Mark::kTriangleDown, "fill step", "exposure steps down");
   return marks;
 }
 

@@ -26,7 +26,8 @@ Html Legend() {
           LegendEntry(Rect("none", 4, 1, 6, 6) + Line("axis", 0, 7, 14, 7), "no image") +
           LegendEntry(Path("fill error", MarkPath(Mark::kDiamond, 7, 7, 5)), "critical error") +
           LegendEntry(Path("fill step", MarkPath(Mark::kTriangle, 7, 7, 5)), "exposure step up") +
-          LegendEntry(Path("fill step", MarkPath(Mark::kDown, 7, 7, 5)), "exposure step down") +
+          LegendEntry(Path("fill step", MarkPath(Mark::kTriangleDown, 7, 7, 5)),
+                      "exposure step down") +
           LegendEntry(Line("start", 7, 0, 7, 14), "start of the service"));
 }
 

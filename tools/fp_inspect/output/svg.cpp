@@ -74,7 +74,7 @@ std::string MarkPath(Mark mark, double x, double y, double radius) {
                          d, d, d);
     case Mark::kTriangle:
       return fmt::format("M{} {}l{} {}h-{}z", Number(x), Number(y - radius), r, d, d);
-    case Mark::kDown:
+    case Mark::kTriangleDown:
       return fmt::format("M{} {}l{}-{}h-{}z", Number(x), Number(y + radius), r, d, d);
     case Mark::kDiamond:
       return fmt::format("M{} {}l{} {}l-{} {}l-{}-{}z", Number(x), Number(y - radius), r, r, r, r,

@@ -31,7 +31,7 @@ struct Axis {
 void FitAxis(std::vector<double> values, const std::vector<double>& wanted, Axis* axis);
 
 // The shapes of marks differ, so that they can be told apart without colours.
-enum class Mark { kRing, kCross, kTriangle, kDown, kDiamond };
+enum class Mark { kRing, kCross, kTriangle, kTriangleDown, kDiamond };
 std::string MarkPath(Mark mark, double x, double y, double radius);
 
 Html Path(const std::string& classes, const std::string& path, const std::string& title = "");
