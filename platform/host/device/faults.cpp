@@ -12,7 +12,7 @@
 namespace fp_host {
 namespace {
 
-constexpr const char* kNames[] = {"open",  "fopen", "mkdir", "unlink", "read",
+constexpr const char* kNames[] = {"open",  "fopen", "mkdir", "unlink", "rename", "read",
                                   "write", "ioctl", "poll",  "pipe",   "fcntl"};
 constexpr size_t kCalls = std::size(kNames);
 constexpr int kTrackedDescriptors = 65536;

@@ -8,7 +8,19 @@
 
 namespace fp_host {
 
-enum class Call { kOpen, kFopen, kMkdir, kUnlink, kRead, kWrite, kIoctl, kPoll, kPipe, kFcntl };
+enum class Call {
+  kOpen,
+  kFopen,
+  kMkdir,
+  kUnlink,
+  kRename,
+  kRead,
+  kWrite,
+  kIoctl,
+  kPoll,
+  kPipe,
+  kFcntl
+};
 
 struct FaultResult {
   bool fails = false;

@@ -2,7 +2,7 @@
 //
 // The system calls of the simulated device. This library is linked ahead of libc, so the program,
 // the library under test and the platform's libraries call these definitions. Each maps its path,
-// checks for faults and calls libc's function.
+// checks for faults and calls libc's function. paths.cpp has the calls without faults.
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/ioctl.h>
@@ -175,6 +175,17 @@ int unlink(const char* path) {
     return -1;
   }
   return next(resolved.Get());
+}
+
+int rename(const char* from, const char* to) {
+  NEXT(rename);
+  const TreePath resolved_from(from);
+  const TreePath resolved_to(to);
+  const bool is_on_device = resolved_from.IsOnDevice() || resolved_to.IsOnDevice();
+  if (is_on_device && CheckFault(Call::kRename).fails) {
+    return -1;
+  }
+  return next(resolved_from.Get(), resolved_to.Get());
 }
 
 ssize_t read(int fd, void* buffer, size_t size) {

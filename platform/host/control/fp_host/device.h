@@ -6,8 +6,9 @@
 // The simulated device's file tree. Programs linked with the simulated device find the device's
 // absolute paths (/data/vendor, /dev/fth_fd, /dev/trusty-log0, /sys/firmware/devicetree) below a
 // folder of the host; every other path is the host's own. Without a root these paths do not exist.
-// The calls that are redirected are open, openat, fopen, mkdir and unlink, also inside
-// streams and Android's libraries; others, such as stat and what is built on it, take HostPath().
+// The calls of the C library that take a path are redirected, also inside streams and Android's
+// libraries, except those that search or make names themselves (mkstemp(), glob(), nftw(),
+// fts_open()), execve(), dlopen(), and addresses of sockets. Only open() knows a touch node.
 //
 // Threading:  set the root before other threads use the device. Any thread may call HostPath().
 

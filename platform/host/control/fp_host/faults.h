@@ -18,10 +18,10 @@ namespace fp_host {
 struct Fault {
   static constexpr int kForever = -1;
 
-  // open, fopen, mkdir, unlink, read, write, ioctl, poll, pipe or fcntl. Calls that take a path
-  // fail only for device paths. read, write and ioctl fail only for descriptors of device files and
-  // of pipes; read and write also fail inside a FILE that was opened while a fault of either was
-  // set. poll, pipe and fcntl fail for every caller.
+  // open, fopen, mkdir, unlink, rename, read, write, ioctl, poll, pipe or fcntl. Calls that take a
+  // path fail only for device paths. read, write and ioctl fail only for descriptors of device
+  // files and of pipes; read and write also fail inside a FILE that was opened while a fault of
+  // either was set. poll, pipe and fcntl fail for every caller.
   std::string function;
   int first_call = 1;  // the first to fail; 1 is the next call after the fault is set
   int calls = 1;       // how many calls in a row fail, or kForever

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The calls that take a path and that the simulated device does not intercept for the library, so
-// that any program finds the phone's files. Each maps its paths and calls libc's function.
+// The calls that take a path and have no faults. Each maps its paths and calls libc's function.
 #include <dirent.h>
 #include <fcntl.h>
 #include <sys/inotify.h>
@@ -60,8 +59,6 @@ MAPPED(int, fstatat, (int folder, const char* path, struct stat* out, int flags)
        flags)
 MAPPED(int, fstatat64, (int folder, const char* path, struct stat64* out, int flags), folder, PATH,
        out, flags)
-MAPPED(int, statx, (int folder, const char* path, int flags, unsigned int mask, struct statx* out),
-       folder, PATH, flags, mask, out)
 MAPPED(int, statfs, (const char* path, struct statfs* out), PATH, out)
 MAPPED(int, statfs64, (const char* path, struct statfs64* out), PATH, out)
 MAPPED(int, statvfs, (const char* path, struct statvfs* out), PATH, out)
@@ -91,12 +88,8 @@ MAPPED(int, mkfifo, (const char* path, mode_t mode), PATH, mode)
 MAPPED(int, rmdir, (const char* path), PATH)
 MAPPED(int, remove, (const char* path), PATH)
 MAPPED(int, unlinkat, (int folder, const char* path, int flags), folder, PATH, flags)
-MAPPED_BOTH(int, rename, (const char* path, const char* to), PATH, TO)
 MAPPED_BOTH(int, renameat, (int from_folder, const char* path, int to_folder, const char* to),
             from_folder, PATH, to_folder, TO)
-MAPPED_BOTH(int, renameat2,
-            (int from_folder, const char* path, int to_folder, const char* to, unsigned int flags),
-            from_folder, PATH, to_folder, TO, flags)
 MAPPED_BOTH(int, link, (const char* path, const char* to), PATH, TO)
 MAPPED_BOTH(int, linkat,
             (int from_folder, const char* path, int to_folder, const char* to, int flags),
@@ -119,5 +112,13 @@ MAPPED(int, utimes, (const char* path, const timeval times[2]), PATH, times)
 MAPPED(int, utimensat, (int folder, const char* path, const timespec times[2], int flags), folder,
        PATH, times, flags)
 MAPPED(int, inotify_add_watch, (int fd, const char* path, uint32_t mask), fd, PATH, mask)
+
+#if __GLIBC_PREREQ(2, 28)  // the C library that Soong builds host programs with has neither
+MAPPED(int, statx, (int folder, const char* path, int flags, unsigned int mask, struct statx* out),
+       folder, PATH, flags, mask, out)
+MAPPED_BOTH(int, renameat2,
+            (int from_folder, const char* path, int to_folder, const char* to, unsigned int flags),
+            from_folder, PATH, to_folder, TO, flags)
+#endif
 
 }  // extern "C"
