@@ -38,6 +38,7 @@ struct Options {
   std::vector<std::string> properties;
   std::optional<Clock> clock;
   std::vector<std::string> services;
+  std::string skin;
   std::string lux;
   bool has_touch = false;
 
@@ -67,8 +68,10 @@ int ShowTree(const Options& options);
 int Pull(const Options& options);
 int Play(const Options& options);
 
-// Why a text is not a valid property, filter or format; empty if it is one.
+// Why a text is not a valid property, light, temperature, filter or format; empty if it is one.
 std::string CheckProperty(const std::string& text);
+std::string CheckLux(const std::string& text);
+std::string CheckCelsius(const std::string& text);
 std::string CheckLogFilter(const std::string& text);
 std::string CheckLogFormat(const std::string& text);
 std::optional<int64_t> ParseMoment(const std::string& text);  // in ms since the epoch

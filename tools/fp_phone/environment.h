@@ -15,8 +15,9 @@ constexpr char kLogVariable[] = "FP_PHONE_LOG";
 constexpr char kLogFormatVariable[] = "FP_PHONE_LOG_FORMAT";
 constexpr char kLogFilterVariable[] = "FP_PHONE_LOG_FILTER";
 
-// Names of services with commas between them; lux of the light sensor.
+// Names of services with commas between them; what the skin and light sensors measure.
 constexpr char kServicesVariable[] = "FP_PHONE_SERVICES";
+constexpr char kSkinVariable[] = "FP_PHONE_SKIN";
 constexpr char kLuxVariable[] = "FP_PHONE_LUX";
 
 }  // namespace fp_phone

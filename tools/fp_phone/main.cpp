@@ -64,14 +64,21 @@ void AddRunCommand(CLI::App* app, Options* options, std::string* clock, bool* is
           ->type_name("TIME");
   command->add_flag("--stop-clock", *is_stopped, "the wall clock stands still at that time")
       ->needs(time);
+  CLI::Option* const service =
+      command
+          ->add_option(
+              "--service", options->services,
+              "a HAL that is declared and up: display, thermal or hidl-thermal; repeatable")
+          ->check(CLI::IsMember({"display", "thermal", "hidl-thermal"}))
+          ->type_name("SERVICE")
+          ->allow_extra_args(false);
   command
-      ->add_option("--service", options->services,
-                   "a HAL that is declared and up: display, thermal or hidl-thermal; repeatable")
-      ->check(CLI::IsMember({"display", "thermal", "hidl-thermal"}))
-      ->type_name("SERVICE")
-      ->allow_extra_args(false);
+      ->add_option("--skin", options->skin, "degrees Celsius that thermal HALs report of the skin")
+      ->check(Check(CheckCelsius))
+      ->type_name("CELSIUS")
+      ->needs(service);
   command->add_option("--lux", options->lux, "what the light sensor measures")
-      ->check(CLI::NonNegativeNumber)
+      ->check(Check(CheckLux))
       ->type_name("LUX");
   command->add_flag("--touch", options->has_touch, "the phone has a touch device, for play");
   command

@@ -90,6 +90,9 @@ void SetEnvironment(const Options& options, const TouchLine& touch) {
   SetVariable(kLogFormatVariable, options.log_format);
   SetVariable(kLogFilterVariable, fmt::format("{}", fmt::join(options.log_filters, " ")));
   SetVariable(kServicesVariable, fmt::format("{}", fmt::join(options.services, ",")));
+  if (!options.skin.empty()) {
+    SetVariable(kSkinVariable, options.skin);
+  }
   if (!options.lux.empty()) {
     SetVariable(kLuxVariable, options.lux);
   }

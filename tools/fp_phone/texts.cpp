@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <ctime>
 
 #include "commands.h"
@@ -47,6 +48,16 @@ std::string CheckProperty(const std::string& text) {
     return fmt::format("{} has a value of more than {} bytes or several lines", name, kMaxValue);
   }
   return {};
+}
+
+std::string CheckLux(const std::string& text) {
+  const float lux = Parse<float>(text).value_or(-1);
+  return lux >= 0 && std::isfinite(lux) ? "" : fmt::format("\"{}\" is not a light in lux", text);
+}
+
+std::string CheckCelsius(const std::string& text) {
+  const bool is_good = std::isfinite(Parse<float>(text).value_or(NAN));
+  return is_good ? "" : fmt::format("\"{}\" is not a temperature", text);
 }
 
 std::optional<int64_t> ParseMoment(const std::string& text) {

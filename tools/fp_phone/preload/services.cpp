@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Starts the services that `fp_phone run --service` names, and sets the light, before main().
+// Starts the services that `fp_phone run --service` names, and sets what the sensors measure,
+// before main().
 #include <cstdlib>
 #include <sstream>
 #include <string>
@@ -16,10 +17,24 @@ namespace {
 
 // Never destroyed: the program's threads may call it while the process exits.
 template <typename Service>
-void Start() {
+Service* Start() {
   static auto* const service = new Service;
   service->Declare();
   service->Start();
+  return service;
+}
+
+// For both thermal HALs.
+template <typename Service>
+void StartThermal() {
+  Service* const service = Start<Service>();
+  if (const char* const skin = getenv(kSkinVariable); skin != nullptr) {
+    typename Service::Temperature temperature = {};
+    temperature.type = decltype(temperature.type)::SKIN;
+    temperature.name = "skin";
+    temperature.value = strtof(skin, nullptr);
+    service->SetTemperatures({temperature});
+  }
 }
 
 [[gnu::constructor]] void StartServices() {
@@ -29,9 +44,9 @@ void Start() {
     if (name == "display") {
       Start<fp_host::DisplayService>();
     } else if (name == "thermal") {
-      Start<fp_host::ThermalService>();
+      StartThermal<fp_host::ThermalService>();
     } else if (name == "hidl-thermal") {
-      Start<fp_host::HidlThermalService>();
+      StartThermal<fp_host::HidlThermalService>();
     }
   }
   if (const char* const lux = getenv(kLuxVariable); lux != nullptr) {
