@@ -30,7 +30,9 @@ std::string DeviceTest::ReadFile(const std::string& path) {
 }
 
 void DeviceTest::WriteFile(const std::string& path, const std::string& content) {
-  std::ofstream(HostPath(path), std::ios::binary) << content;
+  std::ofstream file(HostPath(path), std::ios::binary);
+  file << content << std::flush;
+  EXPECT_TRUE(file.good()) << path << " cannot be written";
 }
 
 void DeviceTest::Remove(const std::string& path) { fs::remove_all(HostPath(path)); }

@@ -30,6 +30,12 @@ std::vector<LogLine> TakeLog() {
   return std::exchange(TheLog().lines, {});
 }
 
+std::vector<LogLine> TakeLog(const std::string& tag) {
+  std::vector<LogLine> log = TakeLog();
+  std::erase_if(log, [&](const LogLine& line) { return line.tag != tag; });
+  return log;
+}
+
 void MuteLog(bool mute) {
   __android_log_set_minimum_priority(mute ? ANDROID_LOG_SILENT : ANDROID_LOG_VERBOSE);
 }

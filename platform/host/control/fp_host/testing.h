@@ -23,8 +23,8 @@
 #include "fp_host/services.h"
 
 // What GoogleTests of services need beside the other controls: fixtures, the log, waits with a
-// bound, and tables of faults. Link fp_host::testing (pkg-config: fp_host-testing), which also
-// has a main().
+// bound, and tables of faults. A test may derive from both fixtures. Link fp_host::testing
+// (pkg-config: fp_host-testing), which also has a main().
 //
 // Threading:  fixtures belong to the test's thread; any thread may call anything else.
 
@@ -32,12 +32,14 @@ namespace fp_host {
 
 // A freshly booted simulated device for each test. The destructor removes the device with its
 // files, removes all faults of system calls and lets the wall clock run. Paths are the device's.
-class DeviceTest : public ::testing::Test {
+class DeviceTest : public virtual ::testing::Test {
  protected:
   ~DeviceTest() override;
 
   static bool Exists(const std::string& path);
+  // Empty if there is no such file.
   static std::string ReadFile(const std::string& path);
+  // Fails the test if the file cannot be written, for example because its folder is missing.
   static void WriteFile(const std::string& path, const std::string& content);
   static void Remove(const std::string& path);
   static unsigned ModeOf(const std::string& path);
@@ -92,13 +94,15 @@ inline LogLine Error(std::string tag, std::string message) {
 bool RecordLog();
 [[maybe_unused]] inline const bool is_log_recorded = RecordLog();
 
-// The lines that were logged since the last call, in order.
+// The lines that were logged since the last call, in order; at first, also those of earlier tests
+// of the program. With a tag, only lines with this tag: the others are lost.
 std::vector<LogLine> TakeLog();
+std::vector<LogLine> TakeLog(const std::string& tag);
 
 // Adds a line of the test itself.
 void AddLogLine(LogLine line);
 
-// Expects that exactly these lines were logged since the last TakeLog().
+// Expects that exactly these lines, the library's included, were logged since the last TakeLog().
 #define EXPECT_LOG(...) EXPECT_EQ((std::vector<fp_host::LogLine>{__VA_ARGS__}), fp_host::TakeLog())
 
 // The number of lines of `log` whose message contains `text`.
@@ -199,7 +203,7 @@ std::vector<HalFault> HalFaults(std::vector<HalFault> others);
 
 // Records the calls to the sensor service. The destructor ends the recording, removes faults and
 // hooks, and starts the service if it is down.
-class SensorTest : public ::testing::Test {
+class SensorTest : public virtual ::testing::Test {
  protected:
   using Texts = std::vector<std::string>;
 
