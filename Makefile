@@ -87,8 +87,8 @@ bench:  ## measure against the plain alternatives and print the ratios
 
 fuzz:  ## run every fuzz target for FUZZ_SECONDS (60)
 	@scripts/setup build test clang
-	$(call build,fuzz,fuzzers)
-	scripts/fuzz build/fuzz $(FUZZ_SECONDS)
+	$(call build,asan,fuzzers)
+	scripts/fuzz build/asan $(FUZZ_SECONDS)
 
 coverage:  ## lines and branches of include/ and src/ that the tests reach
 	@scripts/setup build test coverage

@@ -92,7 +92,7 @@ inline LogLine Error(std::string tag, std::string message) {
 // Starts recording. The constant calls it in every program that includes this header, and so links
 // the recorder.
 bool RecordLog();
-[[maybe_unused]] inline const bool is_log_recorded = RecordLog();
+[[maybe_unused]] inline const bool kIsLogRecorded = RecordLog();
 
 // The lines that were logged since the last call, in order; at first, also those of earlier tests
 // of the program. With a tag, only lines with this tag: the others are lost.
