@@ -100,7 +100,7 @@ EventData ReadEventData(const std::string& event, Fields& fields) {
   throw InvalidEvent(fmt::format("unknown event \"{}\"", event));
 }
 
-// The touches of an event and the seconds from the first to the last.
+// The touches of an event, and the seconds from its begin to its end.
 struct Touches {
   int count = 0;
   time_t seconds = 0;
@@ -117,7 +117,7 @@ Touches CountTouches(const EventData& data) {
     return spread(*errors);
   }
   if (const auto* enroll = std::get_if<Enroll>(&data)) {
-    return {enroll->captures, enroll->captures};
+    return {enroll->captures, enroll->captures};  // one second per capture
   }
   return {};
 }

@@ -21,6 +21,7 @@ class TouchService {
 
  private:
   void OnTouch(const android::fp_utils::TouchEvent& event) {
+    // Type 0 is a finger that comes down.
     if (event.type == 0 && light_.SetLhbm(true, nullptr) == 0) {
       read_image_();
       light_.SetLhbm(false, nullptr);

@@ -68,13 +68,13 @@ TEST_F(SensorListenerTest, FailedConnectIsRetriedFromWhereItStopped) {
     const char* function;
     bool has_list;
     const char* reason;
-    size_t calls_of_retry;  // of the twelve that a whole connect and registration makes
+    size_t calls_of_retry;  // of the ten that a whole connect and registration makes
     const char* kept;
   } kCases[] = {
       {"ASensorManager_getInstanceForPackage", false, "Failed to get sensor manager.", 10,
        "nothing"},
       {"ASensorManager_getSensorList", false, "Failed to get sensor list (0).\n", 10,
-       "by the manager, an empty list"},
+       "an empty list, in the manager"},
       {"ALooper_prepare", true, "Failed to prepare an event looper.", 10, "nothing"},
       {"ASensorManager_createEventQueue", true, "Failed to create an event queue.", 9,
        "the looper"},

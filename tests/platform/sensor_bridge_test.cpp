@@ -67,7 +67,7 @@ TEST_F(SensorBridgeTest, AnyPollTakesEventsAndWakesOfOtherThreads) {
   ASensorEventQueue* const second = QueueOf(ASENSOR_TYPE_LIGHT);
   ReportLux(1);
   ALooper_wake(ALooper_forThread());
-  EXPECT_EQ(ALOOPER_POLL_CALLBACK, PollOnAnotherThread()) << "the ready queues, all of them";
+  EXPECT_EQ(ALOOPER_POLL_CALLBACK, PollOnAnotherThread()) << "one poll serves all ready queues";
   EXPECT_EQ(ALOOPER_POLL_WAKE, PollOnAnotherThread());
   EXPECT_EQ(ALOOPER_POLL_TIMEOUT, Poll());
   EXPECT_EQ(1, Take(first));

@@ -214,7 +214,7 @@ TEST_F(InspectProgram, ComparisonOfTwoGroups) {
   EXPECT_EQ(json({40, 40}), object["attempts"]);
   EXPECT_EQ("no_image", object["rows"][0]["id"]);
   EXPECT_EQ(40, object["rows"][0]["b"]["k"]);
-  EXPECT_TRUE(object["rows"][1]["low"].is_null()) << "rejects of no image";
+  EXPECT_TRUE(object["rows"][1]["low"].is_null()) << "one side has no images";
   const std::string table = Run("compare good -- dark --format csv").output;
   EXPECT_EQ(0u,
             table.find("id,title,a_n,a_sum,b_n,b_sum,low,high,p\nno_image,no image,40,0,40,40,"))
@@ -239,7 +239,7 @@ TEST_F(InspectProgram, PageIsWrittenAsAWhole) {
   EXPECT_EQ("<b>\"&\ngood\npage\n", Shell("LC_ALL=C ls").output) << "no temporary file stays";
 }
 
-// A report and the file tree of one device, which round floats differently, are one timeline.
+// Dumps and the backup file of one device, which round floats differently, form one timeline.
 TEST_F(InspectProgram, DumpsAndBackupFilesOfADevice) {
   const fp_host::ScratchDevice device("fp_inspect_device");
   android::fp_utils::AuthStatsG7 attempts("0", 100, true);
@@ -263,7 +263,7 @@ TEST_F(InspectProgram, DumpsAndBackupFilesOfADevice) {
   EXPECT_NE(std::string::npos, both.output.find("300 attempts")) << both.output;
   EXPECT_NE(std::string::npos, both.output.find("rejected 100 of 300")) << both.output;
   EXPECT_EQ(0, both.exit_code);
-  // The last success saved the file; only there are the metrics.
+  // The last success saved the file; only the file has these metrics.
   EXPECT_EQ(100u, Objects("list --format jsonl --where packed_metric_1=0 " + file).size());
 }
 

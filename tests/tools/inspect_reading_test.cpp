@@ -116,7 +116,7 @@ TEST_F(InspectDump, EveryRecordOfTheLibraryReads) {
 TEST_F(InspectDump, IsFoundInOtherText) {
   const std::string dump = Dump(60, 7);
   const std::string noise = "  mState: 3\nAuth: x\n\nDUMP OF SERVICE x:\n  #0 y\n";
-  std::string far;  // beyond the buffer's end and on its edge
+  std::string far;  // puts the dump across the end of the first buffer
   while (far.size() < ByteWindow::kCapacity - dump.size() / 2) {
     far += noise;
   }
@@ -166,7 +166,7 @@ TEST_F(InspectDump, DamageIsSeenAndNothingIsInvented) {
   } kCases[] = {
       {"a line is missing", "  #007", "missing", 39},
       {"the title is missing", "Auth Events:", "", 40},
-      {"both titles are", "Auth Stats:", "", 40},
+      {"the title of the statistics is", "Auth Stats:", "", 40},
       {"the last lines are", "  #039", "count", 39},
   };
   for (const auto& test : kCases) {
@@ -192,7 +192,8 @@ TEST_F(InspectDump, SettingsOfTheExposure) {
   EXPECT_EQ(2600.25, contents.exposures[0].avg_raw_mean);
 }
 
-// Backup files of every history, damaged in every way that storage damages them.
+// Backup files of every history, with a flipped bit, overwritten, missing or repeated bytes, or
+// parts of other files.
 class InspectBackup : public fp_host::DeviceTest,
                       public ::testing::WithParamInterface<fp_test::HistoryKind> {
  protected:

@@ -255,11 +255,11 @@ TEST(InspectReplay, FitOfASensorWithoutNoise) {
   for (AuthEventG7& attempt : attempts) {
     attempt.iq = -attempt.iq;
   }
-  EXPECT_FALSE(SensorFit::Of(images)) << "a valley";
+  EXPECT_FALSE(SensorFit::Of(images)) << "the quality has a minimum, no maximum";
   for (AuthEventG7& attempt : attempts) {
     attempt.rawmean_delta = 2000;
   }
-  EXPECT_FALSE(SensorFit::Of(images)) << "one raw mean";
+  EXPECT_FALSE(SensorFit::Of(images)) << "all images have the same raw mean";
 }
 
 }  // namespace

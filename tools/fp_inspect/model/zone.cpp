@@ -10,7 +10,8 @@
 namespace fp_inspect {
 namespace {
 
-// The variable TZ with which the process was started.
+// The variable TZ with which the process was started. The constructor of Zone reads it before any
+// Activate() changes it.
 const std::optional<std::string>& InitialZone() {
   static const auto zone = [] {
     const char* const name = getenv("TZ");

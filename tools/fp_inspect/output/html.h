@@ -16,7 +16,7 @@ class Html {
   Html() = default;
   template <typename Chars>
   requires std::is_convertible_v<Chars, std::string_view> Html(const Chars& text)
-      : markup_(Escaped(text)) {}  // NOLINT: a text is a node
+      : markup_(Escaped(text)) {}  // NOLINT: implicit, a text is content
 
   // The one way around the escaping, for a style that is part of the program.
   static Html Style(const char* style);
@@ -39,7 +39,7 @@ class Html {
   std::string markup_;
 };
 
-// An attribute without a value is left out.
+// An attribute with an empty value is left out.
 Html Tag(const char* name, const std::vector<std::pair<const char*, std::string>>& attributes,
          const Html& content = {});
 inline Html Tag(const char* name, const Html& content) { return Tag(name, {}, content); }

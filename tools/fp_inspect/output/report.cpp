@@ -12,7 +12,7 @@
 namespace fp_inspect {
 namespace {
 
-// A section with what `of` makes of each side.
+// A section with the result of `of` for each side.
 Html Section(const Report& report, const std::string& title,
              const std::function<Html(const ReportSide&)>& of) {
   Html sides;

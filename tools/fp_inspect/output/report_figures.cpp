@@ -47,7 +47,7 @@ std::string Rounded(double value) {
   return std::abs(value) < 1e6 ? fmt::format("{:.0f}", value) : fmt::format("{:.1e}", value);
 }
 
-// Two quantiles around the median.
+// The median, and two quantiles in parentheses.
 std::string SpreadText(std::vector<double> values, double low, double high) {
   return values.empty()
              ? ""

@@ -19,7 +19,7 @@ constexpr double kLeft = 86;
 constexpr double kTop = 18;
 constexpr double kRow = 48;
 constexpr double kBase = 30;
-constexpr double kBar = 16;  // of the most attempts
+constexpr double kBar = 16;  // the height of the highest bar
 constexpr double kBins = std::tuple_size_v<decltype(Strip::Row::bins)>;
 constexpr double kBin = (kWide - kLeft - 2) / kBins;
 

@@ -11,8 +11,8 @@
 namespace fp_host {
 
 // Base of the simulated services with an AIDL interface. `instance` is the name under which clients
-// look the service up, "<descriptor>/default". The destructor of a derived class calls Kill() if
-// its object uses members of that class.
+// look the service up, "<descriptor>/default". The destructor of a derived class must call Kill()
+// if the object that MakeBinder() returns uses members of that class.
 class AidlService : public RemoteService {
  protected:
   explicit AidlService(std::string instance) : RemoteService(std::move(instance)) {}

@@ -19,8 +19,8 @@ class DisplayService : public AidlService {
   DisplayService();
   ~DisplayService() override;
 
-  // Later calls are answered with what `refusal` makes and change nothing, until Accept(). It runs
-  // on the client's thread and may not use this object.
+  // Until Accept(), calls change nothing and return what `refusal` returns. `refusal` runs on the
+  // client's thread and must not use this object.
   void Refuse(std::function<ndk::ScopedAStatus()> refusal);
   void Accept() override;
 

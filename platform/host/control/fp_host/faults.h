@@ -10,8 +10,8 @@
 // Faults injected into the system calls of programs that are linked with the simulated device. They
 // do not reach child processes.
 //
-// Threading:  any thread may call any function. Calls under way are not affected; a call that runs
-//             while its fault is being set may still be without it.
+// Threading:  any thread may call any function. Calls under way are not affected. A call that
+//             starts while its fault is being set may or may not get the fault.
 
 namespace fp_host {
 
@@ -30,8 +30,9 @@ struct Fault {
   ssize_t shorten_to = -1;
 };
 
-// Sets the fault of a function and replaces the one it had. Aborts with a message on an unknown
-// function, and on a fault that would fail no call or with no error.
+// Sets the fault of a function and replaces the one it had. Aborts with a message if the
+// function is unknown, if the fault applies to no call, or if it has neither an error nor a length
+// to which it shortens read or write.
 void SetFault(const Fault& fault);
 void ClearFault(const std::string& function);
 void ClearFaults();

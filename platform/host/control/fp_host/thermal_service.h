@@ -33,8 +33,8 @@ class ThermalService : public AidlService {
   void SetThresholds(std::vector<TemperatureThreshold> thresholds);
   void SetCoolingDevices(std::vector<CoolingDevice> devices);
 
-  // Later calls are answered with what `refusal` makes, until Accept(). It runs on the client's
-  // thread and may not use this object.
+  // Until Accept(), calls return what `refusal` returns. `refusal` runs on the client's thread and
+  // must not use this object.
   void Refuse(std::function<ndk::ScopedAStatus()> refusal);
   void Accept() override;
 

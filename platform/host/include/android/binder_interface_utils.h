@@ -24,7 +24,7 @@ class SharedRefBase {
   SharedRefBase& operator=(const SharedRefBase&) = delete;
   virtual ~SharedRefBase() {
     if (!mReferenced) {
-      // It lives on a stack or in a pointer of another kind, and would be destroyed twice.
+      // It was not created by make(), so a pointer from ref() would have destroyed it again.
       fputs("SharedRefBase: destroyed without ever having had a shared reference\n", stderr);
       abort();
     }
@@ -63,7 +63,7 @@ class SharedRefBase {
 
 namespace std {
 
-// An object made by make_shared or make_unique could not hand out pointers to itself.
+// A pointer from make_shared or make_unique and those from ref() would each destroy the object.
 template <typename T, typename... Args>
 requires std::is_base_of_v<::ndk::SharedRefBase, T> shared_ptr<T> make_shared(Args&&... args)
 = delete;
