@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // Loads arbitrary content as the backup file of the history FUZZED_HISTORY. It must not crash. A
-// record that is added and saved must be loaded again, as the last one, and none may be new.
+// record that is added and saved must be loaded again, as the last one, and no more records may be
+// loaded than were saved.
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
@@ -55,7 +56,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const auto saved = history->RecordTexts();
   const auto loaded = Kind().start()->RecordTexts();
   // The scan can accept a record whose rewritten text it does not accept, so records may be missing
-  // the second time, but none may be new.
+  // the second time, but there may not be more.
   if (loaded.empty() || loaded.size() > saved.size() || loaded.back() != saved.back()) {
     abort();
   }

@@ -67,7 +67,7 @@ void FpsTouchHandler::TouchPollingWorkerThread::RequestEnd() {
 
 bool FpsTouchHandler::TouchPollingWorkerThread::CreateCancelPipe() {
   int fds[2];
-  // NOLINTNEXTLINE(android-cloexec-pipe): the pipe has no flag but O_NONBLOCK
+  // NOLINTNEXTLINE(android-cloexec-pipe): the pipe has only O_NONBLOCK, set below
   if (pipe(fds) != 0) {
     FP_LOG_ERROR(kTag, "%s: could not create stop pipe: %s", "CreateCancelPipe", strerror(errno));
     return false;

@@ -94,7 +94,7 @@ TEST_F(AlsMonitorTest, FailedStartIsRetriedFromTheStepThatFailed) {
   } kCases[] = {
       {"ASensorManager_getInstanceForPackage", -ENOMEM, kNoManager, kNoConnection, 6, "nothing"},
       {"ASensorManager_getDefaultSensor", UNEXPECTED_NULL, kConnected,
-       Error(kTag, "Failed to get sensor."), 6, "the manager, which is asked for all the same"},
+       Error(kTag, "Failed to get sensor."), 6, "the manager, but it is asked for again"},
       {"ALooper_prepare", -ENOMEM, kConnected, Error(kTag, "Failed to prepare an event looper."), 5,
        "the sensor"},
       {"ASensorManager_createEventQueue", -ENOMEM, kConnected,

@@ -154,7 +154,7 @@ TEST_F(DisplayControllerTest, DeviceWithoutTheService) {
   EXPECT_LOG(Error(kTag, std::string("IDisplay service ") + kInstance + " is not declared."),
              kTurningOn, Error(kTag, "[SetLhbm] Failed to setLhbmState 1"));
   EXPECT_NE("Critical Errors:\n", CriticalErrorDump());
-  EXPECT_EQ(0, controller_->ConnectDisplayHal()) << "not this client's fault";
+  EXPECT_EQ(0, controller_->ConnectDisplayHal()) << "a missing service is not a connection error";
 }
 
 TEST_F(DisplayControllerTest, ConnectionThatFailsKeepsNothing) {

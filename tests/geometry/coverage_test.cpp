@@ -211,7 +211,7 @@ TEST(Coverage, OfCirclesInClosedForm) {
       {Circle({0, 0}, 0), Circle({0, 0}, 1), kNan, "nothing to cover"},
       {Circle({0, 0}, kNan), Circle({0, 0}, 1), kNan, "NaN"},
       {Circle({0, 0}, 1), Circle({kNan, 0}, 1), kNan, "NaN"},
-      {Circle({0, 0}, -1), Circle({0, 0}, 2), 100, "its square counts"},
+      {Circle({0, 0}, -1), Circle({0, 0}, 2), 100, "only the square of the radius is used"},
   };
   for (const auto& row : rows) {
     const float coverage = row.self.CoverageCoveredBy(row.other);

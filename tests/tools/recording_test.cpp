@@ -60,7 +60,8 @@ TEST_F(RecordingTest, GivesTheReportsThatWereRecorded) {
   const auto start = std::chrono::steady_clock::now();
   EXPECT_EQ("", node_.Play(RECORDINGS "/two_fingers.getevent", {2160, 9360}));
   EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::microseconds(91635));
-  // Twice as wide, four times as high; lengths grow by three; -45 of 90 is an eighth of a turn.
+  // Twice as wide and four times as high, so lengths are three times as long; -45 of 90 is an
+  // eighth of a turn.
   EXPECT_EQ(Read(4), (Lines{"0 type 0 at 1080,7840 size 372,288 angle -2048 us 48817310482",
                             "0 type 1 at 1084,7840 size 372,288 angle -2048 us 48817318790; "
                             "1 type 0 at 220,208 size 240,240 angle 0 us 48817318790",
@@ -73,8 +74,8 @@ TEST_F(RecordingTest, GivesTheReportsThatWereRecorded) {
                             "0 type 0 at 2160,7840 size 200,200 angle 4096 us 300000",
                             "0 type 2 at 2160,7840 size 200,200 angle 4096 us 310000; "
                             "0 type 0 at 2160,7840 size 200,200 angle 4096 us 310000"}));
-  // Without device, with codes instead of labels, and ends of lines of another system. The contact
-  // that was down before is left out.
+  // Without a device name, with codes instead of labels, and with CR LF. The contact that was down
+  // before is left out.
   EXPECT_EQ("", PlayText("[ 1.000000] 0003 0039 ffffffff\r\n[ 1.000000] 0000 0000 00000000\r\n"
                          "[ 1.000000] EV_ABS ABS_MT_POSITION_X 1\n[ 1.000000] 0003 0036 ffff\n"
                          "[ 1.000000] 0003 0039 1\n[ 1.000000] EV_SYN SYN_REPORT 0\n"));

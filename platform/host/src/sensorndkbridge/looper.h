@@ -13,7 +13,7 @@ struct ALooper {
   // Returns an ALOOPER_POLL_ value. A negative timeout waits for ever.
   int Poll(int timeout_ms);
 
-  // Pending until a poll returns it. Several wakes before that count as one.
+  // The wake is pending until a poll returns it. Several wakes before that count as one.
   void Wake();
 
   // Makes one poll return for a new event in the queue, even if the event is not read then.
