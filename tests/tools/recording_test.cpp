@@ -78,6 +78,7 @@ TEST_F(RecordingTest, GivesTheReportsThatWereRecorded) {
   // before is left out.
   EXPECT_EQ("", PlayText("[ 1.000000] 0003 0039 ffffffff\r\n[ 1.000000] 0000 0000 00000000\r\n"
                          "[ 1.000000] EV_ABS ABS_MT_POSITION_X 1\n[ 1.000000] 0003 0036 ffff\n"
+                         "[ 1.000000] EV_ABS ABS_MT_TOOL_TYPE MT_TOOL_PEN\n"
                          "[ 1.000000] 0003 0039 1\n[ 1.000000] EV_SYN SYN_REPORT 0\n"));
   EXPECT_EQ(Read(1), Lines{"0 type 0 at 1,65535 size 0,0 angle 0 us 1000000"});
 }

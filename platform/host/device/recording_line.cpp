@@ -13,6 +13,9 @@ namespace {
 constexpr char kSpace[] = " \t\r";
 constexpr int64_t kUsPerSecond = 1000000;
 
+// A type or code that says nothing about touches.
+constexpr uint16_t kOther = std::numeric_limits<uint16_t>::max();
+
 // The codes that a playback uses.
 constexpr struct {
   std::string_view label;
@@ -70,7 +73,6 @@ std::optional<int64_t> ParseTime(std::string_view text) {
 
 // "EV_ABS" or "0003". A type that says nothing about touches may have any name.
 uint16_t ParseType(std::string_view text) {
-  constexpr uint16_t kOther = std::numeric_limits<uint16_t>::max();
   return text == "EV_ABS"   ? uint16_t{kAbs}
          : text == "EV_SYN" ? uint16_t{kSyn}
                             : Parse<uint16_t>(text, 16).value_or(kOther);
@@ -82,7 +84,7 @@ uint16_t ParseCode(uint16_t type, std::string_view text) {
       return known.code;
     }
   }
-  return Parse<uint16_t>(text, 16).value_or(std::numeric_limits<uint16_t>::max());
+  return Parse<uint16_t>(text, 16).value_or(kOther);
 }
 
 // "[   12.345678] /dev/input/event4: EV_ABS       ABS_MT_SLOT          00000001", with or without
@@ -108,8 +110,9 @@ RecordingLine ParseGeteventEvent(std::string_view line) {
   }
   event.type = ParseType(words[0]);
   event.code = ParseCode(event.type, words[1]);
+  // Keys, and tools as in "ABS_MT_TOOL_TYPE MT_TOOL_PALM", have names as values.
   const auto value = Parse<uint32_t>(words[2], 16);
-  if (!value && (event.type == kAbs || event.type == kSyn)) {
+  if (!value && (event.type == kAbs || event.type == kSyn) && event.code != kOther) {
     return Malformed{"the value is not a hexadecimal number of 32 bits"};
   }
   event.value = static_cast<int32_t>(value.value_or(0));
