@@ -185,6 +185,7 @@ TEST_F(PhoneProgram, PullStaysOnThePhone) {
       {"pull --root p data", 1, "begins with /"},
       {"pull --root p /data/nothing", 1, "/data/nothing: No such file"},
       {"pull --root p /data p/data/vendor", 1, "lies on the phone itself"},
+      {"log --root p; cd p/data && fp_phone pull --root .. /data copy", 1, "copy: lies on"},
       {"pull --root p /data /nowhere/x", 1, "No such file"},
   });
 }

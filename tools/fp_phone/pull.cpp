@@ -8,8 +8,9 @@
 #include <cerrno>
 #include <cstring>
 #include <string>
-#include <utility>
 #include <vector>
+
+#include <android-base/unique_fd.h>
 
 #include "commands.h"
 
@@ -17,30 +18,16 @@ namespace fp_phone {
 namespace {
 
 namespace fs = std::filesystem;
+using android::base::unique_fd;
 
 constexpr int kNewMode = 0666;
 constexpr size_t kBlock = 65536;
 
-class Descriptor {
- public:
-  explicit Descriptor(int fd) : fd_(fd) {}
-  ~Descriptor() { close(fd_); }
-  Descriptor(Descriptor&& other) noexcept : fd_(std::exchange(other.fd_, -1)) {}
-  Descriptor& operator=(Descriptor&& other) noexcept {
-    std::swap(fd_, other.fd_);
-    return *this;
-  }
-  int Get() const { return fd_; }
-
- private:
-  int fd_;
-};
-
 // No call follows a link, so nothing outside the phone is read, whatever the program has left
 // there.
-Descriptor OpenIn(const Descriptor& folder, const fs::path& name) {
-  return Descriptor(
-      openat(folder.Get(), name.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+unique_fd OpenIn(const unique_fd& folder, const fs::path& name) {
+  return unique_fd(
+      openat(folder.get(), name.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
 }
 
 // Returns false.
@@ -51,11 +38,11 @@ bool ReportErrno(const std::string& path) {
   return false;
 }
 
-bool CopyContent(const Descriptor& from, int to, const std::string& device_path,
+bool CopyContent(const unique_fd& from, int to, const std::string& device_path,
                  const fs::path& target) {
   std::string block(kBlock, '\0');
   for (;;) {
-    const ssize_t size = read(from.Get(), block.data(), block.size());
+    const ssize_t size = read(from.get(), block.data(), block.size());
     if (size <= 0) {
       return size == 0 || ReportErrno(device_path);
     }
@@ -69,7 +56,7 @@ bool CopyContent(const Descriptor& from, int to, const std::string& device_path,
   }
 }
 
-bool CopyFile(const Descriptor& from, const std::string& device_path, const fs::path& target) {
+bool CopyFile(const unique_fd& from, const std::string& device_path, const fs::path& target) {
   const int to = open(target.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, kNewMode);
   if (to < 0) {
     return ReportErrno(target);
@@ -78,43 +65,46 @@ bool CopyFile(const Descriptor& from, const std::string& device_path, const fs::
   return close(to) == 0 ? is_copied : ReportErrno(target);
 }
 
-std::vector<std::string> NamesIn(const Descriptor& folder) {
-  std::vector<std::string> names;
-  DIR* const listing = fdopendir(openat(folder.Get(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-  while (const dirent* const entry = listing != nullptr ? readdir(listing) : nullptr) {
+bool ListNames(const unique_fd& folder, const std::string& device_path,
+               std::vector<std::string>* names) {
+  const int fd = openat(folder.get(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  DIR* const listing = fd < 0 ? nullptr : fdopendir(fd);
+  if (listing == nullptr) {
+    return ReportErrno(device_path);
+  }
+  while (const dirent* const entry = readdir(listing)) {
     const std::string name = entry->d_name;
     if (name != "." && name != ".." && name != ".fp_phone") {
-      names.push_back(name);
+      names->push_back(name);
     }
   }
-  if (listing != nullptr) {
-    closedir(listing);
-  }
-  std::sort(names.begin(), names.end());
-  return names;
+  closedir(listing);
+  std::sort(names->begin(), names->end());
+  return true;
 }
 
-bool Copy(const Descriptor& from, const std::string& device_path, const fs::path& target);
+bool Copy(const unique_fd& from, const std::string& device_path, const fs::path& target);
 
-bool CopyFolder(const Descriptor& from, const std::string& device_path, const fs::path& target) {
+bool CopyFolder(const unique_fd& from, const std::string& device_path, const fs::path& target) {
   std::error_code error;
   fs::create_directory(target, error);
   if (error) {
     Complain("{}: {}", Printable(target), error.message());
     return false;
   }
-  bool is_good = true;
-  for (const std::string& name : NamesIn(from)) {
+  std::vector<std::string> names;
+  bool is_good = ListNames(from, device_path, &names);
+  for (const std::string& name : names) {
     const std::string path = fmt::format("{}/{}", device_path, name);
-    const Descriptor entry = OpenIn(from, name);
-    is_good = (entry.Get() < 0 ? ReportErrno(path) : Copy(entry, path, target / name)) && is_good;
+    const unique_fd entry = OpenIn(from, name);
+    is_good = (entry.get() < 0 ? ReportErrno(path) : Copy(entry, path, target / name)) && is_good;
   }
   return is_good;
 }
 
-bool Copy(const Descriptor& from, const std::string& device_path, const fs::path& target) {
+bool Copy(const unique_fd& from, const std::string& device_path, const fs::path& target) {
   struct stat status = {};
-  fstat(from.Get(), &status);
+  fstat(from.get(), &status);
   if (S_ISDIR(status.st_mode)) {
     return CopyFolder(from, device_path, target);
   }
@@ -128,7 +118,7 @@ bool Copy(const Descriptor& from, const std::string& device_path, const fs::path
 // Whether what is copied would be copied into itself.
 bool IsOnPhone(const fs::path& target, const fs::path& root) {
   const fs::path relative =
-      fs::weakly_canonical(target).lexically_relative(fs::weakly_canonical(root));
+      fs::weakly_canonical(fs::absolute(target)).lexically_relative(fs::weakly_canonical(root));
   return !relative.empty() && *relative.begin() != "..";
 }
 
@@ -136,12 +126,12 @@ bool IsOnPhone(const fs::path& target, const fs::path& root) {
 
 int Pull(const Options& options) {
   const fs::path path = fs::path(options.device_path).relative_path();
-  if (options.device_path.front() != '/' ||
+  if (!options.device_path.starts_with('/') ||
       std::find(path.begin(), path.end(), "..") != path.end()) {
     Complain("{}: a path of the phone begins with / and has no ..", Printable(options.device_path));
     return kFailed;
   }
-  Descriptor from(open(options.root.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  unique_fd from(open(options.root.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
   std::string device_path;
   fs::path name = "phone";
   for (const fs::path& part : path) {
@@ -151,7 +141,7 @@ int Pull(const Options& options) {
     device_path += "/" + part.native();
     name = part;
     from = OpenIn(from, part);
-    if (from.Get() < 0) {
+    if (from.get() < 0) {
       ReportErrno(device_path);
       return kFailed;
     }
