@@ -89,8 +89,7 @@ int ShowLog(const Options& options) {
     Print(format.get(), message.get());
     good = ftell(file.get());
   }
-  fseek(file.get(), 0, SEEK_END);
-  if (ftell(file.get()) != good) {
+  if (ftell(file.get()) != good) {  // not at the end of an entry
     Complain("{}: the log is damaged at byte {}", Printable(options.LogFile()), good);
     return kFailed;
   }
