@@ -199,6 +199,7 @@ int Run(const Options& options) {
     Complain("{}: {}", Printable(options.root), why);
     return kNotStarted;
   }
+  signal(SIGCHLD, SIG_DFL);  // whoever ignores it is not told that the program has ended
   // Blocked before the thread of the touch device starts, so that this thread gets none of them.
   const sigset_t signals = WaitedSignals();
   sigset_t mask;
