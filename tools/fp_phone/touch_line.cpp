@@ -71,7 +71,8 @@ void ServeAll(int line, fp_host::TouchNode& node) {
 std::string TouchLine::Open(const std::filesystem::path& folder) {
   const Address address(folder);
   const int line = NewSocket();
-  if (!address.Bind(line) && errno == EADDRINUSE) {
+  bool is_bound = address.Bind(line);
+  if (!is_bound && errno == EADDRINUSE) {
     const int other = NewSocket();
     const bool is_used = address.Connect(other);
     close(other);
@@ -79,11 +80,9 @@ std::string TouchLine::Open(const std::filesystem::path& folder) {
       return "another program runs on this phone with --touch";
     }
     unlink((folder / kName).c_str());  // of a run that was killed
-    if (!address.Bind(line)) {
-      return strerror(errno);
-    }
+    is_bound = address.Bind(line);
   }
-  if (listen(line, SOMAXCONN) != 0) {
+  if (!is_bound || listen(line, SOMAXCONN) != 0) {
     return strerror(errno);
   }
   socket_ = folder / kName;
