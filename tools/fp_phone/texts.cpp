@@ -13,6 +13,7 @@ namespace {
 
 constexpr size_t kMaxValue = 91;  // bytes of a property that may change
 constexpr int64_t kMsPerSecond = 1000;
+constexpr int64_t kEndSecond = int64_t{1} << 32;  // the log has seconds in 32 bits
 
 template <typename Number>
 std::optional<Number> Parse(std::string_view text) {
@@ -62,9 +63,8 @@ std::string CheckCelsius(const std::string& text) {
 
 std::optional<int64_t> ParseMoment(const std::string& text) {
   if (text.starts_with("@")) {
-    constexpr int64_t kLast = int64_t{1} << 32;  // the log has seconds in 32 bits
     const auto seconds = Parse<int64_t>(text.substr(1));
-    const bool is_good = seconds && *seconds >= 0 && *seconds < kLast;
+    const bool is_good = seconds && *seconds >= 0 && *seconds < kEndSecond;
     return is_good ? std::optional(*seconds * kMsPerSecond) : std::nullopt;
   }
   for (const char* const format :
@@ -77,8 +77,9 @@ std::optional<int64_t> ParseMoment(const std::string& text) {
     const std::tm given = local;
     local.tm_isdst = -1;
     const time_t seconds = mktime(&local);
-    const bool exists = local.tm_mday == given.tm_mday && seconds >= 0;  // not 31 February
-    return exists ? std::optional(seconds * kMsPerSecond) : std::nullopt;
+    const bool exists = local.tm_mday == given.tm_mday;  // not 31 February
+    const bool is_good = exists && seconds >= 0 && seconds < kEndSecond;
+    return is_good ? std::optional(seconds * kMsPerSecond) : std::nullopt;
   }
   return std::nullopt;
 }
