@@ -188,7 +188,12 @@ int Main(int argc, char** argv) {
   const std::map<std::string, int (*)(const Options&)> commands = {
       {"run", Run}, {"log", ShowLog}, {"tree", ShowTree}, {"pull", Pull}, {"play", Play}};
   try {
-    return commands.at(app.get_subcommands().front()->get_name())(options);
+    const int exit_code = commands.at(app.get_subcommands().front()->get_name())(options);
+    if (fflush(stdout) != 0 || ferror(stdout) != 0) {
+      Complain("cannot write the output");
+      return kFailed;
+    }
+    return exit_code;
   } catch (const std::exception& error) {
     Complain("{}", error.what());
     return is_run ? kNotStarted : kFailed;
