@@ -38,12 +38,18 @@
 
 extern "C" {
 
-// What a fortified program calls instead of open().
+// What a fortified program calls instead of open(), readlink(), readlinkat() and realpath().
 // NOLINTBEGIN(bugprone-reserved-identifier,readability-identifier-naming,android-cloexec-*)
 int __open_2(const char* path, int flags) { return open(path, flags); }
 int __open64_2(const char* path, int flags) { return open64(path, flags); }
 int __openat_2(int folder, const char* path, int flags) { return openat(folder, path, flags); }
 int __openat64_2(int folder, const char* path, int flags) { return openat64(folder, path, flags); }
+MAPPED(ssize_t, __readlink_chk, (const char* path, char* out, size_t size, size_t capacity), PATH,
+       out, size, capacity)
+MAPPED(ssize_t, __readlinkat_chk,
+       (int folder, const char* path, char* out, size_t size, size_t capacity), folder, PATH, out,
+       size, capacity)
+MAPPED(char*, __realpath_chk, (const char* path, char* out, size_t capacity), PATH, out, capacity)
 int creat(const char* path, mode_t mode) { return open(path, O_CREAT | O_WRONLY | O_TRUNC, mode); }
 int creat64(const char* path, mode_t mode) { return creat(path, mode); }
 // NOLINTEND(bugprone-reserved-identifier,readability-identifier-naming,android-cloexec-*)
@@ -67,24 +73,45 @@ MAPPED(int, access, (const char* path, int mode), PATH, mode)
 MAPPED(int, faccessat, (int folder, const char* path, int mode, int flags), folder, PATH, mode,
        flags)
 MAPPED(int, euidaccess, (const char* path, int mode), PATH, mode)
+MAPPED(int, eaccess, (const char* path, int mode), PATH, mode)
+MAPPED(long, pathconf, (const char* path, int name), PATH, name)
 MAPPED(ssize_t, getxattr, (const char* path, const char* name, void* value, size_t size), PATH,
        name, value, size)
 MAPPED(ssize_t, lgetxattr, (const char* path, const char* name, void* value, size_t size), PATH,
        name, value, size)
+MAPPED(int, setxattr,
+       (const char* path, const char* name, const void* value, size_t size, int flags), PATH, name,
+       value, size, flags)
+MAPPED(int, lsetxattr,
+       (const char* path, const char* name, const void* value, size_t size, int flags), PATH, name,
+       value, size, flags)
+MAPPED(ssize_t, listxattr, (const char* path, char* list, size_t size), PATH, list, size)
+MAPPED(ssize_t, llistxattr, (const char* path, char* list, size_t size), PATH, list, size)
+MAPPED(int, removexattr, (const char* path, const char* name), PATH, name)
+MAPPED(int, lremovexattr, (const char* path, const char* name), PATH, name)
 
 MAPPED(DIR*, opendir, (const char* path), PATH)
 MAPPED(int, scandir,
        (const char* path, dirent*** out, int (*filter)(const dirent*),
         int (*order)(const dirent**, const dirent**)),
        PATH, out, filter, order)
+MAPPED(int, scandir64,
+       (const char* path, dirent64*** out, int (*filter)(const dirent64*),
+        int (*order)(const dirent64**, const dirent64**)),
+       PATH, out, filter, order)
 MAPPED(int, chdir, (const char* path), PATH)
 MAPPED(char*, realpath, (const char* path, char* out), PATH, out)
+MAPPED(char*, canonicalize_file_name, (const char* path), PATH)
 MAPPED(ssize_t, readlink, (const char* path, char* out, size_t size), PATH, out, size)
 MAPPED(ssize_t, readlinkat, (int folder, const char* path, char* out, size_t size), folder, PATH,
        out, size)
 
 MAPPED(int, mkdirat, (int folder, const char* path, mode_t mode), folder, PATH, mode)
 MAPPED(int, mkfifo, (const char* path, mode_t mode), PATH, mode)
+MAPPED(int, mkfifoat, (int folder, const char* path, mode_t mode), folder, PATH, mode)
+MAPPED(int, mknod, (const char* path, mode_t mode, dev_t device), PATH, mode, device)
+MAPPED(int, mknodat, (int folder, const char* path, mode_t mode, dev_t device), folder, PATH, mode,
+       device)
 MAPPED(int, rmdir, (const char* path), PATH)
 MAPPED(int, remove, (const char* path), PATH)
 MAPPED(int, unlinkat, (int folder, const char* path, int flags), folder, PATH, flags)
@@ -109,6 +136,7 @@ MAPPED(int, truncate, (const char* path, off_t size), PATH, size)
 MAPPED(int, truncate64, (const char* path, off64_t size), PATH, size)
 MAPPED(int, utime, (const char* path, const utimbuf* times), PATH, times)
 MAPPED(int, utimes, (const char* path, const timeval times[2]), PATH, times)
+MAPPED(int, lutimes, (const char* path, const timeval times[2]), PATH, times)
 MAPPED(int, utimensat, (int folder, const char* path, const timespec times[2], int flags), folder,
        PATH, times, flags)
 MAPPED(int, inotify_add_watch, (int fd, const char* path, uint32_t mask), fd, PATH, mask)
