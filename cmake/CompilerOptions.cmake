@@ -17,3 +17,7 @@ if(FP_UTILS_SANITIZE)
     target_compile_options(fp_utils_options INTERFACE -fno-sanitize=vptr)
   endif()
 endif()
+if(FP_UTILS_FUZZ)
+  # Counts what an input reaches. The simulated device is without, since shells load it.
+  target_compile_options(fp_utils_options INTERFACE -fsanitize=fuzzer-no-link)
+endif()
