@@ -2,6 +2,7 @@
 #include "device/touch.h"
 
 #include <fcntl.h>
+#include <pthread.h>
 #include <sys/socket.h>
 #include <sys/syscall.h>
 #include <unistd.h>
@@ -39,6 +40,10 @@ constexpr char kInheritedVariable[] = "FP_DEVICE_TOUCH";
 std::mutex mutex;
 Node* node = nullptr;            // guarded by mutex
 bool is_node_inherited = false;  // guarded by mutex
+
+// The child of a fork() closes descriptors too, so it must not inherit the mutex locked.
+[[maybe_unused]] const int kForkHandlers =
+    pthread_atfork([] { mutex.lock(); }, [] { mutex.unlock(); }, [] { mutex.unlock(); });
 
 // Each message of a sequenced-packet socket is one report buffer: one read, one buffer.
 void Connect(Node& node) {
@@ -109,7 +114,9 @@ bool IsTouchNode(const char* path) {
 int OpenTouchNode() {
   const std::lock_guard lock(mutex);
   const int fd = Duplicate(node->device_end);
-  node->descriptors.insert(fd);
+  if (fd >= 0) {
+    node->descriptors.insert(fd);
+  }
   return fd;
 }
 
