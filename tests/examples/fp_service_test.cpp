@@ -1,54 +1,35 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // Runs the demo program and checks its output.
-#include <gtest/gtest.h>
-#include <sys/wait.h>
-
 #include <algorithm>
-#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <string>
 
-#include "fp_host/device.h"
+#include "support/program_test.h"
 
 namespace fp_service {
 namespace {
 
 namespace fs = std::filesystem;
 
-struct Result {
-  int exit_code;
-  std::string output;
+using Result = fp_test::ProgramResult;
 
-  bool Has(const std::string& text) const { return output.find(text) != std::string::npos; }
-  // The output from the first line that begins with `begin`.
-  std::string From(const std::string& begin) const {
-    const size_t at = ("\n" + output).find("\n" + begin);
-    return at == std::string::npos ? "" : output.substr(at);
-  }
-};
+// The output from the first line that begins with `begin`.
+std::string From(const Result& result, const std::string& begin) {
+  const size_t at = ("\n" + result.output).find("\n" + begin);
+  return at == std::string::npos ? "" : result.output.substr(at);
+}
 
-class FpServiceTest : public ::testing::Test {
+class FpServiceTest : public fp_test::ProgramTest {
  protected:
-  Result Run(const std::string& options) const {
-    const std::string command =
-        std::string(FP_SERVICE) + " --device-root " + (folder_ / "device").string() + " " + options;
-    FILE* pipe = popen((command + " 2>&1").c_str(), "r");
-    std::string output;
-    char buffer[4096];
-    for (size_t size; (size = fread(buffer, 1, sizeof buffer, pipe)) > 0;) {
-      output.append(buffer, size);
-    }
-    return {WEXITSTATUS(pclose(pipe)), output};
+  Result Run(const std::string& options) const override {
+    return Shell(FP_SERVICE " --device-root device " + options);
   }
 
   static std::string Scenario(const std::string& name) {
     return "--scenario " + std::string(SCENARIOS) + "/" + name + ".jsonl ";
   }
-
-  const fp_host::ScratchFolder scratch_{"fp_service"};
-  const fs::path folder_ = scratch_.GetPath();
 };
 
 // Rejects and attempts of a phase, from the report.
@@ -59,7 +40,7 @@ struct Row {
 
 Row RowOf(const Result& result, const std::string& phase) {
   Row row = {};
-  EXPECT_EQ(4, sscanf(result.From(phase + " ").c_str() + phase.size(),
+  EXPECT_EQ(4, sscanf(From(result, phase + " ").c_str() + phase.size(),
                       "%d of %d %*f%% %*f -> %*f %*d %d of %d", &row.with[0], &row.with[1],
                       &row.without[0], &row.without[1]))
       << result.output;
@@ -87,7 +68,7 @@ TEST_F(FpServiceTest, DayComparesWithAndWithoutExposureControl) {
   const Result second = Run(Scenario("day") + "-v");
   EXPECT_EQ(0u, second.output.find("found 100 attempts of earlier runs\n"));
   EXPECT_TRUE(second.Has("finger down:2026-03-04-06-45-00-000"));
-  const std::string incomplete = second.From("-- hasty touches");
+  const std::string incomplete = From(second, "-- hasty touches");
   EXPECT_LT(incomplete.find("reason:Image Partial"), incomplete.find("-- bright noon"));
   EXPECT_TRUE(Run("--dump-only -v").Has("Auth Events:\n  #000 "));
 }
@@ -95,11 +76,11 @@ TEST_F(FpServiceTest, DayComparesWithAndWithoutExposureControl) {
 TEST_F(FpServiceTest, WeekContinuesAfterRestartsAndPowerCut) {
   const Result week = Run(Scenario("week") + "-v");
   ASSERT_EQ(0, week.exit_code) << week.output;
-  const std::string cut = week.From("power cut during a save: ");
+  const std::string cut = From(week, "power cut during a save: ");
   EXPECT_NE(std::string::npos, cut.find(" bytes of AuthStats.0 are left\nfound 5"));
   EXPECT_EQ(20, RowOf(week, "Thu, battery charged").with[1]) << "still enrolled";
   EXPECT_LT(RowOf(week, "Sat, beach").with[0], RowOf(week, "Sat, beach").without[0] / 2);
-  const std::string nothing = week.From("Fri, left at home ");
+  const std::string nothing = From(week, "Fri, left at home ");
   EXPECT_EQ(" - ", nothing.substr(nothing.find('-') - 1, 3)) << "no percentage without attempts";
   EXPECT_TRUE(week.Has("\nError:2026-03-12 18:20:00 sensor did not answer"));
   EXPECT_TRUE(week.Has("\n2026-03-13 18:00:00 acquisition_error:TOO_DARK")) << "the panel is dark";
@@ -118,14 +99,9 @@ TEST_F(FpServiceTest, IsDeterministicForASeed) {
 }
 
 TEST_F(FpServiceTest, OptionsAndExitCodes) {
-  std::ofstream(folder_ / "bad.jsonl") << "{\"event\": \"nap\"}\n";
-  const std::string bad = (folder_ / "bad.jsonl").string();
+  Write("bad.jsonl", "{\"event\": \"nap\"}\n");
   const std::string exposure = "persist.vendor.udfps.dynamic.exposure.";
-  const struct {
-    std::string options;
-    int exit_code;
-    std::string output;
-  } kCases[] = {
+  Check({
       {"--help", 0, "usage: fp_service --scenario FILE"},
       {"", 2, "either --scenario or --dump-only is required"},
       {"--dump-only " + Scenario("day"), 2, "either --scenario or --dump-only is required"},
@@ -140,15 +116,10 @@ TEST_F(FpServiceTest, OptionsAndExitCodes) {
       {"--dump-only --property persist.vendor.udfps.dynamic_exposure_supported=0", 0,
        "DynamicExposureSupported:0\n"},
       {"--dump-only --log error", 0, "Failed to open"},
-      {"--scenario " + folder_.string(), 3, folder_.string() + ": is a directory\n"},
+      {"--scenario .", 3, ".: is a directory\n"},
       {"--scenario /nowhere.jsonl", 3, "/nowhere.jsonl: No such file or directory\n"},
-      {"--scenario " + bad, 3, bad + ":1: the first event must be \"day\"\n"},
-  };
-  for (const auto& test : kCases) {
-    const Result result = Run(test.options);
-    EXPECT_EQ(test.exit_code, result.exit_code) << test.options;
-    EXPECT_TRUE(result.Has(test.output)) << test.options << "\n" << result.output;
-  }
+      {"--scenario bad.jsonl", 3, "bad.jsonl:1: the first event must be \"day\"\n"},
+  });
 }
 
 }  // namespace

@@ -4,16 +4,15 @@
 // purpose.
 #include <fmt/format.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
-#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <nlohmann/json.hpp>
 
 #include "fp_host/testing.h"
 #include "fp_utils/auth_stats.h"
+#include "support/program_test.h"
 
 namespace fp_inspect {
 namespace {
@@ -35,31 +34,10 @@ constexpr char kDump[] =
     "t_cov:42%, t_dist:0.6mm, rawmean_delta:1191, match_score:45, reason:Low quality\n"
     "  #002 2026-03-04 05:06:09 acquisition_error:TOO_DARK, rc:0, lptw:0\n";
 
-struct Result {
-  int exit_code;
-  std::string output;
-};
-
-class InspectProgram : public ::testing::Test {
+class InspectProgram : public fp_test::ProgramTest {
  protected:
-  Result Run(const std::string& arguments) const { return Shell(FP_INSPECT " " + arguments); }
-
-  // Runs in the test's folder and returns what is written to both outputs.
-  Result Shell(const std::string& line) const {
-    const std::string command = "export TZ=UTC; cd " + folder_.string() + " && " + line;
-    FILE* pipe =
-        popen((command + (command.find("2>") == command.npos ? " 2>&1" : "")).c_str(), "r");
-    std::string output;
-    char buffer[4096];
-    for (size_t size; (size = fread(buffer, 1, sizeof buffer, pipe)) > 0;) {
-      output.append(buffer, size);
-    }
-    return {WEXITSTATUS(pclose(pipe)), output};
-  }
-
-  void Write(const std::string& name, const std::string& content) const {
-    fs::create_directories((folder_ / name).parent_path());
-    std::ofstream(folder_ / name, std::ios::binary) << content;
+  fp_test::ProgramResult Run(const std::string& arguments) const override {
+    return Shell(FP_INSPECT " " + arguments);
   }
 
   std::vector<json> Objects(const std::string& arguments) const {
@@ -70,9 +48,6 @@ class InspectProgram : public ::testing::Test {
     }
     return objects;
   }
-
-  const fp_host::ScratchFolder scratch_{"fp_inspect"};
-  const fs::path folder_ = scratch_.GetPath();
 };
 
 TEST_F(InspectProgram, ExitCodesAndMessages) {
@@ -86,11 +61,7 @@ TEST_F(InspectProgram, ExitCodesAndMessages) {
   ASSERT_EQ(0, mkfifo((folder_ / "pipe").c_str(), 0600));
   Write("giga", "");
   fs::resize_file(folder_ / "giga", 1L << 30);  // one line of NUL bytes
-  const struct {
-    const char* arguments;
-    int exit_code;
-    const char* output;  // a part of it
-  } kCases[] = {
+  Check({
       {"--help", 0, "Exit codes: 0 success"},
       {"", 2, "summary, list, verify, fleet, replay, compare or report"},
       {"summary", 2, "inputs is required"},
@@ -141,14 +112,7 @@ TEST_F(InspectProgram, ExitCodesAndMessages) {
       {"summary good 2>&1 >/dev/full", 1, "fp_inspect: "},
       {"summary good >/dev/full", 1, ""},
       {"fleet good tree cut nothing", 1, "4 inputs, 3 with attempts"},
-  };
-  for (const auto& test : kCases) {
-    const Result result = Run(test.arguments);
-    EXPECT_EQ(test.exit_code, result.exit_code) << test.arguments << "\n" << result.output;
-    EXPECT_NE(std::string::npos, result.output.find(test.output)) << test.arguments << "\n"
-                                                                  << result.output;
-    EXPECT_EQ(std::string::npos, result.output.find('\x1b')) << "the terminal would obey it";
-  }
+  });
 }
 
 TEST_F(InspectProgram, ObjectsAndTables) {
@@ -232,7 +196,8 @@ TEST_F(InspectProgram, PageIsWrittenAsAWhole) {
   }
 
   // Files of more than 512 bytes cannot be written here.
-  const Result full = Shell("ulimit -f 1; trap '' XFSZ; " FP_INSPECT " report good -o page");
+  const fp_test::ProgramResult full =
+      Shell("ulimit -f 1; trap '' XFSZ; " FP_INSPECT " report good -o page");
   EXPECT_EQ(1, full.exit_code);
   EXPECT_EQ("fp_inspect: page: File too large\n", full.output);
   EXPECT_EQ(page, Shell("cat page").output) << "the old page stays";
@@ -259,7 +224,7 @@ TEST_F(InspectProgram, DumpsAndBackupFilesOfADevice) {
     }
   }
   const std::string file = fp_host::HostPath(attempts.GetBackupPath());
-  const Result both = Run("summary " + folder_.string() + " " + file);
+  const fp_test::ProgramResult both = Run("summary " + folder_.string() + " " + file);
   EXPECT_NE(std::string::npos, both.output.find("300 attempts")) << both.output;
   EXPECT_NE(std::string::npos, both.output.find("rejected 100 of 300")) << both.output;
   EXPECT_EQ(0, both.exit_code);

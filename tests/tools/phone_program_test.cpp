@@ -1,67 +1,27 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // The program as its user runs it, with a guest that does what services do.
-#include <gtest/gtest.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
-#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <string>
 
-#include "fp_host/device.h"
+#include "support/program_test.h"
 
 namespace fp_phone {
 namespace {
 
 namespace fs = std::filesystem;
 
-struct Result {
-  int exit_code;
-  std::string output;
-};
-
-class PhoneProgram : public ::testing::Test {
+class PhoneProgram : public fp_test::ProgramTest {
  protected:
-  // Runs in the test's folder and returns what is written to both outputs. The phone is the folder
-  // "p".
-  Result Run(const std::string& arguments) const {
-    const std::string command = "exec 2>&1; cd " + folder_.string() + " && fp_phone() { TZ=UTC " +
-                                FP_PHONE " \"$@\"; }; GUEST=" + PHONE_GUEST + "; fp_phone " +
-                                arguments;
-    FILE* pipe = popen(command.c_str(), "r");
-    std::string output;
-    char buffer[4096];
-    for (size_t size; (size = fread(buffer, 1, sizeof buffer, pipe)) > 0;) {
-      output.append(buffer, size);
-    }
-    return {WEXITSTATUS(pclose(pipe)), output};
+  // The phone is the folder "p".
+  fp_test::ProgramResult Run(const std::string& arguments) const override {
+    return Shell("fp_phone() { " FP_PHONE " \"$@\"; }; GUEST=" PHONE_GUEST "; fp_phone " +
+                 arguments);
   }
-
-  struct Case {
-    const char* arguments;
-    int exit_code;
-    const char* output;  // a part of it
-  };
-  template <size_t kCount>
-  void Check(const Case (&cases)[kCount]) const {
-    for (const auto& [arguments, exit_code, output] : cases) {
-      const Result result = Run(arguments);
-      EXPECT_EQ(exit_code, result.exit_code) << arguments << ": " << result.output;
-      EXPECT_NE(std::string::npos, result.output.find(output))
-          << arguments << ": " << result.output;
-    }
-  }
-
-  void Write(const std::string& name, const std::string& content, unsigned mode = 0644) const {
-    std::ofstream(folder_ / name, std::ios::binary) << content;
-    chmod((folder_ / name).c_str(), mode);
-  }
-
-  const fp_host::ScratchFolder scratch_{"fp_phone"};
-  const fs::path folder_ = scratch_.GetPath();
 };
 
 TEST_F(PhoneProgram, ExitCodesAndRefusals) {
@@ -193,7 +153,7 @@ TEST_F(PhoneProgram, PullStaysOnThePhone) {
 TEST_F(PhoneProgram, PlaysToTheProgramThatRuns) {
   const std::string deep(100, 'd');  // longer than the path of a socket may be
   const std::string play = std::string("play --root " + deep + " " RECORDINGS "/");
-  const Result run =
+  const fp_test::ProgramResult run =
       Run("run --root " + deep + " --touch -- sh -c '" FP_PHONE " run --root " + deep +
           " --touch -- true; " FP_PHONE " " + play + "nothing; " FP_PHONE " " + play +
           "tap.evemu --panel 1080x2340 --at-once && exec $0 touch' $GUEST");
