@@ -3,7 +3,7 @@
 
 .DEFAULT_GOAL := help
 .PHONY: help build demo inspect-demo test check bench fuzz coverage mutate lint docs docs-check package abi \
-  format stats clean test-clang test-asan test-tsan device-like aarch64 report-check bench-build bench-once \
+  format stats clean test-asan test-tsan device-like aarch64 report-check bench-build bench-once \
   abi-library abi-check package-check
 
 FUZZ_SECONDS ?= 60
@@ -50,21 +50,18 @@ check: build  ## run the long checks too: kills during saves, long random runs, 
 	@$(MAKE) --no-print-directory mutate MUTANTS=30
 
 # The lanes of .ci/run. Sanitizers take a share of the long random runs.
-test-clang:
-	@scripts/setup build test clang
-	$(call build,clang)
-	$(CTEST) clang
-
 test-asan test-tsan: test-%:
 	@scripts/setup build test clang
 	$(call build,$*)
 	$(CTEST) $*
 
+# Compiles the library with the device's compiler and standard library, and runs the golden texts.
 device-like:
 	@scripts/setup build clang
 	$(call build,device-like)
+	scripts/check_golden build/device-like/tests/golden/print_golden
 
-# Compiles the library for the device's processor and runs the golden texts there.
+# Compiles the library for the device's processor, and runs the golden texts there.
 aarch64:
 	@scripts/setup build cross
 	$(call build,aarch64)
