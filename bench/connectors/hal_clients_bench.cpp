@@ -36,7 +36,7 @@ std::shared_ptr<Interface> StartService(Service& service) {
       ndk::SpAIBinder(AServiceManager_waitForService(service.GetInstance().c_str())));
 }
 
-void SetLhbmByHand(benchmark::State& state) {
+void SetLhbmDirectCall(benchmark::State& state) {
   fp_host::DisplayService service;
   const std::shared_ptr<IDisplay> display = StartService<IDisplay>(service);
   bool on = false;
@@ -70,7 +70,7 @@ std::shared_ptr<IThermal> StartThermal(fp_host::ThermalService& service) {
   return StartService<IThermal>(service);
 }
 
-void SkinSeverityByHand(benchmark::State& state) {
+void SkinSeverityDirectCall(benchmark::State& state) {
   fp_host::ThermalService service;
   const std::shared_ptr<IThermal> thermal = StartThermal(service);
   for (auto _ : state) {
@@ -94,13 +94,13 @@ void GetCpuSeverity(benchmark::State& state) {
 }
 
 BENCHMARK(SetLhbm);
-BENCHMARK(SetLhbmByHand);
+BENCHMARK(SetLhbmDirectCall);
 BENCHMARK(GetCpuSeverity);
-BENCHMARK(SkinSeverityByHand);
+BENCHMARK(SkinSeverityDirectCall);
 
 const bool kClaims[] = {
-    Claim("lhbm_switch", "SetLhbm", "SetLhbmByHand", Goal::kAtMost, 2),
-    Claim("cpu_severity", "GetCpuSeverity", "SkinSeverityByHand", Goal::kAtMost, 2),
+    Claim("lhbm_switch", "SetLhbm", "SetLhbmDirectCall", Goal::kAtMost, 2),
+    Claim("cpu_severity", "GetCpuSeverity", "SkinSeverityDirectCall", Goal::kAtMost, 2),
 };
 
 }  // namespace

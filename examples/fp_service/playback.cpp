@@ -53,7 +53,7 @@ struct Pass {
   Properties properties;
   Output output;
   Shared& shared;
-  const Report* without_control;  // to compare with at the end, or null
+  const Report* uncontrolled;  // to compare with at the end, or null
 };
 
 void PrintLoadedHistory(const Service& service) {
@@ -86,8 +86,8 @@ void RunService(const Pass& pass, const Scenario& scenario, std::span<const Even
   }
   const bool is_last = events.empty() || &events.back() == &scenario.back();
   if (is_last && pass.output != Output::kNothing) {
-    if (pass.without_control != nullptr) {
-      fmt::print("\n{}\n", pass.shared.report.Compare(*pass.without_control, scenario));
+    if (pass.uncontrolled != nullptr) {
+      fmt::print("\n{}\n", pass.shared.report.Compare(*pass.uncontrolled, scenario));
     }
     PrintDump(service, pass.output);
   }
@@ -160,10 +160,10 @@ void PlayTwice(const Scenario& scenario, const Settings& settings) {
     fs::create_directories(copy.GetPath() + "/" + kPersistentFolder);
     fs::copy(files, copy.GetPath() + "/" + kPersistentFolder, fs::copy_options::recursive);
   }
-  Properties without_control = settings.properties;
-  without_control.emplace_back("persist.vendor.udfps.dynamic_exposure_supported", "false");
+  Properties uncontrolled = settings.properties;
+  uncontrolled.emplace_back("persist.vendor.udfps.dynamic_exposure_supported", "false");
   Shared& without = MakeShared(settings.seed);
-  Play({copy.GetPath(), without_control, Output::kNothing, without, nullptr}, scenario);
+  Play({copy.GetPath(), uncontrolled, Output::kNothing, without, nullptr}, scenario);
   Play({settings.device_root, settings.properties,
         settings.verbose ? Output::kAttempts : Output::kDumps, MakeShared(settings.seed),
         &without.report},

@@ -19,8 +19,8 @@ using std::chrono::steady_clock;
 constexpr char kTag[] = "FpStateTracker";
 
 // States whose time is recorded, as the service numbers them.
-constexpr uint32_t kFingerDown = 0x101;
-constexpr uint32_t kFingerDownOther = 0x201;
+constexpr uint32_t kFingerDown101 = 0x101;
+constexpr uint32_t kFingerDown201 = 0x201;
 constexpr uint32_t kState205 = 0x205;
 
 steady_clock::rep SteadyNow() { return steady_clock::now().time_since_epoch().count(); }
@@ -47,7 +47,7 @@ void FpStateTracker::UpdateState(fp_state_t state) {
     FP_LOG_DEBUG(kTag, "%s: state_:0x%x", "UpdateState", state_);
   }
   state_changed_.notify_all();
-  if (state == kFingerDown || state == kFingerDownOther) {
+  if (state == kFingerDown101 || state == kFingerDown201) {
     timeval now = {};
     gettimeofday(&now, nullptr);
     finger_down_wall_time_.seconds = now.tv_sec;

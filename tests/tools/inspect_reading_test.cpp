@@ -35,7 +35,7 @@ Contents Read(std::string bytes, InputKind kind = InputKind::kNone, std::string 
   return ReadInput(input, std::move(name), kind);
 }
 
-Texts WordsOf(const Contents& contents, RecordKind kind) {
+Texts TextsOf(const Contents& contents, RecordKind kind) {
   Texts texts;
   for (const Snapshot& snapshot : contents.snapshots) {
     for (const Record& record : snapshot.records) {
@@ -85,9 +85,9 @@ class InspectDump : public fp_host::DeviceTest {
   }
 
   void ExpectAll(const Contents& contents, const std::string& why) {
-    EXPECT_EQ(attempts_, WordsOf(contents, RecordKind::kAttempt)) << why;
-    EXPECT_EQ(enrollments_, WordsOf(contents, RecordKind::kEnrollment)) << why;
-    EXPECT_EQ(Texts{"failed to enable lhbm"}, WordsOf(contents, RecordKind::kError)) << why;
+    EXPECT_EQ(attempts_, TextsOf(contents, RecordKind::kAttempt)) << why;
+    EXPECT_EQ(enrollments_, TextsOf(contents, RecordKind::kEnrollment)) << why;
+    EXPECT_EQ(Texts{"failed to enable lhbm"}, TextsOf(contents, RecordKind::kError)) << why;
     EXPECT_EQ(0u, contents.damage_count) << why;
   }
 
@@ -140,7 +140,7 @@ TEST_F(InspectDump, DamageIsSeenAndNothingIsInvented) {
   const std::string dump = Dump(40, 3);
   const auto begin = dump.find("Auth Events:");
   const auto known = [&](const Contents& contents) {
-    const Texts read = WordsOf(contents, RecordKind::kAttempt);
+    const Texts read = TextsOf(contents, RecordKind::kAttempt);
     return std::all_of(read.begin(), read.end(), [&](const std::string& words) {
       return std::find(attempts_.begin(), attempts_.end(), words) != attempts_.end();
     });
@@ -148,7 +148,7 @@ TEST_F(InspectDump, DamageIsSeenAndNothingIsInvented) {
   for (size_t cut = begin; cut < dump.find("DynamicExposure"); cut += 7) {
     const Contents contents = Read(dump.substr(0, cut));
     ASSERT_TRUE(known(contents)) << cut;
-    ASSERT_EQ(WordsOf(contents, RecordKind::kAttempt).size() < attempts_.size(),
+    ASSERT_EQ(TextsOf(contents, RecordKind::kAttempt).size() < attempts_.size(),
               contents.damage_count > 0)
         << cut;
   }
@@ -174,7 +174,7 @@ TEST_F(InspectDump, DamageIsSeenAndNothingIsInvented) {
     const size_t at = damaged.find(test.lost, dump.find("Auth Stats:"));
     damaged.replace(at, damaged.find('\n', at) - at, "~");
     const Contents contents = Read(damaged);
-    EXPECT_EQ(test.read, WordsOf(contents, RecordKind::kAttempt).size()) << test.why;
+    EXPECT_EQ(test.read, TextsOf(contents, RecordKind::kAttempt).size()) << test.why;
     EXPECT_EQ(test.check, contents.damage.empty() ? "" : contents.damage[0].check) << test.why;
   }
 }
@@ -349,7 +349,7 @@ TEST(InspectSalvage, EmptyFramesAndOtherKindsAreNotRecords) {
   const std::string record = Frame(AuthEventG7().ToBackupString());
   EXPECT_EQ(InputKind::kBackup, Read("garbage" + record).kind);
   const Contents contents = Read(record + "~0x0,0x0,0x0,0x0," + Frame("a,b,c") + record);
-  EXPECT_EQ(2u, WordsOf(contents, RecordKind::kAttempt).size());
+  EXPECT_EQ(2u, TextsOf(contents, RecordKind::kAttempt).size());
   EXPECT_EQ(1u, contents.loaded);
   EXPECT_EQ(record.size(), contents.damage.at(0).offset);
   EXPECT_EQ(InputKind::kNone, Read("0").kind);

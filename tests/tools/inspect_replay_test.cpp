@@ -23,7 +23,7 @@ using android::fp_utils::DynamicExposure;
 constexpr int64_t kStart = 1772600767;
 constexpr Calibration kCalibration = {.expo = 60, .base = 300};
 
-struct Shot {
+struct Attempt {
   int raw = 2000;
   int iq = 40;
   bool success = false;
@@ -52,13 +52,13 @@ class Phone {
     begin_ = ++time;
   }
 
-  void Shoot(const Shot& shot) {
+  void AddAttempt(const Attempt& values) {
     auto attempt = std::make_shared<AuthEventG7>();
     attempt->timestamp = time;
-    attempt->acquired_info = shot.acquired;
-    attempt->auth_successful = shot.success;
-    attempt->iq = shot.iq;
-    attempt->rawmean_delta = shot.raw;
+    attempt->acquired_info = values.acquired;
+    attempt->auth_successful = values.success;
+    attempt->iq = values.iq;
+    attempt->rawmean_delta = values.raw;
     history_.AddAttempt(attempt);
     controller_->FeedAuthAttempt(attempt);
   }
@@ -99,10 +99,10 @@ TEST(InspectReplay, MakesTheStepsThatTheServiceMade) {
     std::vector<std::string> dumps;
     for (int i = 0; i < 150; ++i) {
       phone.time += below(2);
-      phone.Shoot({.raw = 1000 + 1000 * ((i / 20) % 3) + below(700),
-                   .iq = below(50),
-                   .success = below(3) == 0,
-                   .acquired = static_cast<int8_t>(below(6) == 0 ? 2 : 1)});
+      phone.AddAttempt({.raw = 1000 + 1000 * ((i / 20) % 3) + below(700),
+                        .iq = below(50),
+                        .success = below(3) == 0,
+                        .acquired = static_cast<int8_t>(below(6) == 0 ? 2 : 1)});
       const bool restarts = below(30) == 0 || i == 149;
       if (restarts || below(15) == 0) {
         dumps.push_back(phone.Dump());
@@ -137,7 +137,7 @@ TEST(InspectReplay, TellsWhatItCannotKnow) {
   const auto shoot = [&](int count) {
     for (int i = 0; i < count; ++i) {
       ++phone.time;
-      phone.Shoot({.raw = 3000 + i, .iq = 20});
+      phone.AddAttempt({.raw = 3000 + i, .iq = 20});
     }
     return phone.Dump();
   };
@@ -180,7 +180,7 @@ TEST(InspectReplay, FirstDifferentStep) {
   Phone phone;  // too bright from the third attempt on: a step down at the fifth and the ninth
   for (int i = 0; i < 12; ++i) {
     ++phone.time;
-    phone.Shoot(
+    phone.AddAttempt(
         {.raw = i < 2 ? 2000 : 3000 - 10 * i, .iq = i < 2 ? 40 : 20, .success = i % 4 == 0});
   }
   Replay replay = ReplayRecorded(Read({phone.Dump()}), kCalibration, false);

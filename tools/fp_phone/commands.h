@@ -57,8 +57,8 @@ struct Options {
   fp_host::Pace pace = fp_host::Pace::kRecorded;
 
   // What the tool itself keeps of a phone.
-  std::filesystem::path Folder() const { return root / ".fp_phone"; }
-  std::filesystem::path LogFile() const { return Folder() / "log"; }
+  std::filesystem::path StateFolder() const { return root / ".fp_phone"; }
+  std::filesystem::path LogFile() const { return StateFolder() / "log"; }
 };
 
 // Each returns the exit code and has said on standard error what went wrong.
@@ -79,7 +79,7 @@ std::optional<fp_host::TouchPanel> ParsePanel(const std::string& text);
 
 // Prints a sentence on standard error.
 template <typename... Arguments>
-void Complain(fmt::format_string<Arguments...> format, Arguments&&... arguments) {
+void PrintError(fmt::format_string<Arguments...> format, Arguments&&... arguments) {
   fmt::print(stderr, "fp_phone: {}\n", fmt::format(format, std::forward<Arguments>(arguments)...));
 }
 

@@ -69,8 +69,8 @@ int ShowLog(const Options& options) {
   const std::unique_ptr<FILE, Free> file(
       fopen(options.LogFile().c_str(), options.clears_log ? "r+e" : "re"));
   if (file == nullptr) {
-    Complain("{}: {}", Printable(options.root),
-             errno == ENOENT ? "no program has run on this phone" : strerror(errno));
+    PrintError("{}: {}", Printable(options.root),
+               errno == ENOENT ? "no program has run on this phone" : strerror(errno));
     return kFailed;
   }
   if (options.clears_log) {
@@ -90,7 +90,7 @@ int ShowLog(const Options& options) {
     good = ftell(file.get());
   }
   if (ftell(file.get()) != good) {  // not at the end of an entry
-    Complain("{}: the log is damaged at byte {}", Printable(options.LogFile()), good);
+    PrintError("{}: the log is damaged at byte {}", Printable(options.LogFile()), good);
     return kFailed;
   }
   return kDone;

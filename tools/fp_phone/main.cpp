@@ -190,12 +190,12 @@ int Main(int argc, char** argv) {
   try {
     const int exit_code = commands.at(app.get_subcommands().front()->get_name())(options);
     if (fflush(stdout) != 0 || ferror(stdout) != 0) {
-      Complain("cannot write the output");
+      PrintError("cannot write the output");
       return kFailed;
     }
     return exit_code;
   } catch (const std::exception& error) {
-    Complain("{}", error.what());
+    PrintError("{}", error.what());
     return is_run ? kNotStarted : kFailed;
   }
 }

@@ -6,19 +6,19 @@ namespace fp_phone {
 
 int Play(const Options& options) {
   TouchPlayer player;
-  if (!player.Connect(options.Folder())) {
-    Complain("{}: no program runs on this phone with --touch", Printable(options.root));
+  if (!player.Connect(options.StateFolder())) {
+    PrintError("{}: no program runs on this phone with --touch", Printable(options.root));
     return kFailed;
   }
   const std::string error = fp_host::PlayTouchRecording(
       options.recording, options.panel, options.pace,
       [&player](const auto& report) { return player.Send(EncodeTouchRecords(report)); });
   if (!error.empty()) {
-    Complain("{}", error);
+    PrintError("{}", error);
     return kFailed;
   }
   if (!player.Finish()) {
-    Complain("the program ended before it had the whole recording");
+    PrintError("the program ended before it had the whole recording");
     return kFailed;
   }
   return kDone;

@@ -33,8 +33,8 @@ unique_fd OpenIn(const unique_fd& folder, const fs::path& name) {
 // Returns false.
 bool ReportErrno(const std::string& path) {
   const bool is_link = errno == ELOOP;
-  Complain("{}: {}", Printable(path),
-           is_link ? "is a link, which pull does not follow" : strerror(errno));
+  PrintError("{}: {}", Printable(path),
+             is_link ? "is a link, which pull does not follow" : strerror(errno));
   return false;
 }
 
@@ -89,7 +89,7 @@ bool CopyFolder(const unique_fd& from, const std::string& device_path, const fs:
   std::error_code error;
   fs::create_directory(target, error);
   if (error) {
-    Complain("{}: {}", Printable(target), error.message());
+    PrintError("{}: {}", Printable(target), error.message());
     return false;
   }
   std::vector<std::string> names;
@@ -109,7 +109,7 @@ bool Copy(const unique_fd& from, const std::string& device_path, const fs::path&
     return CopyFolder(from, device_path, target);
   }
   if (!S_ISREG(status.st_mode)) {
-    Complain("{}: is neither a file nor a folder", Printable(device_path));
+    PrintError("{}: is neither a file nor a folder", Printable(device_path));
     return false;
   }
   return CopyFile(from, device_path, target);
@@ -128,7 +128,8 @@ int Pull(const Options& options) {
   const fs::path path = fs::path(options.device_path).relative_path();
   if (!options.device_path.starts_with('/') ||
       std::find(path.begin(), path.end(), "..") != path.end()) {
-    Complain("{}: a path of the phone begins with / and has no ..", Printable(options.device_path));
+    PrintError("{}: a path of the phone begins with / and has no ..",
+               Printable(options.device_path));
     return kFailed;
   }
   unique_fd from(open(options.root.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
@@ -148,7 +149,7 @@ int Pull(const Options& options) {
   }
   const fs::path target = fs::is_directory(options.to) ? options.to / name : fs::path(options.to);
   if (IsOnPhone(target, options.root)) {
-    Complain("{}: lies on the phone itself", Printable(target));
+    PrintError("{}: lies on the phone itself", Printable(target));
     return kFailed;
   }
   return Copy(from, device_path, target) ? kDone : kFailed;

@@ -38,7 +38,7 @@ fs::path LibraryFolder() {
 // An empty text, or why the root cannot be a phone.
 std::string PrepareRoot(const Options& options) {
   std::error_code error;
-  fs::create_directories(options.Folder(), error);
+  fs::create_directories(options.StateFolder(), error);
   if (fs::exists(options.root) && !fs::is_directory(options.root)) {
     return "is not a folder";
   }
@@ -150,9 +150,9 @@ int ExitCodeOf(int status, const std::string& name) {
   }
   const int signal = WTERMSIG(status);
   if (signal == SIGABRT) {
-    Complain("{} aborted (signal {})", Printable(name), signal);
+    PrintError("{} aborted (signal {})", Printable(name), signal);
   } else {
-    Complain("{} was killed by signal {} ({})", Printable(name), signal, strsignal(signal));
+    PrintError("{} was killed by signal {} ({})", Printable(name), signal, strsignal(signal));
   }
   return kSignalBase + signal;
 }
@@ -160,7 +160,7 @@ int ExitCodeOf(int status, const std::string& name) {
 int Execute(const Options& options, const std::string& path, const sigset_t& mask) {
   int failure[2] = {-1, -1};
   if (pipe2(failure, O_CLOEXEC) != 0) {
-    Complain("{}", strerror(errno));
+    PrintError("{}", strerror(errno));
     return kNotStarted;
   }
   const pid_t child = fork();
@@ -169,7 +169,7 @@ int Execute(const Options& options, const std::string& path, const sigset_t& mas
   }
   close(failure[1]);
   if (child < 0) {
-    Complain("{}", strerror(errno));
+    PrintError("{}", strerror(errno));
     return kNotStarted;
   }
   int error = 0;
@@ -177,7 +177,7 @@ int Execute(const Options& options, const std::string& path, const sigset_t& mas
   close(failure[0]);
   const int status = WaitFor(child, WaitedSignals());
   if (has_failed) {
-    Complain("{}: {}", Printable(path), strerror(error));
+    PrintError("{}: {}", Printable(path), strerror(error));
     return kCannotRun;
   }
   return ExitCodeOf(status, options.program.front());
@@ -188,15 +188,15 @@ int Execute(const Options& options, const std::string& path, const sigset_t& mas
 int Run(const Options& options) {
   const Program program = FindProgram(options.program.front());
   if (!program.refusal.empty()) {
-    Complain("{}", program.refusal);
+    PrintError("{}", program.refusal);
     return program.exit_code;
   }
   if (LibraryFolder().native().find_first_of(": \t") != std::string::npos) {
-    Complain("{}: a path with a space or colon cannot be preloaded", LibraryFolder().native());
+    PrintError("{}: a path with a space or colon cannot be preloaded", LibraryFolder().native());
     return kNotStarted;
   }
   if (const std::string why = PrepareRoot(options); !why.empty()) {
-    Complain("{}: {}", Printable(options.root), why);
+    PrintError("{}: {}", Printable(options.root), why);
     return kNotStarted;
   }
   signal(SIGCHLD, SIG_DFL);  // whoever ignores it is not told that the program has ended
@@ -205,8 +205,9 @@ int Run(const Options& options) {
   sigset_t mask;
   sigprocmask(SIG_BLOCK, &signals, &mask);
   TouchLine touch;
-  if (const std::string why = options.has_touch ? touch.Open(options.Folder()) : ""; !why.empty()) {
-    Complain("{}: {}", Printable(options.root), why);
+  if (const std::string why = options.has_touch ? touch.Open(options.StateFolder()) : "";
+      !why.empty()) {
+    PrintError("{}: {}", Printable(options.root), why);
     return kNotStarted;
   }
   SetEnvironment(options, touch);

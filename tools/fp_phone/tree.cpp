@@ -31,7 +31,7 @@ std::string ModeText(mode_t mode) {
 bool Print(const fs::path& path, const std::string& device_path) {
   struct stat status = {};
   if (lstat(path.c_str(), &status) != 0) {
-    Complain("{}: {}", Printable(device_path), strerror(errno));
+    PrintError("{}: {}", Printable(device_path), strerror(errno));
     return false;
   }
   const std::string size = S_ISREG(status.st_mode) ? std::to_string(status.st_size) : "-";
@@ -48,12 +48,12 @@ bool PrintFolder(const Options& options, const fs::path& folder, const std::stri
   std::error_code error;
   std::vector<fs::path> entries;
   for (fs::directory_iterator i(folder, error), end; !error && i != end; i.increment(error)) {
-    if (i->path() != options.Folder()) {
+    if (i->path() != options.StateFolder()) {
       entries.push_back(i->path());
     }
   }
   if (error) {
-    Complain("{}: {}", Printable(device_folder), error.message());
+    PrintError("{}: {}", Printable(device_folder), error.message());
     return false;
   }
   std::sort(entries.begin(), entries.end());

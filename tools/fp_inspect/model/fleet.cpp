@@ -22,7 +22,7 @@ void Fleet::Add(const std::string& name, const Summary& summary) {
     cause.cause = count.cause;
     cause.failures += count.of_failures.k;
     ++cause.devices;
-    cause.devices_top += count.cause.id == row.top_cause.cause.id ? 1 : 0;
+    cause.devices_where_top += count.cause.id == row.top_cause.cause.id ? 1 : 0;
   }
   rows.push_back(std::move(row));
 }

@@ -30,8 +30,8 @@ struct Fleet {
   struct CauseInFleet {
     Cause cause;
     size_t failures = 0;
-    size_t devices = 0;      // that have it
-    size_t devices_top = 0;  // where it is the most frequent one
+    size_t devices = 0;            // that have it
+    size_t devices_where_top = 0;  // where it is the most frequent one
   };
 
   std::vector<FleetRow> rows;  // devices with attempts

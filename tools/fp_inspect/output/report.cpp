@@ -12,13 +12,13 @@
 namespace fp_inspect {
 namespace {
 
-// A section with the result of `of` for each side.
+// A section with what `make_content` returns for each side.
 Html Section(const Report& report, const std::string& title,
-             const std::function<Html(const ReportSide&)>& of) {
+             const std::function<Html(const ReportSide&)>& make_content) {
   Html sides;
   for (const ReportSide& side : report.sides) {
     const Html heading = report.sides.size() > 1 ? Tag("h3", std::string(1, side.letter)) : Html();
-    sides += Tag("div", heading + of(side));
+    sides += Tag("div", heading + make_content(side));
   }
   return Tag("section", Tag("h2", title) + Tag("div", {{"class", "sides"}}, sides));
 }

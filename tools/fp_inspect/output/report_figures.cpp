@@ -16,7 +16,7 @@ namespace {
 constexpr size_t kBands = 10;  // of coverage
 
 // The kinds of marks for attempts with an image.
-enum Outcome { kMatched, kRejected, kUncovered, kOutcomes };
+enum Outcome { kMatched, kRejected, kLowCoverage, kOutcomes };
 constexpr const char* kOutcomeNames[] = {"matched", "rejected", "rejected, low coverage"};
 
 template <typename Take>
@@ -26,7 +26,7 @@ void ForEachImage(const ReportSide& side, const Take& take) {
     const AuthEventG7& attempt = *record.Attempt();
     if (record.g7 && attempt.acquired_info == AuthEventG7::kAcquiredGood) {
       take(attempt, !IsRejected(attempt)              ? kMatched
-                    : attempt.t_cov < limits.coverage ? kUncovered
+                    : attempt.t_cov < limits.coverage ? kLowCoverage
                                                       : kRejected);
     }
   }
@@ -55,13 +55,13 @@ std::string SpreadText(std::vector<double> values, double low, double high) {
                            Rounded(Quantile(values, low)), Rounded(Quantile(values, high)));
 }
 
-// The length of a bar: `most` records fill half the drawing, and a single one is still visible.
-double BarOf(size_t count, size_t most) {
-  const double bar = 50.0 * static_cast<double>(count) / static_cast<double>(most);
+// The length of a bar: `largest` records fill half the drawing, and a single one is still visible.
+double BarLength(size_t count, size_t largest) {
+  const double bar = 50.0 * static_cast<double>(count) / static_cast<double>(largest);
   return count == 0 ? 0 : std::max(bar, 1.0);
 }
 
-Html Key(const Cloud& cloud, const std::string& text) {
+Html LegendEntry(const Cloud& cloud, const std::string& text) {
   return Tag("li",
              SmallSvg("key", 14, 14, Path(cloud.classes, MarkPath(cloud.mark, 7, 7, 4.2))) + text);
 }
@@ -125,7 +125,7 @@ Html QualityFigure(const ReportSide& side, const PlotAxes& axes) {
     raw[outcome].push_back(attempt.rawmean_delta);
     quality[outcome].push_back(attempt.iq);
   });
-  if (raw[kMatched].size() + raw[kRejected].size() + raw[kUncovered].size() == 0) {
+  if (raw[kMatched].size() + raw[kRejected].size() + raw[kLowCoverage].size() == 0) {
     return Tag("p", "No attempt has an image with these values.");
   }
   std::vector<HtmlRow> rows;
@@ -133,7 +133,7 @@ Html QualityFigure(const ReportSide& side, const PlotAxes& axes) {
   for (size_t i = 0; i < kOutcomes; ++i) {
     rows.push_back({{kOutcomeNames[i], std::to_string(raw[i].size()),
                      SpreadText(raw[i], 0.25, 0.75), SpreadText(quality[i], 0.25, 0.75)}});
-    keys += Key(clouds[i], kOutcomeNames[i]);
+    keys += LegendEntry(clouds[i], kOutcomeNames[i]);
   }
   return Svg(fmt::format("light-{}", side.letter), "Quality against raw mean of images",
              "Each mark is one image or several that lie close together; a larger one stands for "
@@ -178,9 +178,9 @@ Html CoverageFigure(const ReportSide& side) {
     ++band.n;
     band.k += outcome == kMatched ? 0 : 1;
   });
-  size_t most = 1;
+  size_t largest = 1;
   for (const Share& band : bands) {
-    most = std::max({most, band.k, band.n - band.k});
+    largest = std::max({largest, band.k, band.n - band.k});
   }
   std::vector<HtmlRow> rows;
   for (size_t i = kBands + 1; i-- > 0;) {
@@ -188,8 +188,8 @@ Html CoverageFigure(const ReportSide& side) {
     if (i == kBands && band.n == 0) {
       continue;
     }
-    const double left = BarOf(band.k, most);
-    const double right = BarOf(band.n - band.k, most);
+    const double left = BarLength(band.k, largest);
+    const double right = BarLength(band.n - band.k, largest);
     const std::string name =
         i == kBands ? "unknown" : fmt::format("{}..{} %", 10 * i, 10 * (i + 1));
     const bool is_limit = 10 * static_cast<float>(i) == side.summary.thresholds.coverage;

@@ -56,7 +56,7 @@ Strip::Strip(const ReportSide& side, const Zone& zone) : zone_(zone) {
     AddAttempt(record);
   }
   for (const Record& record : errors) {
-    auto [row, bin] = At(record.time);
+    auto [row, bin] = RowAndBinAt(record.time);
     ++row.errors;
     ++bin.errors;
   }
@@ -74,7 +74,7 @@ int64_t Strip::DayOf(int64_t epoch) const {
   return wall / kDay - (wall % kDay < 0 ? 1 : 0);
 }
 
-std::pair<Strip::Row&, Strip::Bin&> Strip::At(int64_t epoch) {
+std::pair<Strip::Row&, Strip::Bin&> Strip::RowAndBinAt(int64_t epoch) {
   const int64_t index = (DayOf(epoch) - first_day_) / days_;
   const int64_t begin = (first_day_ + index * days_) * kDay;
   Row& row = rows_[index];
@@ -87,19 +87,19 @@ std::pair<Strip::Row&, Strip::Bin&> Strip::At(int64_t epoch) {
 }
 
 void Strip::AddAttempt(const Record& record) {
-  auto [row, bin] = At(record.time);
+  auto [row, bin] = RowAndBinAt(record.time);
   row.attempts.push_back(record);
   const AuthEventG7& attempt = *record.Attempt();
   ++(!IsFailed(attempt) ? bin.matched : IsRejected(attempt) ? bin.rejected : bin.no_image);
-  most_ = std::max({most_, bin.matched, bin.rejected + bin.no_image});
+  largest_bar_ = std::max({largest_bar_, bin.matched, bin.rejected + bin.no_image});
 }
 
 void Strip::AddRun(const Run& run, int64_t last_day) {
   if (DayOf(run.begin) >= first_day_ && DayOf(run.begin) <= last_day) {
-    ++At(run.begin).second.starts;
+    ++RowAndBinAt(run.begin).second.starts;
   }
   for (const ExposureStep& step : run.recorded.steps) {
-    auto [row, bin] = At(run.times[step.at]);
+    auto [row, bin] = RowAndBinAt(run.times[step.at]);
     ++row.steps;
     ++(step.up ? bin.ups : bin.downs);
   }
@@ -122,8 +122,8 @@ Html Strip::Draw() const {
   return drawn;
 }
 
-double Strip::BarOf(size_t count) const {
-  return std::max(1.5, kBar * static_cast<double>(count) / static_cast<double>(most_));
+double Strip::BarLength(size_t count) const {
+  return std::max(1.5, kBar * static_cast<double>(count) / static_cast<double>(largest_bar_));
 }
 
 Html Strip::DrawRow(const Row& row, double y) const {
@@ -139,10 +139,10 @@ Html Strip::DrawRow(const Row& row, double y) const {
       return fmt::format("M{:.1f} {:.1f}h{:.1f}v{:.1f}h-{:.1f}z", x + 0.3, base + from, kBin - 0.6,
                          height, kBin - 0.6);
     };
-    const double up = -BarOf(bin.rejected);
-    matched += bin.matched > 0 ? bar(0.6, BarOf(bin.matched)) : "";
-    rejected += bin.rejected > 0 ? bar(-0.6, up) : "";
-    no_image += bin.no_image > 0 ? bar(up - 0.8, -BarOf(bin.no_image)) : "";
+    const double rejected_height = -BarLength(bin.rejected);
+    matched += bin.matched > 0 ? bar(0.6, BarLength(bin.matched)) : "";
+    rejected += bin.rejected > 0 ? bar(-0.6, rejected_height) : "";
+    no_image += bin.no_image > 0 ? bar(rejected_height - 0.8, -BarLength(bin.no_image)) : "";
     marks += Marks(bin, x + kBin / 2, y);
   }
   return Label("", 0, base + 4, row.label) + Line("axis", kLeft, base, kWide - 2, base) +

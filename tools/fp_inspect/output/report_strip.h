@@ -46,17 +46,17 @@ class Strip {
  private:
   int64_t WallTimeOf(int64_t epoch) const;
   int64_t DayOf(int64_t epoch) const;
-  std::pair<Row&, Bin&> At(int64_t epoch);
+  std::pair<Row&, Bin&> RowAndBinAt(int64_t epoch);
   void AddAttempt(const Record& record);
   void AddRun(const Run& run, int64_t last_day);
   Html DrawRow(const Row& row, double y) const;
-  double BarOf(size_t count) const;
+  double BarLength(size_t count) const;
 
   const Zone& zone_;
   int64_t first_day_ = INT64_MAX;
   int64_t days_ = 1;  // of a row
   std::map<int64_t, Row> rows_;
-  size_t most_ = 1;  // attempts of a bin above or below its line
+  size_t largest_bar_ = 1;  // attempts of a bin above or below its line
 };
 
 }  // namespace fp_inspect

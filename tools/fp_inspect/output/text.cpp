@@ -125,7 +125,7 @@ class TextOutput : public Output {
     fmt::print("{:<46}{:>9}{:>9}{:>9}\n", "cause", "failures", "devices", "top in");
     for (const auto& [id, cause] : fleet.causes) {
       fmt::print("  {:<44}{:>9}{:>9}{:>9}\n", cause.cause.title, cause.failures, cause.devices,
-                 cause.devices_top);
+                 cause.devices_where_top);
     }
   }
 

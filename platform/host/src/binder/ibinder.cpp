@@ -57,7 +57,7 @@ void LocalBinder::RunOnewayCalls() {
   while (!oneway_calls_.empty()) {
     std::function<void()> call = std::move(oneway_calls_.front());
     lock.unlock();
-    if (IsHomeAlive()) {
+    if (IsProcessAlive()) {
       call();
     }
     call = nullptr;  // destroys its captures without the lock
@@ -77,20 +77,20 @@ bool RemoteBinder::HasInterface(const char* descriptor) {
 }
 
 bool RemoteBinder::IsAlive() {
-  if (!GetTarget()->IsHomeAlive()) {
+  if (!GetTarget()->IsProcessAlive()) {
     known_dead_ = true;
   }
   return !known_dead_;
 }
 
 bool RemoteBinder::Call(const std::function<void()>& transaction) {
-  const auto& home = GetTarget()->GetHome();
-  if (home == nullptr) {
+  const auto& process = GetTarget()->GetProcess();
+  if (process == nullptr) {
     transaction();
     return true;
   }
   // An object that has died stays dead, so its process need not be asked again.
-  if (known_dead_ || !home->Call(transaction)) {
+  if (known_dead_ || !process->Call(transaction)) {
     known_dead_ = true;
     return false;
   }
@@ -103,14 +103,14 @@ binder_status_t RemoteBinder::Link(const std::shared_ptr<DeathLink>& link) {
     return STATUS_DEAD_OBJECT;
   }
   links_.push_back(link);
-  if (!std::exchange(watched_, true) && GetTarget()->GetHome() != nullptr) {
+  if (!std::exchange(watched_, true) && GetTarget()->GetProcess() != nullptr) {
     Watch();
   }
   return STATUS_OK;
 }
 
 void RemoteBinder::Watch() {
-  GetTarget()->GetHome()->OnDeath([weak = GetWeak()] {
+  GetTarget()->GetProcess()->OnDeath([weak = GetWeak()] {
     ipc::BinderPool().Post([weak] {
       const ndk::SpAIBinder binder = Promote(weak);
       if (binder.get() != nullptr) {

@@ -56,7 +56,7 @@ struct DeathLink {
   void* cookie;
 };
 
-// An object implemented in this program. Its home is this process or a simulated one.
+// An object implemented in this program. It lives in this process or in a simulated one.
 class LocalBinder : public AIBinder {
  public:
   LocalBinder(std::shared_ptr<ndk::ICInterface> implementation, const char* descriptor)
@@ -70,9 +70,9 @@ class LocalBinder : public AIBinder {
   ndk::SpAIBinder GetProxy();
 
   // The simulated process of the object, or null for this one. Set before the first GetProxy().
-  void SetHome(std::shared_ptr<ipc::Process> home) { home_ = std::move(home); }
-  const std::shared_ptr<ipc::Process>& GetHome() const { return home_; }
-  bool IsHomeAlive() const { return home_ == nullptr || home_->IsAlive(); }
+  void SetProcess(std::shared_ptr<ipc::Process> process) { process_ = std::move(process); }
+  const std::shared_ptr<ipc::Process>& GetProcess() const { return process_; }
+  bool IsProcessAlive() const { return process_ == nullptr || process_->IsAlive(); }
 
   // Runs one-way calls one after the other on a thread of the binder pool.
   void PostOneway(std::function<void()> call);
@@ -83,7 +83,7 @@ class LocalBinder : public AIBinder {
   // Constant after construction.
   const std::shared_ptr<ndk::ICInterface> implementation_;
   const char* const descriptor_;
-  std::shared_ptr<ipc::Process> home_;
+  std::shared_ptr<ipc::Process> process_;
 
   std::mutex mutex_;
 

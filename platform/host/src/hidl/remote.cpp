@@ -10,15 +10,15 @@
 
 namespace fp_host::hidl {
 Status Remote::Call(const std::function<void()>& transaction) const {
-  if (home_ == nullptr) {
+  if (process_ == nullptr) {
     transaction();
     return Status::ok();
   }
-  return Status::fromStatusT(home_->Call(transaction) ? android::OK : android::DEAD_OBJECT);
+  return Status::fromStatusT(process_->Call(transaction) ? android::OK : android::DEAD_OBJECT);
 }
 
 Status Remote::CallOneway(std::function<void()> transaction) const {
-  const auto is_alive = [home = home_] { return home == nullptr || home->IsAlive(); };
+  const auto is_alive = [process = process_] { return process == nullptr || process->IsAlive(); };
   if (!is_alive()) {
     return Status::fromStatusT(android::DEAD_OBJECT);
   }

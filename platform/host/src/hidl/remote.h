@@ -22,15 +22,15 @@ using android::hidl::base::V1_0::IBase;
 // A service as the service manager stores it.
 struct Entry {
   sp<IBase> object;
-  std::shared_ptr<ipc::Process> home;
+  std::shared_ptr<ipc::Process> process;
 };
 
 // The remote object that a proxy refers to.
 class Remote {
  public:
-  // `home` is the simulated process of the object, or null for this one.
-  Remote(sp<IBase> object, std::shared_ptr<ipc::Process> home)
-      : object_(std::move(object)), home_(std::move(home)) {}
+  // `process` is the simulated process of the object, or null for this one.
+  Remote(sp<IBase> object, std::shared_ptr<ipc::Process> process)
+      : object_(std::move(object)), process_(std::move(process)) {}
   virtual ~Remote() = default;
 
   const sp<IBase>& GetObject() const { return object_; }
@@ -42,7 +42,7 @@ class Remote {
 
  private:
   const sp<IBase> object_;
-  const std::shared_ptr<ipc::Process> home_;
+  const std::shared_ptr<ipc::Process> process_;
 };
 
 // Aborts if false: an implementation must call its result callback exactly once.

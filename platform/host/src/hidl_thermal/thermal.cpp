@@ -17,7 +17,7 @@ sp<IThermal> IThermal::getService(const std::string& service_name, bool get_stub
     return nullptr;
   }
   const auto entry = std::static_pointer_cast<fp_host::hidl::Entry>(services.Wait(name));
-  return entry == nullptr ? nullptr : sp<IThermal>(new BpHwThermal(entry->object, entry->home));
+  return entry == nullptr ? nullptr : sp<IThermal>(new BpHwThermal(entry->object, entry->process));
 }
 
 namespace {

@@ -36,34 +36,34 @@ void Process::OnDeath(std::function<void()> observer) {
 }
 
 bool Process::Call(const std::function<void()>& transaction) {
-  const Fate fate = DecideFate();
-  if (fate == Fate::kDiesBeforeCall) {
+  const Outcome outcome = NextOutcome();
+  if (outcome == Outcome::kDiesBeforeCall) {
     Kill();
   }
-  if (fate == Fate::kDiesBeforeCall || fate == Fate::kAlreadyDead) {
+  if (outcome == Outcome::kDiesBeforeCall || outcome == Outcome::kAlreadyDead) {
     return false;
   }
   transaction();
-  if (fate == Fate::kDiesBeforeAnswer) {
+  if (outcome == Outcome::kDiesBeforeAnswer) {
     Kill();
   }
   const bool answered = IsAlive();
-  if (fate == Fate::kDiesAfterAnswer) {
+  if (outcome == Outcome::kDiesAfterAnswer) {
     Kill();
   }
   return answered;
 }
 
-Process::Fate Process::DecideFate() {
+Process::Outcome Process::NextOutcome() {
   using Death = RemoteService::Death;
   CallPlan& plan = *plan_;
   std::unique_lock lock(plan.mutex);
   if (!alive_) {
-    return Fate::kAlreadyDead;
+    return Outcome::kAlreadyDead;
   }
   const bool fatal = ++plan.calls == plan.fatal_call;
   if (fatal && plan.death == Death::kBeforeCall) {
-    return Fate::kDiesBeforeCall;
+    return Outcome::kDiesBeforeCall;
   }
   ++plan.held_calls;
   plan.changed.notify_all();
@@ -73,12 +73,13 @@ Process::Fate Process::DecideFate() {
     plan.changed.wait_for(lock, plan.delay, [&] { return !alive_; });
   }
   if (!alive_) {
-    return Fate::kAlreadyDead;
+    return Outcome::kAlreadyDead;
   }
   if (!fatal) {
-    return Fate::kServed;
+    return Outcome::kServed;
   }
-  return plan.death == Death::kBeforeAnswer ? Fate::kDiesBeforeAnswer : Fate::kDiesAfterAnswer;
+  return plan.death == Death::kBeforeAnswer ? Outcome::kDiesBeforeAnswer
+                                            : Outcome::kDiesAfterAnswer;
 }
 
 }  // namespace fp_host::ipc

@@ -44,8 +44,14 @@ class Process {
 
  private:
   // What happens to one call according to the plan.
-  enum class Fate { kServed, kAlreadyDead, kDiesBeforeCall, kDiesBeforeAnswer, kDiesAfterAnswer };
-  Fate DecideFate();
+  enum class Outcome {
+    kServed,
+    kAlreadyDead,
+    kDiesBeforeCall,
+    kDiesBeforeAnswer,
+    kDiesAfterAnswer
+  };
+  Outcome NextOutcome();
 
   const std::shared_ptr<CallPlan> plan_;
 

@@ -35,14 +35,14 @@ bool Registry::IsDeclared(const std::string& name) const {
 }
 
 void Registry::Add(const std::string& name, std::shared_ptr<void> object,
-                   const std::shared_ptr<Process>& home) {
+                   const std::shared_ptr<Process>& process) {
   const std::lock_guard lock(mutex_);
   Entry& entry = objects_[name];
-  const std::shared_ptr<Process> former = entry.home.lock();
+  const std::shared_ptr<Process> former = entry.process.lock();
   if (former != nullptr && former->IsAlive()) {
     AbortForMisuse("Two services are up under the name " + name + ".");
   }
-  entry = {std::move(object), home};
+  entry = {std::move(object), process};
   changed_.notify_all();
 }
 

@@ -22,9 +22,9 @@ class Registry {
   void Declare(const std::string& name, bool declared);
   bool IsDeclared(const std::string& name) const;
 
-  // Aborts if another object of that name is registered whose `home` is alive.
+  // Aborts if another object of that name is registered whose `process` is alive.
   void Add(const std::string& name, std::shared_ptr<void> object,
-           const std::shared_ptr<Process>& home);
+           const std::shared_ptr<Process>& process);
   // Removes the service if `object` is still registered under the name.
   void Remove(const std::string& name, const std::shared_ptr<void>& object);
 
@@ -47,7 +47,7 @@ class Registry {
   std::set<std::string> declared_;
   struct Entry {
     std::shared_ptr<void> object;
-    std::weak_ptr<Process> home;
+    std::weak_ptr<Process> process;
   };
   std::map<std::string, Entry> objects_;
   bool failing_ = false;

@@ -16,7 +16,7 @@ struct Unknown : ndk::BnCInterface<IUnknown> {};
 std::shared_ptr<void> MakeRemoteObject(const ndk::SpAIBinder& local,
                                        const std::shared_ptr<ipc::Process>& process) {
   binder::LocalBinder* object = local.get()->AsLocal();
-  object->SetHome(process);
+  object->SetProcess(process);
   return std::make_shared<ndk::SpAIBinder>(object->GetProxy());
 }
 
