@@ -118,7 +118,7 @@ docs-check: build  ## run the commands of the pages, and check their links
 
 report-check: build  ## open pages of fp_inspect in a headless browser, and look for what is wrong
 	@scripts/setup build test browser
-	scripts/check_report build/release
+	timeout 120 scripts/check_report build/release
 
 package: build  ## Debian packages of the library, of the tools and of the simulated phone
 	@scripts/setup package

@@ -55,9 +55,9 @@ std::string PText(const CompareRow& row) { return row.p ? fmt::format("{:.2g}", 
 
 std::string CompareNote(const Comparison& comparison) {
   return fmt::format(
-      "covered: t_cov of 60 % or more; 95 %: interval of the difference, for shares assuming "
+      "covered: t_cov of {} % or more; 95 %: interval of the difference, for shares assuming "
       "independent attempts; p: by bursts, corrected for {} rows",
-      comparison.tested);
+      Thresholds().coverage, comparison.tested);
 }
 
 std::string StepText(const Run& run, const ExposureStep& step, const Zone& zone) {
