@@ -131,10 +131,13 @@ TEST_F(PhoneProgram, PullStaysOnThePhone) {
   Write("secret", "secret");
   Write("p/data/vendor/fingerprint/a", "content");
   fs::create_symlink(folder_ / "secret", folder_ / "p/data/vendor/fingerprint/link");
+  Write("p/data/vendor/fingerprint/.fp_phone/b", "the service's own");
   fs::create_directory_symlink(folder_, folder_ / "p/data/vendor/out");
   mkfifo((folder_ / "p/data/vendor/fingerprint/fifo").c_str(), 0600);
   Check({
       {"pull --root p /data/vendor/fingerprint/a b && cat b", 0, "content"},
+      {"pull --root p /; ls -A phone; cat phone/data/vendor/fingerprint/.fp_phone/b", 0,
+       "data\ndev\nsys\nthe service's own"},
       {"pull --root p /data/vendor/tombstones && test -d tombstones/fingerprint", 0, ""},
       {"pull --root p /data/vendor/fingerprint all; echo $?; cat all/a", 0,
        "fifo: is neither a file nor a folder\n"

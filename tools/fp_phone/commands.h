@@ -56,8 +56,9 @@ struct Options {
   fp_host::TouchPanel panel;
   fp_host::Pace pace = fp_host::Pace::kRecorded;
 
-  // What the tool itself keeps of a phone.
-  std::filesystem::path StateFolder() const { return root / ".fp_phone"; }
+  // What the tool itself keeps of a phone, in the phone's root.
+  static constexpr char kStateFolder[] = ".fp_phone";
+  std::filesystem::path StateFolder() const { return root / kStateFolder; }
   std::filesystem::path LogFile() const { return StateFolder() / "log"; }
 };
 

@@ -87,6 +87,9 @@ Program Check(const std::string& path, int depth) {
                   "is a set-user-ID or set-group-ID program, into which nothing can be preloaded");
   }
   std::ifstream file(path, std::ios::binary);
+  if (!file) {
+    return Refuse(path, kCannotRun, strerror(errno));
+  }
   Elf64_Ehdr header = {};
   const bool has_header = ReadAt(file, 0, &header);
   file.clear();

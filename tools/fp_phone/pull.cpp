@@ -74,7 +74,8 @@ bool ListNames(const unique_fd& folder, const std::string& device_path,
   }
   while (const dirent* const entry = readdir(listing)) {
     const std::string name = entry->d_name;
-    if (name != "." && name != ".." && name != ".fp_phone") {
+    const bool is_state = device_path.empty() && name == Options::kStateFolder;
+    if (name != "." && name != ".." && !is_state) {
       names->push_back(name);
     }
   }

@@ -114,17 +114,16 @@ sigset_t WaitedSignals() {
   return signals;
 }
 
-// In the child: becomes the program. Tells the parent if it cannot.
-[[noreturn]] void Become(const Options& options, const std::string& path, const sigset_t& mask,
-                         int failure) {
-  prctl(PR_SET_PDEATHSIG, SIGTERM);  // a program without the phone's touch device is of no use
-  sigprocmask(SIG_SETMASK, &mask, nullptr);
-  std::vector<char*> arguments;
-  for (const std::string& argument : options.program) {
-    arguments.push_back(const_cast<char*>(argument.c_str()));
+// In the child: executes the program. Tells the parent if it cannot. The program would be of no use
+// without the phone's touch device, so it ends with the parent.
+[[noreturn]] void ExecuteInChild(const char* path, char* const* arguments, const sigset_t& mask,
+                                 pid_t parent, int failure) {
+  prctl(PR_SET_PDEATHSIG, SIGTERM);
+  if (getppid() != parent) {  // it ended before prctl()
+    _exit(kCannotRun);
   }
-  arguments.push_back(nullptr);
-  execv(path.c_str(), arguments.data());
+  sigprocmask(SIG_SETMASK, &mask, nullptr);
+  execv(path, arguments);
   const int error = errno;
   [[maybe_unused]] const ssize_t written = write(failure, &error, sizeof error);
   _exit(kCannotRun);
@@ -163,9 +162,16 @@ int Execute(const Options& options, const std::string& path, const sigset_t& mas
     PrintError("{}", strerror(errno));
     return kNotStarted;
   }
+  // Made before fork(), because another thread may hold the lock of the heap.
+  std::vector<char*> arguments;
+  for (const std::string& argument : options.program) {
+    arguments.push_back(const_cast<char*>(argument.c_str()));
+  }
+  arguments.push_back(nullptr);
+  const pid_t parent = getpid();
   const pid_t child = fork();
   if (child == 0) {
-    Become(options, path, mask, failure[1]);
+    ExecuteInChild(path.c_str(), arguments.data(), mask, parent, failure[1]);
   }
   close(failure[1]);
   if (child < 0) {
