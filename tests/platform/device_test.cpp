@@ -1,9 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <cstdio>
 #include <filesystem>
+#include <string>
+#include <vector>
 
 #include "fp_host/faults.h"
 #include "fp_host/testing.h"
@@ -33,6 +38,19 @@ TEST_F(DevicePathTest, RenamesAndListsFilesOfThePhone) {
   EXPECT_EQ("content", ReadFile(file));
   const std::filesystem::directory_iterator entries("/data/vendor/fingerprint");
   EXPECT_EQ(1, std::distance(entries, {}));
+}
+
+TEST_F(DevicePathTest, TouchRequestsKeepTheBytesThatCanBeRead) {
+  TouchNode node;
+  const int fd = open("/dev/fth_fd", O_RDWR | O_CLOEXEC);
+  const std::string bytes(40, 'b');
+  ioctl(fd, 1, bytes.data());
+  ioctl(fd, 2, 3);
+  const std::vector<TouchNode::Request> requests = node.TakeRequests();
+  ASSERT_EQ(2u, requests.size());
+  EXPECT_EQ(std::vector<uint8_t>(32, 'b'), requests[0].argument);
+  EXPECT_TRUE(requests[1].argument.empty()) << "a number";
+  close(fd);
 }
 
 }  // namespace

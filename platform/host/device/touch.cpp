@@ -5,8 +5,10 @@
 #include <pthread.h>
 #include <sys/socket.h>
 #include <sys/syscall.h>
+#include <sys/uio.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <deque>
 #include <map>
 #include <mutex>
@@ -58,6 +60,16 @@ void Connect(Node& node) {
 // close() and fcntl() are interposed, so they are avoided here.
 void CloseQuietly(int fd) { syscall(SYS_close, fd); }
 int Duplicate(int fd) { return dup(fd); }  // NOLINT(android-cloexec-dup)
+
+// The bytes that can be read there, up to kArgumentBytes: an argument may also be a number, or lie
+// at the end of a page.
+std::vector<uint8_t> ReadArgument(const void* argument) {
+  std::vector<uint8_t> bytes(kArgumentBytes);
+  const iovec to = {bytes.data(), bytes.size()};
+  const iovec from = {const_cast<void*>(argument), bytes.size()};
+  bytes.resize(std::max<ssize_t>(0, process_vm_readv(getpid(), &to, 1, &from, 1, 0)));
+  return bytes;
+}
 
 template <typename Value>
 void Append(std::string& bytes, const Value& value) {
@@ -133,12 +145,8 @@ void ForgetTouchDescriptor(int fd) {
 }
 
 int TakeTouchRequest(unsigned long number, const void* argument) {
+  TouchNode::Request request = {number, ReadArgument(argument)};
   const std::lock_guard lock(mutex);
-  TouchNode::Request request = {number, {}};
-  if (argument != nullptr) {
-    const auto* bytes = static_cast<const uint8_t*>(argument);
-    request.argument.assign(bytes, bytes + kArgumentBytes);
-  }
   if (node->requests.size() == kRequestsKept) {
     node->requests.pop_front();
   }

@@ -16,7 +16,7 @@ class TreePath {
  private:
   const char* original_;
   bool redirected_;
-  char buffer_[PATH_MAX];
+  char buffer_[PATH_MAX + 1];  // a path that fills it is refused as too long
 };
 
 }  // namespace fp_host

@@ -3,6 +3,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -52,6 +54,10 @@ ScopedProperty::~ScopedProperty() { android::base::SetProperty(name_, former_); 
 
 std::string DumpText(const std::function<void(int fd)>& dump) {
   const int fd = memfd_create("dump", MFD_CLOEXEC);
+  if (fd < 0) {
+    ADD_FAILURE() << "no file for the dump: " << strerror(errno);
+    return "";
+  }
   dump(fd);
   std::string text(static_cast<size_t>(lseek(fd, 0, SEEK_END)), '\0');
   EXPECT_EQ(static_cast<ssize_t>(text.size()), pread(fd, text.data(), text.size(), 0));

@@ -65,7 +65,7 @@ class TouchNode {
  public:
   struct Request {
     unsigned long number;
-    std::vector<uint8_t> argument;  // 32 bytes; empty if the argument was null
+    std::vector<uint8_t> argument;  // up to 32 bytes that could be read there
 
     bool operator==(const Request&) const = default;
   };
