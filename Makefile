@@ -130,7 +130,7 @@ package-check: package
 # The interface depends only on the library, so its tests are not built.
 abi-library:
 	@scripts/setup build test abi
-	$(call build,debug,,-DFP_UTILS_BUILD_TESTS=OFF)
+	$(call build,debug,fp_utils,-DFP_UTILS_BUILD_TESTS=OFF)
 
 abi: abi-library  ## make the current exported interface the baseline
 	scripts/check_abi build/debug/src/libfp_utils.so --update
