@@ -66,7 +66,10 @@ class Tree:
             if not os.path.exists(source):
                 continue
             os.makedirs(os.path.dirname(target), exist_ok=True)
-            if not os.path.exists(target) or self.read(source) != self.read(target):
+            if os.path.isdir(source):  # a link to a folder
+                if not os.path.lexists(target):
+                    os.symlink(os.readlink(source), target)
+            elif not os.path.exists(target) or self.read(source) != self.read(target):
                 shutil.copy(source, target)
 
     @staticmethod
