@@ -2,6 +2,7 @@
 #include "fp_utils/als_monitor.h"
 
 #include <cerrno>
+#include <numeric>
 
 #include <utils/Errors.h>
 
@@ -156,10 +157,9 @@ TEST_F(AlsMonitorTest, DrainsInBatchesAndKeepsTheNewest) {
   };
   float lux = 0;
   for (const auto& test : kCases) {
-    std::vector<float> readings;
-    for (size_t i = 0; i < test.events; ++i) {
-      readings.push_back(++lux);
-    }
+    std::vector<float> readings(test.events);
+    std::iota(readings.begin(), readings.end(), lux + 1);
+    lux += static_cast<float>(test.events);
     ReportLux(readings);
     MyCalls();
     EXPECT_EQ(lux, Light()) << test.why;
@@ -171,6 +171,13 @@ TEST_F(AlsMonitorTest, DrainsInBatchesAndKeepsTheNewest) {
     }
     EXPECT_EQ(test.fetches, fetches) << test.why;
   }
+
+  std::vector<ASensorEvent> events(2);
+  events[0].type = ASENSOR_TYPE_LIGHT;
+  events[1].type = ASENSOR_TYPE_PROXIMITY;
+  events[1].light = 2;
+  PushSensorEvents(events);
+  EXPECT_EQ(2, Light()) << "the last event of a batch, whatever its type";
 }
 
 TEST_F(AlsMonitorTest, PollErrorEndsTheDrainButKeepsTheSample) {
@@ -191,17 +198,6 @@ TEST_F(AlsMonitorTest, PollErrorEndsTheDrainButKeepsTheSample) {
   ALooper_wake(ALooper_forThread());
   std::thread([] { ALooper_pollOnce(0, nullptr, nullptr, nullptr); }).join();
   EXPECT_EQ(6, Light()) << "the queue is read whatever the poll returns";
-}
-
-TEST_F(AlsMonitorTest, LastEventOfABatchCountsWhateverItsType) {
-  StartQuietly();
-  std::vector<ASensorEvent> events(2);
-  events[0].type = ASENSOR_TYPE_LIGHT;
-  events[0].light = 1;
-  events[1].type = ASENSOR_TYPE_PROXIMITY;
-  events[1].light = 2;
-  PushSensorEvents(events);
-  EXPECT_EQ(2, Light());
 }
 
 TEST_F(AlsMonitorTest, FailedCallsLeaveSamplingAsItWas) {
@@ -228,9 +224,6 @@ TEST_F(AlsMonitorTest, NewManagerHandleMeansStopped) {
   EXPECT_EQ(kUntouched, Light(UNKNOWN_ERROR));
   EXPECT_EQ(0, Monitor().StopSampling());
   EXPECT_LOG(kConnected, kNotStarted, kStopped);
-  KillSensorService();
-  EXPECT_EQ(-ENOMEM, Monitor().StopSampling());
-  StartSensorService();
   MyCalls();
   EXPECT_EQ(0, Monitor().StartSampling());
   EXPECT_EQ(5u, MyCalls().size()) << "all but the looper's preparation";
@@ -240,30 +233,23 @@ TEST_F(AlsMonitorTest, NewManagerHandleMeansStopped) {
 TEST_F(AlsMonitorTest, DeathOfTheSystemServerDropsTheInstance) {
   AlsMonitor::OnSystemServerDeath();
   EXPECT_LOG(Info(kTag, "system server died.")) << "without an instance";
+  // A thread may hold the pointer while another reports the death.
+  AlsMonitor* const old = AlsMonitor::GetInstance();
   StartQuietly();
   ReportLux(20);
   EXPECT_EQ(20, Light());
   MyCalls();
   RestartSensorService();
   AlsMonitor::OnSystemServerDeath();
-  EXPECT_TRUE(MyCalls().empty());
-  EXPECT_EQ(0, Monitor().StartSampling());
-  EXPECT_LOG(Info(kTag, "system server died."), kConnected, kStarted);
-}
-
-// A thread may hold the pointer while another reports the death of the system server.
-TEST_F(AlsMonitorTest, OperationsOfADroppedInstanceFail) {
-  AlsMonitor* const old = AlsMonitor::GetInstance();
-  StartQuietly();
-  AlsMonitor::OnSystemServerDeath();
-  TakeLog();
   float lux = kUntouched;
   EXPECT_EQ(-ENOMEM, old->StartSampling());
   EXPECT_EQ(-ENOMEM, old->StopSampling());
   EXPECT_EQ(-ENOMEM, old->GetLight(&lux));
   EXPECT_FALSE(old->ConnectSensorManagerIfNeeded());
-  EXPECT_LOG(kNoConnection, kNoConnection, kNoConnection);
   EXPECT_TRUE(MyCalls().empty());
+  EXPECT_EQ(0, Monitor().StartSampling());
+  EXPECT_LOG(Info(kTag, "system server died."), kNoConnection, kNoConnection, kNoConnection,
+             kConnected, kStarted);
 }
 
 }  // namespace

@@ -7,70 +7,18 @@
 #include <map>
 #include <memory>
 #include <set>
+#include <string_view>
+#include <thread>
 
 #include <utils/Errors.h>
 
-#include "fp_host/testing.h"
-#include "support/sensor_clients.h"
+#include "support/listener_test.h"
 
 namespace android::fp_utils {
 namespace {
 
 using namespace fp_host;
 using namespace fp_test;
-
-struct Operation {
-  const char* name;
-  void (*prepare)(SensorClients&);
-  int (*run)(SensorClients&);
-  int without_service;  // its result while there is no service, once the clients were told
-};
-
-void Nothing(SensorClients& /*clients*/) {}
-void SampleLight(SensorClients& clients) { clients.Listener().StartSampling(kLight); }
-void StartMonitor(SensorClients& clients) { clients.Monitor().StartSampling(); }
-void StartMonitorInLight(SensorClients& clients) {
-  StartMonitor(clients);
-  ReportLux(1);
-}
-
-const Operation kOperations[] = {
-    {"listener starts", Nothing,
-     [](auto& clients) { return clients.Listener().StartSampling(kLight); }, -ENOMEM},
-    {"listener starts another", SampleLight,
-     [](auto& clients) { return clients.Listener().StartSampling(kLongPress); }, -ENOMEM},
-    {"listener stops", SampleLight,
-     [](auto& clients) { return clients.Listener().StopSampling(kLight); }, 0},
-    {"listener delivers", SampleLight,
-     [](auto& clients) {
-       ReportLux(1);
-       return !clients.Listener().IsAnySamplerStarted() || Eventually(IsWorkerIdle) ? 0 : -1;
-     },
-     0},
-    {"listener is told of the death", SampleLight,
-     [](auto& clients) {
-       clients.Listener().OnSystemServerDeath();
-       return 0;
-     },
-     0},
-    {"listener is destroyed", SampleLight,
-     [](auto& clients) {
-       clients.DestroyListener();
-       return 0;
-     },
-     0},
-    {"monitor starts", Nothing, [](auto& clients) { return clients.Monitor().StartSampling(); },
-     -ENOMEM},
-    {"monitor starts again", StartMonitor,
-     [](auto& clients) { return clients.Monitor().StartSampling(); }, -ENOMEM},
-    {"monitor stops", StartMonitor, [](auto& clients) { return clients.Monitor().StopSampling(); },
-     -ENOMEM},
-    {"monitor connects", Nothing,
-     [](auto& clients) { return clients.Monitor().ConnectSensorManagerIfNeeded() ? 0 : -ENOMEM; },
-     -ENOMEM},
-    {"monitor reads", StartMonitorInLight, [](auto& clients) { return clients.ReadMonitor(); },
-     -ENOMEM},
-};
 
 // The result of an operation in which `function` fails. Most functions do not change it.
 int ResultAfterFailure(const std::string& function, int normal) {
@@ -83,154 +31,195 @@ int ResultAfterFailure(const std::string& function, int normal) {
       {"ALooper_prepare", -ENOMEM},
       {"ASensorEventQueue_registerSensor", -EINVAL},
   };
-  const auto found = kResults.find(function);
-  return found == kResults.end() ? normal : found->second;
+  return kResults.contains(function) ? kResults.at(function) : normal;
 }
 
-class SensorFaultsTest : public SensorTest {
+// Makes the service die, or restart, the first time that the hook runs.
+std::function<void()> DieOnce(bool restarts) {
+  const auto gone = std::make_shared<std::atomic<bool>>(false);
+  return [gone, restarts] {
+    if (!gone->exchange(true)) {
+      restarts ? RestartSensorService() : KillSensorService();
+    }
+  };
+}
+
+void LetOthersRun() {
+  for (int i = 0; i < 1000; ++i) {
+    std::this_thread::yield();
+  }
+}
+
+// What happens to the calls of a platform function.
+struct CallFault {
+  const char* name;
+  std::function<void(const std::string& function)> apply;
+};
+
+const CallFault kRefusal = {"is refused", [](auto& f) { SetSensorFault({.function = f}); }};
+const CallFault kDelay = {"is slow", [](auto& f) { OnSensorCall(f, LetOthersRun); }};
+// Until the client is told of a death, it may still use the old handles.
+const CallFault kDeaths[] = {
+    {"service dies before", [](auto& f) { OnSensorCall(f, DieOnce(false)); }},
+    {"service restarts before", [](auto& f) { OnSensorCall(f, DieOnce(true)); }},
+    {"service dies after", [](auto& f) { OnSensorCall(f, nullptr, DieOnce(false)); }},
+    {"service restarts after", [](auto& f) { OnSensorCall(f, nullptr, DieOnce(true)); }},
+};
+
+class SensorFaultsTest : public ListenerTest {
  protected:
+  using Self = SensorFaultsTest;
+  struct Operation {
+    std::string_view name;
+    int (SensorFaultsTest::*prepare)();
+    int (SensorFaultsTest::*run)();
+    int without_service;  // its result while there is no service, once the clients were told
+  };
+  static constexpr std::string_view kReading = "monitor reads";
+  static const std::vector<Operation> kOperations;
+
+  int DoNothing() { return 0; }
+  int SampleLight() { return listener_->StartSampling(kLight); }
+  int SampleLongPress() { return listener_->StartSampling(kLongPress); }
+  int StopLight() { return listener_->StopSampling(kLight); }
+  int Deliver() {
+    ReportLux(1);
+    return AwaitIdle() ? 0 : -1;
+  }
+  int HearOfDeath() {
+    listener_->OnSystemServerDeath();
+    return 0;
+  }
+  int Replace() {
+    Create();
+    return 0;
+  }
+  int StartMonitor() { return Monitor().StartSampling(); }
+  int ReadMonitorOnce() {
+    StartMonitor();
+    ReportLux(1);
+    return ReadMonitor();
+  }
+  int StopMonitor() { return Monitor().StopSampling(); }
+  int ConnectMonitor() { return Monitor().ConnectSensorManagerIfNeeded() ? 0 : -ENOMEM; }
+  int ReadMonitor() {
+    float lux = 0;
+    return Monitor().GetLight(&lux);
+  }
+
+  bool AwaitIdle() { return !listener_->IsAnySamplerStarted() || Eventually(IsWorkerIdle); }
+
   // Makes new clients with a new service, as they are before the operation.
   void Prepare(const Operation& operation) {
-    clients_.reset();
+    Create();
     ClearSensorFaults();
     RestartSensorService();
     AlsMonitor::OnSystemServerDeath();
-    clients_ = std::make_unique<SensorClients>();
-    operation.prepare(*clients_);
-    EXPECT_TRUE(operation.prepare != SampleLight || Eventually(IsWorkerIdle));
+    (this->*operation.prepare)();
+    EXPECT_TRUE(AwaitIdle());
     TakeSensorCalls();
     TakeLog();
   }
 
-  // Runs the operation, which has to return in time. Then the clients are told of the service's
-  // death: they make no more calls with old handles and work with the new service.
-  int RunAndRecover(const Operation& operation) {
+  int Run(const Operation& operation) {
+    const int answer = (this->*operation.run)();
+    EXPECT_TRUE(AwaitIdle());
+    return answer;
+  }
+
+  // Runs the operation, which has to return in time. Then the listener is told of the service's
+  // death, which the monitor notices by itself. They make no more calls with old handles and work
+  // with the new service.
+  int RunAndRecover(const Operation& operation, const std::string& what) {
     int answer = 0;
-    RunBounded(case_, [&] { answer = operation.run(*clients_); });
-    ClearSensorFaults();
-    RunBounded("recovery from " + case_, [&] {
-      clients_->HearOfDeath();
+    RunBounded(what, [&] {
+      answer = (this->*operation.run)();
+      ClearSensorFaults();
+      HearOfDeath();
       const int uses = GetDeadHandleUses();
       RestartSensorService();
-      clients_->ExpectRecovery();
+      ExpectRecovery();
       EXPECT_EQ(uses, GetDeadHandleUses());
     });
     return answer;
   }
 
-  // The platform functions that the operation calls when nothing fails.
-  std::set<std::string> FunctionsOf(const Operation& operation, int& answer) {
-    Prepare(operation);
-    answer = Run(operation);
-    std::set<std::string> functions;
-    for (const SensorCall& call : TakeSensorCalls()) {
-      functions.insert(call.text.substr(0, call.text.find('(')));
-    }
-    return functions;
-  }
-
-  // Calls `check` with each operation, each function that it calls and its normal result.
+  // Lets each operation meet the fault in each function that it calls. Calls `check` with the
+  // function and the operation's result without and with the fault.
   template <typename Check>
-  void ForEachCall(Check check) {
+  void MeetFault(const CallFault& fault, Check check) {
     int cases = 0;
     for (const Operation& operation : kOperations) {
-      int normal = 0;
-      for (const std::string& function : FunctionsOf(operation, normal)) {
-        case_ = std::string(operation.name) + ", " + function;
-        SCOPED_TRACE(case_);
-        check(operation, function, normal);
+      Prepare(operation);
+      const int normal = Run(operation);
+      std::set<std::string> functions;
+      for (const SensorCall& call : TakeSensorCalls()) {
+        functions.insert(call.text.substr(0, call.text.find('(')));
+      }
+      for (const std::string& function : functions) {
+        const std::string what = std::string(operation.name) + ", " + function + " " + fault.name;
+        SCOPED_TRACE(what);
+        Prepare(operation);
+        fault.apply(function);
+        check(function, normal, RunAndRecover(operation, what));
         ++cases;
       }
     }
     EXPECT_LT(30, cases);
   }
-
-  int Run(const Operation& operation) {
-    const int answer = operation.run(*clients_);
-    EXPECT_TRUE(!clients_->IsListening() || Eventually(IsWorkerIdle));
-    return answer;
-  }
-
-  // Tells the listener; the monitor notices by itself.
-  void KillService(WhileDown while_down) {
-    KillSensorService(while_down);
-    clients_->HearOfDeath();
-  }
-
-  std::string case_;
-
- private:
-  std::unique_ptr<SensorClients> clients_;
 };
 
-TEST_F(SensorFaultsTest, RefusedCalls) {
-  ForEachCall([this](const Operation& operation, const std::string& function, int normal) {
-    Prepare(operation);
-    SetSensorFault({.function = function});
-    const bool reads_nothing =
-        function == "ASensorEventQueue_getEvents" && operation.name == std::string("monitor reads");
-    EXPECT_EQ(reads_nothing ? -EINVAL : ResultAfterFailure(function, normal),
-              RunAndRecover(operation));
+const std::vector<SensorFaultsTest::Operation> SensorFaultsTest::kOperations = {
+    {"listener starts", &Self::DoNothing, &Self::SampleLight, -ENOMEM},
+    {"listener starts another", &Self::SampleLight, &Self::SampleLongPress, -ENOMEM},
+    {"listener stops", &Self::SampleLight, &Self::StopLight, 0},
+    {"listener delivers", &Self::SampleLight, &Self::Deliver, 0},
+    {"listener is told of the death", &Self::SampleLight, &Self::HearOfDeath, 0},
+    {"listener is replaced", &Self::SampleLight, &Self::Replace, 0},
+    {"monitor starts", &Self::DoNothing, &Self::StartMonitor, -ENOMEM},
+    {"monitor starts again", &Self::StartMonitor, &Self::StartMonitor, -ENOMEM},
+    {"monitor stops", &Self::StartMonitor, &Self::StopMonitor, -ENOMEM},
+    {"monitor connects", &Self::DoNothing, &Self::ConnectMonitor, -ENOMEM},
+    {kReading, &Self::ReadMonitorOnce, &Self::ReadMonitor, -ENOMEM},
+};
+
+TEST_F(SensorFaultsTest, FailingAndSlowCalls) {
+  MeetFault(kRefusal, [](auto& function, int normal, int answer) {
+    EXPECT_EQ(ResultAfterFailure(function, normal), answer);
   });
+  MeetFault(kDelay, [](auto&, int normal, int answer) { EXPECT_EQ(normal, answer); });
   EXPECT_EQ(0, GetDeadHandleUses());
 }
 
-TEST_F(SensorFaultsTest, SlowCallsAreWaitedFor) {
-  ForEachCall([this](const Operation& operation, const std::string& function, int normal) {
-    Prepare(operation);
-    const auto gate = std::make_shared<Gate>();
-    OnSensorCall(function, [gate] { gate->Pass(); });
-    std::atomic<bool> over = false;
-    std::thread opener([&] {
-      EXPECT_TRUE(Eventually([&] { return gate->HasArrived() || over; }));
-      gate->Open();
-    });
-    EXPECT_EQ(normal, RunAndRecover(operation));
-    over = true;
-    opener.join();
-  });
-}
-
-// The service dies before or after a call has done its work, and restarts at once or does not.
-// Until the client is told, it may still use the old handles.
 TEST_F(SensorFaultsTest, ServiceDiesDuringACall) {
   AllowDeadHandleUses();
-  for (const int kind : {0, 1, 2, 3}) {
-    ForEachCall([&](const Operation& operation, const std::string& function, int normal) {
-      Prepare(operation);
-      const auto gone = std::make_shared<std::atomic<bool>>(false);
-      const auto die_once = [gone, restarts = kind % 2 == 1] {
-        if (!gone->exchange(true)) {
-          restarts ? RestartSensorService() : KillSensorService();
-        }
-      };
-      kind < 2 ? OnSensorCall(function, die_once) : OnSensorCall(function, nullptr, die_once);
-      const int answer = RunAndRecover(operation);
+  for (const CallFault& death : kDeaths) {
+    MeetFault(death, [](auto&, int normal, int answer) {
       const std::set<int> kDefined = {normal, -ENOMEM, UNEXPECTED_NULL, UNKNOWN_ERROR, -EINVAL};
-      EXPECT_TRUE(kDefined.count(answer) == 1) << answer;
+      EXPECT_TRUE(kDefined.contains(answer)) << answer;
     });
   }
 }
 
 TEST_F(SensorFaultsTest, ServiceIsDownOrStarting) {
   for (const Operation& operation : kOperations) {
-    case_ = operation.name;
-    SCOPED_TRACE(case_);
+    const std::string name(operation.name);
+    for (const bool runs_before : {false, true}) {
+      SCOPED_TRACE(name + (runs_before ? " after and before the death" : " after the death"));
+      Prepare(operation);
+      if (runs_before) {
+        Run(operation);
+      }
+      KillSensorService();
+      HearOfDeath();
+      EXPECT_EQ(operation.without_service, RunAndRecover(operation, name));
+    }
+    SCOPED_TRACE(name + " while the service starts");
     Prepare(operation);
-    KillService(WhileDown::kAnswerNull);
-    EXPECT_EQ(operation.without_service, RunAndRecover(operation)) << "gone before";
-
-    Prepare(operation);
-    Run(operation);
-    KillService(WhileDown::kAnswerNull);
-    EXPECT_EQ(operation.without_service, RunAndRecover(operation)) << "gone after";
-
-    Prepare(operation);
-    KillService(WhileDown::kWait);
+    KillSensorService(WhileDown::kWait);
+    HearOfDeath();
     OnSensorCall("ASensorManager_getInstanceForPackage", StartSensorService);
-    const bool reads = operation.name == std::string("monitor reads");
-    EXPECT_EQ(reads ? static_cast<int>(UNKNOWN_ERROR) : 0, RunAndRecover(operation))
-        << "started as the operation asks for it";
+    EXPECT_EQ(name == kReading ? UNKNOWN_ERROR : 0, RunAndRecover(operation, name));
   }
   EXPECT_EQ(0, GetDeadHandleUses());
 }

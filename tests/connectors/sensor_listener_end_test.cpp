@@ -60,13 +60,6 @@ TEST_F(SensorListenerEndTest, DestructorEndsTheWorkerAndGivesTheSensorsBack) {
                    "ASensorManager_destroyEventQueue(manager 1, queue 1) = 0"}),
             MyCalls());
   EXPECT_EQ(SensorUsage(), GetSensorUsage());
-
-  Create();
-  StartQuietly();
-  RestartSystemServer();
-  TakeCalls();
-  listener_.reset();
-  EXPECT_EQ(Texts{}, MyCalls()) << "nothing is left to give back";
 }
 
 TEST_F(SensorListenerEndTest, WorkerWaitingForTheLockGivesUpWhenItHasToEnd) {

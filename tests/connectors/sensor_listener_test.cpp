@@ -2,6 +2,7 @@
 #include "fp_utils/sensor_listener.h"
 
 #include <cerrno>
+#include <numeric>
 
 #include <utils/AndroidThreads.h>
 #include <utils/Errors.h>
@@ -63,21 +64,23 @@ TEST_F(SensorListenerTest, ConnectsAtTheFirstStart) {
   EXPECT_LOG();
 }
 
-TEST_F(SensorListenerTest, FailedConnectIsRetriedFromWhereItStopped) {
+TEST_F(SensorListenerTest, FailedStartIsRetriedFromWhereItStopped) {
   const struct {
     const char* function;
-    bool has_list;
+    bool finds_sensors, connects;
     const char* reason;
     size_t calls_of_retry;  // of the ten that a whole connect and registration makes
     const char* kept;
   } kCases[] = {
-      {"ASensorManager_getInstanceForPackage", false, "Failed to get sensor manager.", 10,
+      {"ASensorManager_getInstanceForPackage", false, false, "Failed to get sensor manager.", 10,
        "nothing"},
-      {"ASensorManager_getSensorList", false, "Failed to get sensor list (0).\n", 10,
+      {"ASensorManager_getSensorList", false, false, "Failed to get sensor list (0).\n", 10,
        "an empty list, in the manager"},
-      {"ALooper_prepare", true, "Failed to prepare an event looper.", 10, "nothing"},
-      {"ASensorManager_createEventQueue", true, "Failed to create an event queue.", 9,
+      {"ALooper_prepare", true, false, "Failed to prepare an event looper.", 10, "nothing"},
+      {"ASensorManager_createEventQueue", true, false, "Failed to create an event queue.", 9,
        "the looper"},
+      {"ASensorEventQueue_registerSensor", true, true,
+       "StartSampling: Failed to register sensor[1], err=-22.", 2, "the connection"},
   };
   for (const auto& test : kCases) {
     SCOPED_TRACE(test.function);
@@ -85,19 +88,20 @@ TEST_F(SensorListenerTest, FailedConnectIsRetriedFromWhereItStopped) {
     RestartSensorService();
     Create();
     SetSensorFault({.function = test.function});
-    EXPECT_EQ(-ENOMEM, listener_->StartSampling(kLight));
-    std::vector<LogLine> log = {Error(kTag, test.reason), kNoConnection};
-    if (test.has_list) {
+    EXPECT_EQ(test.connects ? -EINVAL : -ENOMEM, listener_->StartSampling(kLongPress));
+    std::vector<LogLine> log = {Error(kTag, test.reason)};
+    log.insert(test.connects ? log.begin() : log.end(), test.connects ? kConnected : kNoConnection);
+    if (test.finds_sensors) {
       log.insert(log.begin(), {kCount, kFoundLight, kFoundLongPress});
     }
     EXPECT_EQ(log, TakeLog());
     EXPECT_FALSE(listener_->IsAnySamplerStarted());
     if (test.function == std::string("ASensorManager_getSensorList")) {
-      EXPECT_EQ(-ENOMEM, listener_->StartSampling(kLight));
+      EXPECT_EQ(-ENOMEM, listener_->StartSampling(kLongPress));
       RestartSensorService();
     }
     MyCalls();
-    EXPECT_EQ(0, listener_->StartSampling(kLight));
+    EXPECT_EQ(0, listener_->StartSampling(kLongPress));
     EXPECT_EQ(test.calls_of_retry, MyCalls().size()) << "kept: " << test.kept;
     TakeLog();
   }
@@ -113,16 +117,6 @@ TEST_F(SensorListenerTest, WorkerThatCannotBeStartedIsTriedAgain) {
   EXPECT_EQ(SensorUsage(), GetSensorUsage()) << "the queue is destroyed at once";
   EXPECT_EQ(0, listener_->StartSampling(kLight));
   EXPECT_TRUE(Eventually(IsWorkerIdle));
-}
-
-TEST_F(SensorListenerTest, RefusedRegistrationLeavesTheSensorIdle) {
-  SetSensorFault({.function = "ASensorEventQueue_registerSensor"});
-  EXPECT_EQ(-EINVAL, listener_->StartSampling(kLongPress));
-  EXPECT_EQ(Error(kTag, "StartSampling: Failed to register sensor[1], err=-22."), TakeLog().back());
-  EXPECT_FALSE(listener_->IsAnySamplerStarted());
-  MyCalls();
-  EXPECT_EQ(0, listener_->StartSampling(kLongPress));
-  EXPECT_EQ(2u, MyCalls().size()) << "the connection was kept";
 }
 
 TEST_F(SensorListenerTest, TakesTheLastSensorOfExactlyTheStringType) {
@@ -161,7 +155,7 @@ TEST_F(SensorListenerTest, UnknownTypesAreRefused) {
 TEST_F(SensorListenerTest, FetchesBatchesOfSixteen) {
   StartQuietly();
   const struct {
-    int events;
+    size_t events;
     int delivered;
     Texts calls;
     const char* why;
@@ -172,12 +166,11 @@ TEST_F(SensorListenerTest, FetchesBatchesOfSixteen) {
       {1, 63, {"= -2", "= 16"}, "until the next event: full again"},
       {1, 73, {"= -2", "= 10"}, "and the rest"},
   };
-  int sent = 0;
+  float sent = 0;
   for (const auto& test : kCases) {
-    std::vector<float> readings;
-    for (int i = 0; i < test.events; ++i) {
-      readings.push_back(static_cast<float>(++sent));
-    }
+    std::vector<float> readings(test.events);
+    std::iota(readings.begin(), readings.end(), sent + 1);
+    sent += static_cast<float>(test.events);
     ReportLux(readings);
     EXPECT_TRUE(AwaitLights(test.delivered)) << test.why;
     EXPECT_TRUE(Eventually(IsWorkerIdle));
@@ -232,16 +225,9 @@ TEST_F(SensorListenerTest, PollErrorIsLoggedAndPolledAgain) {
   StartQuietly();
   SetSensorFault({.function = "ALooper_pollOnce", .result = ALOOPER_POLL_ERROR, .calls = 3});
   const LogLine error = Error(kTag, "Sensor event looper returned a poll error.");
-  std::vector<LogLine> log;
-  EXPECT_TRUE(Eventually([&log] {
-    for (LogLine& line : TakeLog()) {
-      log.push_back(std::move(line));
-    }
-    return log.size() >= 3;
-  }));
-  EXPECT_EQ((std::vector{error, error, error}), log);
   ReportLux(1);
   EXPECT_TRUE(AwaitLights(1));
+  EXPECT_LOG(error, error, error);
 
   EXPECT_TRUE(Eventually(IsWorkerIdle));
   listener_->OnSystemServerDeath();  // ends the worker, so that only this thread polls

@@ -6,12 +6,18 @@
 #include <memory>
 
 #include "fp_host/testing.h"
+#include "fp_utils/als_monitor.h"
 #include "fp_utils/sensor_listener.h"
-#include "support/sensor_clients.h"
 
 namespace fp_test {
 
-// A listener whose callbacks count events.
+constexpr auto kLight = android::fp_utils::SensorListener::kLight;
+constexpr auto kLongPress = android::fp_utils::SensorListener::kLongPress;
+
+// Whether the worker of the only listener waits for events and none are queued.
+inline bool IsWorkerIdle() { return fp_host::ArePollersWaiting(1); }
+
+// A listener whose callbacks count events, beside the process's light monitor.
 class ListenerTest : public fp_host::SensorTest {
  protected:
   ListenerTest() { Create(); }
@@ -45,6 +51,25 @@ class ListenerTest : public fp_host::SensorTest {
     EXPECT_TRUE(fp_host::Eventually(IsWorkerIdle));
     fp_host::RestartSensorService();
     listener_->OnSystemServerDeath();
+  }
+
+  static android::fp_utils::AlsMonitor& Monitor() {
+    return *android::fp_utils::AlsMonitor::GetInstance();
+  }
+
+  // Expects that listener and monitor work with a working service.
+  void ExpectRecovery() {
+    EXPECT_EQ(0, listener_->StartSampling(kLight));
+    EXPECT_EQ(0, listener_->StartSampling(kLongPress));
+    EXPECT_EQ(0, Monitor().StartSampling());
+    const int lights = lights_, long_presses = long_presses_;
+    fp_host::ReportLux(7);
+    EXPECT_TRUE(fp_host::Eventually([=, this] { return lights_ > lights; }));
+    fp_host::ReportLongPress();
+    EXPECT_TRUE(fp_host::Eventually([=, this] { return long_presses_ > long_presses; }));
+    float lux = 0;
+    EXPECT_EQ(0, Monitor().GetLight(&lux));
+    EXPECT_EQ(7, lux);
   }
 
   std::function<void()> on_light_;
