@@ -2,18 +2,15 @@
 #include "fp_utils/display_controller.h"
 
 #include <cerrno>
-#include <memory>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include <android/binder_manager.h>
-#include <android/binder_process.h>
 #include <utils/Errors.h>
 
-#include "fp_host/display_service.h"
-#include "fp_host/testing.h"
 #include "fp_utils/critical_errors.h"
+#include "support/display_test.h"
 #include "support/platform_calls.h"
 
 namespace android::fp_utils {
@@ -26,7 +23,6 @@ using std::chrono::milliseconds;
 
 constexpr char kTag[] = "DisplayController";
 constexpr char kInstance[] = "com.norvan.hardware.kestra.display.IDisplay/default";
-constexpr unsigned kUntouched = 4711;
 
 const LogLine kConnected =
     Debug(kTag, "[ConnectDisplayHal] Successfully connected to IDisplay service.");
@@ -43,31 +39,13 @@ std::string CriticalErrorDump() {
   return DumpText([](int fd) { CriticalErrors::GetInstance().Dump(fd, nullptr, 0); });
 }
 
-class DisplayControllerTest : public ::testing::Test {
+class DisplayControllerTest : public DisplayTest {
  protected:
-  DisplayControllerTest() {
-    ABinderProcess_startThreadPool();
-    service_.Declare();
-    service_.Start();
-  }
-
-  int Set(bool on) {
-    elapsed_ = kUntouched;
-    return controller_->SetLhbm(on, &elapsed_);
-  }
-  void Kill() {
-    service_.Kill();
-    ASSERT_TRUE(WaitUntilBinderPoolsIdle());
-  }
   // The references to the service's proxy, without this function's and the service manager's.
-  int CountRefs() const {
+  static int CountRefs() {
     const ndk::SpAIBinder binder(AServiceManager_waitForService(kInstance));
     return AIBinder_debugGetRefCount(binder.get()) - 2;
   }
-
-  DisplayService service_;
-  std::unique_ptr<DisplayController> controller_ = std::make_unique<DisplayController>();
-  unsigned elapsed_ = kUntouched;
 };
 
 TEST_F(DisplayControllerTest, ConnectsAndSwitchesInThisOrder) {
@@ -109,17 +87,13 @@ TEST_F(DisplayControllerTest, StateReachedIsNotAskedForAgain) {
   EXPECT_EQ(0u, elapsed_);
   EXPECT_LOG(Debug(kTag, "[SetLhbm] Lhbm is already 1"));
   EXPECT_EQ((std::vector{true}), service_.TakeRequests());
-}
 
-TEST_F(DisplayControllerTest, StateSurvivesTheDeathOfTheService) {
-  EXPECT_EQ(0, Set(true));
   Kill();
   service_.Start();
-  EXPECT_FALSE(service_.IsLhbmOn());
   TakeLog();
   EXPECT_EQ(0, Set(true));
   EXPECT_LOG(Debug(kTag, "[SetLhbm] Lhbm is already 1"));
-  EXPECT_FALSE(service_.IsLhbmOn());
+  EXPECT_FALSE(service_.IsLhbmOn()) << "the state survives the death of the service";
   EXPECT_EQ(0, Set(false));
   EXPECT_EQ(0, Set(true));
   EXPECT_TRUE(service_.IsLhbmOn());
@@ -182,6 +156,9 @@ TEST_F(DisplayControllerTest, ConnectionThatFailsKeepsNothing) {
   service_.Start();
   EXPECT_EQ(0, Set(true));
   EXPECT_TRUE(service_.IsLhbmOn());
+  service_.Undeclare();
+  const ScopedServiceManagerFailure no_manager;
+  EXPECT_EQ(0, Set(false)) << "an existing connection needs no service manager";
 }
 
 TEST_F(DisplayControllerTest, ElapsedTimeIncludesConnecting) {
@@ -211,46 +188,13 @@ TEST_F(DisplayControllerTest, IsTracedWithInputAndHal) {
   Set(false);
   EXPECT_EQ(1u, TakeLog().size());
 
-  // The section ends on every return path.
+  // The section also covers a switch, here one that fails.
   SetTraceTags(0x800);
   service_.Refuse([] { return ScopedAStatus::fromStatus(STATUS_BAD_VALUE); });
-  const std::function<void()> kWays[] = {[this] { Set(true); },
-                                         [this] {
-                                           service_.Accept();
-                                           Set(true);
-                                         },
-                                         [this] {
-                                           Kill();
-                                           service_.StartImpostor();
-                                           TakeLog();
-                                           Set(false);
-                                         }};
-  for (const auto& way : kWays) {
-    way();
-    const std::vector<LogLine> log = TakeLog();
-    EXPECT_EQ(kSection.front(), log.front());
-    EXPECT_EQ(kSection.back(), log.back());
-  }
-}
-
-// The HAL dies while a switch waits for its reply. The switch fails. The death notification waits
-// for the switch to end, and the next switch connects again.
-TEST_F(DisplayControllerTest, DeathDuringASwitch) {
-  service_.Hold();
-  std::thread dying([this] {
-    EXPECT_TRUE(service_.WaitForHeldCalls(1));
-    service_.Kill();
-    service_.Release();
-    service_.Start();
-  });
-  EXPECT_EQ(FAILED_TRANSACTION, Set(true));
-  dying.join();
-  ASSERT_TRUE(WaitUntilBinderPoolsIdle());
-  EXPECT_EQ(0, Set(true));
-  EXPECT_TRUE(service_.IsLhbmOn());
+  Set(true);
   const std::vector<LogLine> log = TakeLog();
-  EXPECT_EQ(2, std::count(log.begin(), log.end(), kConnected));
-  EXPECT_EQ(1, std::count(log.begin(), log.end(), kDied));
+  EXPECT_EQ(kSection.front(), log.front());
+  EXPECT_EQ(kSection.back(), log.back());
 }
 
 TEST_F(DisplayControllerTest, EndsWhileConnected) {
