@@ -98,6 +98,10 @@ std::vector<uint8_t> Block(int32_t left, int32_t top, int32_t right, int32_t bot
   return bytes;
 }
 
+void SetFactor(const std::string& factor) {
+  base::SetProperty("persist.vendor.udfps.fth.touch_resolution_scaling_factor", factor);
+}
+
 using FpsTouchHandlerTest = TouchTest;
 
 TEST_F(FpsTouchHandlerTest, ConfiguresTheScaledArea) {
@@ -129,9 +133,6 @@ TEST_F(FpsTouchHandlerTest, ScalingFactorOfOddPropertiesIsOne) {
 
 // Each step of the first Configure() fails once, and the next call retries from that step.
 TEST_F(FpsTouchHandlerTest, FailedConfigureCanBeRepeated) {
-  const auto fail = [](const char* function, int nth, int error) {
-    SetFault({.function = function, .first_call = nth, .error = error});
-  };
   const LogLine opening = Debug(kTag, "OpenTouchDevice: opening device: /dev/fth_fd");
   const auto expect_failure = [this](const std::vector<LogLine>& log) {
     EXPECT_FALSE(handler_.Configure(kSensingArea));
@@ -144,18 +145,18 @@ TEST_F(FpsTouchHandlerTest, FailedConfigureCanBeRepeated) {
                            Debug(kTag, "~TouchPollingWorkerThread")});
     expect_failure(log);
   };
-  fail("open", 1, EACCES);
+  SetFault({.function = "open", .error = EACCES});
   expect_failure({opening,
                   Error(kTag, "OpenTouchDevice: could not open /dev/fth_fd, Permission denied\n"),
                   Error(kTag, "Configure: failed to open touch device")});
   const long open_before = CountDescriptors();
-  fail("pipe", 1, EMFILE);
+  SetFault({.function = "pipe", .error = EMFILE});
   expect_pipe_failure("create stop pipe: Too many open files", {opening});
-  EXPECT_EQ(open_before + 1, CountDescriptors()) << "the touch device stays open";
-  fail("fcntl", 1, EPERM);
+  SetFault({.function = "fcntl", .error = EPERM});
   expect_pipe_failure("make stop read pipe non-blocking: Operation not permitted");
-  fail("fcntl", 2, EPERM);
+  SetFault({.function = "fcntl", .first_call = 2, .error = EPERM});
   expect_pipe_failure("make stop write pipe non-blocking: Operation not permitted");
+  EXPECT_EQ(open_before + 1, CountDescriptors()) << "only the touch device stays open";
   ClearFaults();
   const LogLine area = Debug(kTag, "Configure: left:1, right:30, top:2, bottom:40");
   node_.SetRequestResult(115, -7);
@@ -208,27 +209,35 @@ TEST_F(FpsTouchHandlerTest, SwitchesLptw) {
 TEST_F(FpsTouchHandlerTest, StartAndStopLogTheirSteps) {
   EXPECT_TRUE(handler_.Stop());
   EXPECT_LOG(Debug(kTag, "Stop"));
-  handler_.Configure(kSensingArea);
-  TakeLog();
-  EXPECT_TRUE(handler_.Start());
+  Run();
   EXPECT_TRUE(handler_.Start()) << "does nothing";
-  std::vector<LogLine> log;
-  ASSERT_TRUE(Eventually([&log] {
-    for (LogLine& line : TakeLog()) {
-      log.push_back(line);
-    }
-    return CountLinesWith(log, "threadLoop starting") == 1;
-  }));
-  EXPECT_EQ(2u, CountLinesWith(log, "Start"));
+  EXPECT_LOG(Debug(kTag, "Start"));
   EXPECT_TRUE(handler_.Stop());
   EXPECT_TRUE(handler_.Stop());
-  log = TakeLog();
+  const std::vector<LogLine> log = TakeLog();
   ASSERT_LE(4u, log.size());
   EXPECT_EQ(Debug(kTag, "Stop"), log[0]);
   EXPECT_EQ(1,
             std::count(log.begin(), log.end(), Info(kTag, "WriteCancelEvent: write cancel event")));
   EXPECT_EQ(1u, CountLinesWith(log, "threadLoop exiting"));
   EXPECT_EQ(Debug(kTag, "Stop"), log.back());
+}
+
+// Expects an event that was decoded from `record`, whose angle is a quarter turn.
+void ExpectDecoded(const TouchRecord& record, float divisor, int32_t type,
+                   const TouchEvent& event) {
+  EXPECT_EQ(type, event.type);
+  EXPECT_EQ(record.info, event.info);
+  EXPECT_EQ(record.id, event.id);
+  for (size_t i = 0; i < record.coords.size(); ++i) {
+    EXPECT_EQ(static_cast<float>(record.coords[i]) / divisor, event.coords[i]) << i;
+  }
+  for (size_t i = 0; i < record.signed_coords.size(); ++i) {
+    EXPECT_EQ(static_cast<float>(record.signed_coords[i]) / divisor, event.signed_coords[i]) << i;
+  }
+  EXPECT_EQ(1.5707964F, event.angle);
+  EXPECT_EQ(record.flags, event.flags);
+  EXPECT_EQ(record.stamp, event.stamp);
 }
 
 TEST_F(FpsTouchHandlerTest, DeliversDecodedReports) {
@@ -257,17 +266,11 @@ TEST_F(FpsTouchHandlerTest, DeliversDecodedReports) {
   ASSERT_TRUE(node_.Push({record, invalid, unscaled}));
   const auto events = events_.Take(2);
   ASSERT_EQ(2u, events.size());
-  EXPECT_TRUE(Same(Decoded(record, 4), events[0]));
-  EXPECT_EQ(65535 / 4.0F, events[0].coords[0]);
-  EXPECT_EQ(-2.5F, events[0].signed_coords[0]);
-  EXPECT_EQ(1.5707964F, events[0].angle);
-  EXPECT_TRUE(Same(Decoded(unscaled, 1), events[1]));
-  EXPECT_EQ(-1, events[1].type);
+  ExpectDecoded(record, 4, 2, events[0]);
+  ExpectDecoded(unscaled, 1, -1, events[1]);
   EXPECT_EQ(1u, CountLinesWith(TakeLog(), "ReadTouchEvent: invalid event"));
   handler.Stop();
-  EXPECT_TRUE(Same(events[1], handler.GetTouchEvent())) << "the last valid one";
-  handler.ClearTouchEvent();
-  EXPECT_TRUE(Same(TouchEvent(), handler.GetTouchEvent()));
+  ExpectDecoded(unscaled, 1, -1, handler.GetTouchEvent());  // the last valid one
 }
 
 TEST_F(FpsTouchHandlerTest, ReadsAtMost128RecordsOfABuffer) {
@@ -297,25 +300,24 @@ TEST_F(FpsTouchHandlerTest, EmptyCallbackAborts) {
 
 // The worker ended because its exit was pending, and left the cancel byte in the pipe.
 TEST_F(FpsTouchHandlerTest, CancelComesBeforeReports) {
-  Recorder<int> inside;
-  Recorder<int> go_on;
+  Gate gate;
   Run([&](const TouchEvent& event) {
-    inside.Add(1);
     if (event.id == 1) {
-      go_on.Take(1);
+      gate.Pass();
     }
+    events_.Add(event);
   });
   node_.Push({{.id = 1}});
-  inside.Take(1);
+  EXPECT_TRUE(gate.AwaitArrival());
   node_.Push({{.id = 2}});
   std::thread stopper([this] { handler_.Stop(); });
   ASSERT_TRUE(Eventually([] { return CountLinesWith(TakeLog(), "write cancel event") == 1; }));
-  go_on.Add(1);
+  gate.Open();
   stopper.join();
-  EXPECT_EQ(0u, inside.Count()) << "the second buffer waits for the next start";
+  EXPECT_EQ(1u, events_.Take(1).size()) << "the second buffer waits for the next start";
   TakeLog();
   handler_.Start();
-  EXPECT_EQ(1u, inside.Take(1).size());
+  EXPECT_EQ(1u, events_.Take(1).size());
   EXPECT_EQ(1u, CountLinesWith(TakeLog(), "pollFds: received cancel event"));
   handler_.Stop();
 }
@@ -417,21 +419,20 @@ TEST_F(FpsTouchHandlerTest, ThreadsThatConfigureTogetherShareDeviceAndWorker) {
 TEST_F(FpsTouchHandlerTest, LptwRequestWaitsForTheOneBeforeIt) {
   ASSERT_TRUE(handler_.Configure(kSensingArea));
   node_.TakeRequests();
-  Recorder<int> held, go_on;
-  before_request = [&](unsigned long request) {
+  Gate gate;
+  before_request = [&gate](unsigned long request) {
     if (request == 115) {
-      held.Add(1);
-      go_on.Take(1);
+      gate.Pass();
     }
   };
   std::thread configuring([this] { handler_.Configure(kSensingArea); });
-  held.Take(1);
+  EXPECT_TRUE(gate.AwaitArrival());
   const int slept = sleeps;
   std::atomic<bool> switched = false;
   std::thread switching([&] { switched = handler_.EnableLptwEventReport(true); });
   EXPECT_TRUE(Eventually([&] { return switched || sleeps > slept; }));
   EXPECT_FALSE(switched);
-  go_on.Add(1);
+  gate.Open();
   configuring.join();
   switching.join();
   EXPECT_EQ((std::vector<TouchNode::Request>{{115, Block(1, 2, 30, 40)}, {102, {}}}),

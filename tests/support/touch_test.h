@@ -2,8 +2,7 @@
 #pragma once
 
 #include <functional>
-#include <string>
-#include <vector>
+#include <utility>
 
 #include "fp_host/testing.h"
 #include "fp_host/touch_node.h"
@@ -14,12 +13,6 @@ namespace fp_test {
 constexpr android::fp_utils::FpsTouchHandler::TouchConfig kSensingArea = {
     .left = 1, .top = 2, .right = 30, .bottom = 40};
 
-// Compares floats by their bits.
-bool Same(const android::fp_utils::TouchEvent& a, const android::fp_utils::TouchEvent& b);
-
-// Decodes a record independently of the library.
-android::fp_utils::TouchEvent Decoded(const fp_host::TouchRecord& record, uint32_t factor);
-
 // A handler with a simulated touch device.
 class TouchTest : public fp_host::DeviceTest {
  protected:
@@ -27,13 +20,18 @@ class TouchTest : public fp_host::DeviceTest {
 
   ~TouchTest() override { handler_.Stop(); }
 
-  static void SetFactor(const std::string& factor);
-
   // Configures and starts the handler, and takes its log and requests.
   void Run() {
     Run([this](const TouchEvent& event) { events_.Add(event); });
   }
-  void Run(std::function<void(const TouchEvent&)> callback);
+  void Run(std::function<void(const TouchEvent&)> callback) {
+    handler_.touch_event_callback_ = std::move(callback);
+    ASSERT_TRUE(handler_.Configure(kSensingArea));
+    ASSERT_TRUE(handler_.Start());
+    ASSERT_TRUE(fp_host::Eventually(
+        [] { return fp_host::CountLinesWith(fp_host::TakeLog(), "threadLoop starting") == 1; }));
+    node_.TakeRequests();
+  }
 
   fp_host::TouchNode node_;
   fp_host::Recorder<TouchEvent> events_;
