@@ -99,49 +99,44 @@ class ThermalTest : public ::testing::Test {
 
   ThermalService aidl_;
   HidlThermalService hidl_;
+  RemoteService* const services_[2] = {&aidl_, &hidl_};
   std::optional<Thermal> thermal_;
 };
 
-TEST_F(ThermalTest, AsksTheAidlServiceForTheSkin) {
-  DeclareAndStart(aidl_);
-  DeclareAndStart(hidl_);
-  RecordCalls(true);
-  CreateMonitor();
-  const std::string instance = kAidlInstance;
-  EXPECT_EQ((Log{kStarting, Call("isDeclared " + instance), Call("waitForService " + instance),
-                 kSuccess, kExiting}),
-            TakeLogsUntil(kExiting).worker);
-  TakeLog();
-  EXPECT_EQ(2, Severity());
-  EXPECT_LOG(Debug(kTag, "Name: front"), Debug(kTag, "value: 41.250000"),
-             Debug(kTag, "ThrottlingSeverity: 2"));
-  EXPECT_EQ((std::vector<std::string>{"getTemperaturesWithType 3"}), aidl_.TakeCalls());
-}
-
-TEST_F(ThermalTest, FallsBackToTheHidlService) {
+TEST_F(ThermalTest, AsksTheAidlServiceElseTheHidlServiceForTheSkin) {
+  const LogLine asks = Call(std::string("isDeclared ") + kAidlInstance);
+  const LogLine waits = Call(std::string("waitForService ") + kAidlInstance);
+  const LogLine unusable = Error(kTag, "Unable to get Thermal AIDL service");
+  const Log aidl_answer = {Debug(kTag, "Name: front"), Debug(kTag, "value: 41.250000"),
+                           Debug(kTag, "ThrottlingSeverity: 2")};
+  const Log hidl_answer = {Debug(kTag, "Name: hidl skin"), Debug(kTag, "value: 35.500000"),
+                           Debug(kTag, "ThrottlingSeverity: 3")};
   const struct {
-    const char* why;
-    std::function<void()> prepare;
-    LogLine reason;
+    const char* aidl_service;
+    void (RemoteService::*prepare)();
+    Log search;
+    int32_t severity;
   } kCases[] = {
-      {"not declared", [] {}, kNotDeclared},
-      {"an object of another interface",
-       [this] {
-         aidl_.Declare();
-         aidl_.StartImpostor();
-       },
-       Error(kTag, "Unable to get Thermal AIDL service")},
+      {"is not declared", &RemoteService::Kill, {asks, kNotDeclared}, 3},
+      {"has another interface", &RemoteService::StartImpostor, {asks, waits, unusable}, 3},
+      {"is up", &RemoteService::Restart, {asks, waits}, 2},
   };
   DeclareAndStart(hidl_);
+  RecordCalls(true);
   for (const auto& test : kCases) {
-    SCOPED_TRACE(test.why);
-    test.prepare();
+    SCOPED_TRACE(test.aidl_service);
+    (aidl_.*test.prepare)();
     CreateMonitor();
-    EXPECT_EQ((Log{kStarting, test.reason, kSuccess, kExiting}), TakeLogsUntil(kExiting).worker);
-    EXPECT_EQ(3, Severity());
-    EXPECT_LOG(Debug(kTag, "Name: hidl skin"), Debug(kTag, "value: 35.500000"),
-               Debug(kTag, "ThrottlingSeverity: 3"));
+    Log worker = test.search;
+    worker.insert(worker.begin(), kStarting);
+    worker.insert(worker.end(), {kSuccess, kExiting});
+    EXPECT_EQ(worker, TakeLogsUntil(kExiting).worker);
+    TakeLog();
+    EXPECT_EQ(test.severity, Severity());
+    EXPECT_EQ(test.severity == 2 ? aidl_answer : hidl_answer, TakeLog());
+    aidl_.Declare();
   }
+  EXPECT_EQ((std::vector<std::string>{"getTemperaturesWithType 3"}), aidl_.TakeCalls());
 }
 
 TEST_F(ThermalTest, DeviceWithoutThermalHalNeverConnects) {
@@ -153,17 +148,13 @@ TEST_F(ThermalTest, DeviceWithoutThermalHalNeverConnects) {
   EXPECT_EQ((Log{kStarting, kNotDeclared, kFailed}), logs.worker);
   DeclareAndStart(aidl_);
   DeclareAndStart(hidl_);
-  for (int i = 0; i < 3; ++i) {
-    EXPECT_EQ(-ENODEV, Severity()) << "it tries to connect once only";
-  }
-  const LogLine not_connected = Error(kTag, "[GetCpuSeverity] Failed to connect to Thermal HAL");
-  EXPECT_LOG(not_connected, not_connected, not_connected);
+  EXPECT_EQ(-ENODEV, Severity()) << "it tries to connect once only";
+  EXPECT_LOG(Error(kTag, "[GetCpuSeverity] Failed to connect to Thermal HAL"));
 }
 
 // The worker waits for the service and connects when it starts. It blocks no other thread.
 TEST_F(ThermalTest, LateServiceIsConnectedInTheBackground) {
-  RemoteService* const kServices[] = {&aidl_, &hidl_};
-  for (RemoteService* service : kServices) {
+  for (RemoteService* service : services_) {
     aidl_.Undeclare();
     service->Declare();
     CreateMonitor();
@@ -187,22 +178,21 @@ TEST_F(ThermalTest, ConstructorSeesAConnectionInTime) {
 
 // After a failure the severity is 0 (no throttling), and the monitor does not reconnect.
 TEST_F(ThermalTest, EveryCallMeetsEveryFault) {
-  using Service = RemoteService;
-  const auto refuse = [this](Service&) {
+  const auto refuse = [this](auto&) {
     aidl_.Refuse([] { return ndk::ScopedAStatus::fromExceptionCode(EX_ILLEGAL_STATE); });
     hidl_.Refuse("not ready");
   };
-  const auto measure_no_skin = [this](Service&) {
+  const auto measure_no_skin = [this](auto&) {
     aidl_.SetTemperatures({Reading("cpu", TemperatureType::CPU, 80, 6)});
     hidl_.SetTemperatures({});
   };
   const auto kFaults = HalFaults({
-      {"is dead", &Service::Kill, kDead},
-      {"has restarted", &Service::Restart, kDead},
+      {"is dead", &RemoteService::Kill, kDead},
+      {"has restarted", &RemoteService::Restart, kDead},
       {"refuses", refuse, 0},
       {"has no skin sensor", measure_no_skin, 0},
   });
-  for (Service* service : {static_cast<Service*>(&aidl_), static_cast<Service*>(&hidl_)}) {
+  for (RemoteService* service : services_) {
     for (const auto& fault : kFaults) {
       SCOPED_TRACE(service->GetInstance() + " " + fault.name);
       DeclareAndStart(*service);

@@ -5,8 +5,10 @@
 
 #include <unistd.h>
 
+#include <cmath>
 #include <cstdint>
-#include <functional>
+#include <iterator>
+#include <numeric>
 #include <string>
 #include <vector>
 
@@ -25,17 +27,15 @@ namespace V2_0 = android::hardware::thermal::V2_0;
 namespace aidl_thermal = aidl::android::hardware::thermal;
 using aidl_thermal::ThermalHidlWrapper;
 using android::sp;
+using android::hardware::hidl_array;
+using android::hardware::hidl_string;
 using android::hardware::hidl_vec;
 using namespace fp_host;
 using ndk::ScopedAStatus;
 using Calls = std::vector<std::string>;
 
 constexpr auto kSkin = V2_0::TemperatureType::SKIN;
-constexpr char kUnsupported[] = "Operation unsupported by Thermal HIDL wrapper";
 constexpr char kNoClient[] = "Thermal AIDL HAL client used by HIDL wrapper was not initialized";
-
-template <typename Record>
-using Answer = HidlThermalClient::Answer<Record>;
 
 const V1_0::ThermalStatus kSuccess = {V1_0::ThermalStatusCode::SUCCESS, ""};
 
@@ -64,106 +64,79 @@ class ThermalHidlWrapperTest : public ::testing::Test {
   const sp<V2_0::IThermalChangedCallback> callback_ = client_.NewProxy();
 };
 
-template <typename HidlType>
-HidlType ExpectedType(int32_t aidl_type, int32_t last, HidlType other) {
-  return aidl_type >= 0 && aidl_type <= last ? static_cast<HidlType>(aidl_type) : other;
-}
-
-void ExpectSameBits(float expected, float actual) {
-  EXPECT_EQ(__builtin_bit_cast(uint32_t, expected), __builtin_bit_cast(uint32_t, actual));
-}
-
-void ExpectMatch(const aidl_thermal::Temperature& from, const V2_0::Temperature& to) {
-  EXPECT_EQ(ExpectedType(static_cast<int32_t>(from.type), 9, V2_0::TemperatureType::UNKNOWN),
-            to.type);
-  EXPECT_STREQ(from.name.c_str(), to.name.c_str());
-  ExpectSameBits(from.value, to.value);
-  EXPECT_EQ(static_cast<int32_t>(from.throttlingStatus), static_cast<int32_t>(to.throttlingStatus));
-}
-
-void ExpectMatch(const std::vector<float>& from,
-                 const android::hardware::hidl_array<float, 7>& to) {
-  for (size_t i = 0; i < 7; ++i) {
-    ExpectSameBits(i < from.size() ? from[i] : __builtin_bit_cast(float, 0x7FC00000u), to[i]);
-  }
-}
-
-void ExpectMatch(const aidl_thermal::TemperatureThreshold& from,
-                 const V2_0::TemperatureThreshold& to) {
-  EXPECT_EQ(ExpectedType(static_cast<int32_t>(from.type), 9, V2_0::TemperatureType::UNKNOWN),
-            to.type);
-  EXPECT_STREQ(from.name.c_str(), to.name.c_str());
-  ExpectMatch(from.hotThrottlingThresholds, to.hotThrottlingThresholds);
-  ExpectMatch(from.coldThrottlingThresholds, to.coldThrottlingThresholds);
-  ExpectSameBits(__builtin_bit_cast(float, 0x7FC00000u), to.vrThrottlingThreshold);
-}
-
-void ExpectMatch(const aidl_thermal::CoolingDevice& from, const V2_0::CoolingDevice& to) {
-  EXPECT_EQ(ExpectedType(static_cast<int32_t>(from.type), 5, V2_0::CoolingType::COMPONENT),
-            to.type);
-  EXPECT_STREQ(from.name.c_str(), to.name.c_str());
-  EXPECT_EQ(static_cast<uint64_t>(from.value), to.value);
-}
-
-template <typename Aidl, typename Hidl>
-void ExpectMatch(const std::vector<Aidl>& from, const Answer<Hidl>& answer) {
-  EXPECT_EQ(kSuccess, answer.status);
-  ASSERT_EQ(from.size(), answer.records.size());
-  for (size_t i = 0; i < from.size(); ++i) {
-    ExpectMatch(from[i], answer.records[i]);
-  }
-}
-
-// Makes a record of each type, and of types that the interface does not define.
-template <typename Record>
-std::vector<Record> RecordsOfAllTypes(const std::function<void(Record&, int32_t type)>& fill) {
-  std::vector<Record> records;
-  for (int32_t type = -2; type <= 25; ++type) {
-    Record& record = records.emplace_back();
-    record.type = static_cast<decltype(record.type)>(type == -2   ? INT32_MIN
-                                                     : type == 25 ? INT32_MAX
-                                                                  : type);
-    record.name = "sensor " + std::to_string(type);
-    fill(record, type);
-  }
-  return records;
-}
-
-std::vector<float> Floats(int count) {
-  std::vector<float> floats;
-  for (int i = 0; i < count; ++i) {
-    floats.push_back(
-        __builtin_bit_cast(float, 0x7FC00001u - 0x10101010u * static_cast<uint32_t>(i)));
-  }
+std::vector<float> Floats(size_t count) {
+  std::vector<float> floats(count);
+  std::iota(floats.begin(), floats.end(), 0.5F);
   return floats;
 }
 
+void ExpectPadded(const std::vector<float>& from, const hidl_array<float, 7>& to) {
+  for (size_t i = 0; i < 7; ++i) {
+    EXPECT_TRUE(i < from.size() ? to[i] == from[i] : std::isnan(to[i])) << i;
+  }
+}
+
 TEST_F(ThermalHidlWrapperTest, ConvertsRecordsFieldByField) {
-  const auto temperatures =
-      RecordsOfAllTypes<aidl_thermal::Temperature>([](auto& record, int32_t type) {
-        record.value = Floats(3 + type).back();
-        record.throttlingStatus = static_cast<aidl_thermal::ThrottlingSeverity>(type);
-      });
-  const auto thresholds =
-      RecordsOfAllTypes<aidl_thermal::TemperatureThreshold>([](auto& record, int32_t type) {
-        record.hotThrottlingThresholds = Floats((type + 2) % 10);
-        record.coldThrottlingThresholds = Floats((type + 5) % 10);
-      });
-  const auto devices = RecordsOfAllTypes<aidl_thermal::CoolingDevice>(
-      [](auto& record, int32_t type) { record.value = type * 0x123456789ABCDEF; });
+  const struct {
+    int32_t aidl, temperature;  // the type in AIDL, and what a sensor's becomes in HIDL
+    uint32_t cooling;           // what a cooling device's becomes
+  } kTypes[] = {{INT32_MIN, -1, 6}, {-1, -1, 6}, {0, 0, 0},   {5, 5, 5},         {6, 6, 6},
+                {7, 7, 6},          {9, 9, 6},   {10, -1, 6}, {INT32_MAX, -1, 6}};
+  constexpr size_t kCount = std::size(kTypes);
+  std::vector<aidl_thermal::Temperature> temperatures(kCount);
+  std::vector<aidl_thermal::TemperatureThreshold> thresholds(kCount);
+  std::vector<aidl_thermal::CoolingDevice> devices(kCount);
+  for (size_t i = 0; i < kCount; ++i) {
+    const auto type = static_cast<aidl_thermal::TemperatureType>(kTypes[i].aidl);
+    const std::string name = "sensor " + std::to_string(i);
+    temperatures[i].type = thresholds[i].type = type;
+    devices[i].type = static_cast<aidl_thermal::CoolingType>(type);
+    temperatures[i].name = thresholds[i].name = devices[i].name = name;
+    temperatures[i].value = Floats(i + 1).back();
+    temperatures[i].throttlingStatus = static_cast<aidl_thermal::ThrottlingSeverity>(type);
+    thresholds[i].hotThrottlingThresholds = Floats(i);
+    thresholds[i].coldThrottlingThresholds = Floats(kCount - i);
+    devices[i].value = (static_cast<int64_t>(i) - 3) * 0x123456789ABCDEF;
+  }
   service_.SetTemperatures(temperatures);
   service_.SetThresholds(thresholds);
   service_.SetCoolingDevices(devices);
-  ExpectMatch(temperatures, client_.Temperatures(false, kSkin));
-  ExpectMatch(thresholds, client_.Thresholds(false, kSkin));
-  ExpectMatch(devices, client_.CoolingDevices(false, V2_0::CoolingType::FAN));
-
   EXPECT_EQ(kSuccess, client_.Register(callback_));
   for (const auto& temperature : temperatures) {
     service_.Notify(temperature);
   }
   ASSERT_TRUE(WaitUntilBinderPoolsIdle());
-  ExpectMatch(temperatures, Answer<V2_0::Temperature>{kSuccess, client_.TakeReceived()});
+
+  const auto queried = client_.Temperatures(false, kSkin);
+  const auto received = client_.TakeReceived();
+  const auto limits = client_.Thresholds(false, kSkin);
+  const auto coolers = client_.CoolingDevices(false, V2_0::CoolingType::FAN);
+  for (const auto& status : {queried.status, limits.status, coolers.status}) {
+    EXPECT_EQ(kSuccess, status);
+  }
+  for (const size_t size :
+       {queried.records.size(), received.size(), limits.records.size(), coolers.records.size()}) {
+    ASSERT_EQ(kCount, size);
+  }
+  for (size_t i = 0; i < kCount; ++i) {
+    SCOPED_TRACE(kTypes[i].aidl);
+    for (const auto& to : {queried.records[i], received[i]}) {
+      EXPECT_EQ(kTypes[i].temperature, static_cast<int32_t>(to.type));
+      EXPECT_EQ(temperatures[i].name, to.name.c_str());
+      EXPECT_EQ(temperatures[i].value, to.value);
+      EXPECT_EQ(kTypes[i].aidl, static_cast<int32_t>(to.throttlingStatus));
+    }
+    const auto& limit = limits.records[i];
+    EXPECT_EQ(kTypes[i].temperature, static_cast<int32_t>(limit.type));
+    EXPECT_EQ(thresholds[i].name, limit.name.c_str());
+    ExpectPadded(thresholds[i].hotThrottlingThresholds, limit.hotThrottlingThresholds);
+    ExpectPadded(thresholds[i].coldThrottlingThresholds, limit.coldThrottlingThresholds);
+    EXPECT_TRUE(std::isnan(limit.vrThrottlingThreshold));
+    const auto& cooler = coolers.records[i];
+    EXPECT_EQ(kTypes[i].cooling, static_cast<uint32_t>(cooler.type));
+    EXPECT_EQ(devices[i].name, cooler.name.c_str());
+    EXPECT_EQ(static_cast<uint64_t>(devices[i].value), cooler.value);
+  }
 }
 
 TEST_F(ThermalHidlWrapperTest, PassesFiltersOnUnchanged) {
@@ -191,7 +164,7 @@ TEST_F(ThermalHidlWrapperTest, PassesFiltersOnUnchanged) {
 
 TEST_F(ThermalHidlWrapperTest, DoesNotSupportTheQueriesOfHidl1) {
   const auto expect_unsupported = [](const auto& answer) {
-    EXPECT_EQ(Failure(kUnsupported), answer.status);
+    EXPECT_EQ(Failure("Operation unsupported by Thermal HIDL wrapper"), answer.status);
     EXPECT_TRUE(answer.records.empty());
   };
   expect_unsupported(client_.SendQuery<V1_0::Temperature>(&V2_0::IThermal::getTemperatures));
@@ -203,20 +176,15 @@ TEST_F(ThermalHidlWrapperTest, DoesNotSupportTheQueriesOfHidl1) {
 TEST_F(ThermalHidlWrapperTest, RegistersEachCallbackOnce) {
   HidlThermalClient other;
   EXPECT_EQ(Failure("Invalid nullptr callback"), client_.Register(nullptr));
+  service_.Refuse(NotReady);
+  EXPECT_EQ(Failure("HAL not ready"), client_.Register(callback_)) << "it can be registered later";
+  service_.Accept();
   EXPECT_EQ(kSuccess, client_.Register(callback_));
   EXPECT_EQ(Failure("The callback was already registered through wrapper"),
             client_.Register(client_.NewProxy(), true));
   EXPECT_EQ(kSuccess, client_.Register(other.NewProxy()));
-  EXPECT_EQ((Calls{"registerThermalChangedCallback", "registerThermalChangedCallback"}),
-            service_.TakeCalls());
+  EXPECT_EQ(3u, service_.TakeCalls().size()) << "the refused one, and one for each callback";
   EXPECT_EQ(2, service_.CountCallbacks());
-
-  // A callback that the service refused can be registered later.
-  HidlThermalClient third;
-  service_.Refuse(NotReady);
-  EXPECT_EQ(Failure("HAL not ready"), client_.Register(third.NewProxy()));
-  service_.Accept();
-  EXPECT_EQ(kSuccess, client_.Register(third.NewProxy()));
 }
 
 TEST_F(ThermalHidlWrapperTest, UnregistersWhatIsRegistered) {
@@ -238,22 +206,34 @@ TEST_F(ThermalHidlWrapperTest, UnregistersWhatIsRegistered) {
   EXPECT_EQ(kSuccess, client_.Register(callback_));
 }
 
-TEST_F(ThermalHidlWrapperTest, NotificationToADeadClientIsDropped) {
+TEST_F(ThermalHidlWrapperTest, NotificationsOutliveTheWrapperButNotTheClient) {
+  HidlThermalClient dead;
   client_.Register(callback_);
-  client_.Kill();
+  dead.Connect(wrapper_);
+  dead.Register(dead.NewProxy());
+  dead.Kill();
   service_.Notify({});
   ASSERT_TRUE(WaitUntilBinderPoolsIdle());
-  EXPECT_TRUE(client_.TakeReceived().empty());
-  EXPECT_EQ(kSuccess, client_.Unregister(callback_));
-}
+  EXPECT_TRUE(dead.TakeReceived().empty());
+  EXPECT_EQ(1u, client_.TakeReceived().size());
+  EXPECT_EQ(kSuccess, dead.Unregister(dead.NewProxy()));
 
-TEST_F(ThermalHidlWrapperTest, NotificationsOutliveTheWrapper) {
-  client_.Register(callback_);
+  dead.Connect(nullptr);
   client_.Connect(nullptr);
   wrapper_ = nullptr;
   service_.Notify({});
   ASSERT_TRUE(WaitUntilBinderPoolsIdle());
   EXPECT_EQ(1u, client_.TakeReceived().size());
+}
+
+// What a client's request for a bug report writes, with a handle of so many descriptors.
+std::string Dump(V2_0::IThermal& service, int descriptors, const hidl_vec<hidl_string>& options) {
+  return DumpText([&](int fd) {
+    native_handle_t* handle = native_handle_create(descriptors, 1);
+    handle->data[0] = fd;
+    EXPECT_TRUE(service.debug(handle, options).isOk());
+    native_handle_delete(handle);
+  });
 }
 
 TEST(ThermalHidlWrapperWithoutClient, ReportsSoAndDoesNothingElse) {
@@ -265,30 +245,18 @@ TEST(ThermalHidlWrapperWithoutClient, ReportsSoAndDoesNothingElse) {
   EXPECT_EQ(Failure(kNoClient), client.CoolingDevices(true, V2_0::CoolingType::FAN).status);
   EXPECT_EQ(Failure(kNoClient), client.Register(client.NewProxy()));
   EXPECT_EQ(Failure(kNoClient), client.Unregister(nullptr)) << "the missing client comes first";
-  native_handle_t* handle = native_handle_create(1, 0);
-  handle->data[0] = STDOUT_FILENO;
-  EXPECT_TRUE(wrapper->debug(handle, {"option"}).isOk());
-  native_handle_delete(handle);
+  EXPECT_EQ("", Dump(*wrapper, 1, {"option"}));
 }
 
 TEST_F(ThermalHidlWrapperTest, DebugDumpsTheService) {
-  const auto dump = [this](int descriptors,
-                           const hidl_vec<android::hardware::hidl_string>& options) {
-    return DumpText([&](int fd) {
-      native_handle_t* handle = native_handle_create(descriptors, 1);
-      handle->data[0] = fd;
-      EXPECT_TRUE(wrapper_->debug(handle, options).isOk());
-      native_handle_delete(handle);
-    });
-  };
-  EXPECT_EQ("thermal '-v' 'all sensors' ''\n", dump(1, {"-v", "all sensors", ""}));
-  EXPECT_EQ("thermal\n", dump(1, {}));
-  EXPECT_EQ("", dump(0, {"-v"})) << "a handle without descriptors";
+  EXPECT_EQ("thermal '-v' 'all sensors' ''\n", Dump(*wrapper_, 1, {"-v", "all sensors", ""}));
+  EXPECT_EQ("thermal\n", Dump(*wrapper_, 1, {}));
+  EXPECT_EQ("", Dump(*wrapper_, 0, {"-v"})) << "a handle without descriptors";
   EXPECT_TRUE(wrapper_->debug(nullptr, {"-v"}).isOk());
   EXPECT_EQ(2, service_.CountCalls());
   service_.DieAtCall(1, RemoteService::Death::kBeforeCall);
-  EXPECT_EQ("", dump(1, {"-v"})) << "without the service there is no text";
-  EXPECT_EQ("", dump(1, {}));
+  EXPECT_EQ("", Dump(*wrapper_, 1, {"-v"})) << "without the service there is no text";
+  EXPECT_EQ("", Dump(*wrapper_, 1, {}));
 }
 
 }  // namespace
