@@ -3,6 +3,7 @@
 
 #include <cstdio>
 #include <deque>
+#include <utility>
 
 #include "fp_utils/auth_stats.h"
 #include "fp_utils/crc32.h"
@@ -49,87 +50,73 @@ void Fill(FingerSize& size, int number) {
 }
 float& FloatOf(FingerSize& size) { return size.minor; }
 
-// The history holds records of type `Base`; the tests add records of type `Record`.
-template <typename Base, typename Record>
+// A history that holds records of type `Base`; the tests add records of type `Record`.
+template <typename Record, typename Base = Record>
 class TypedHistory : public HistoryUnderTest {
  public:
+  using Records = std::deque<std::shared_ptr<Base>>;
+  using Adder = std::function<void(std::shared_ptr<Base>)>;
+
+  // `add` keeps the history alive, which holds `held`.
+  TypedHistory(const Records& held, Adder add) : held_(held), add_(std::move(add)) {}
+
   void AddAndSave(int number) override {
     auto record = std::make_shared<Record>();
     Fill(*record, number);
-    Add(std::move(record));
+    add_(std::move(record));
   }
   void ShareRecordOf(HistoryUnderTest& other, size_t index) override {
-    Add(static_cast<TypedHistory&>(other).Held()[index]);
+    add_(static_cast<TypedHistory&>(other).held_[index]);
   }
-  void AddNull() override { Add(nullptr); }
-  void SetFloat(size_t index, float value) override { FloatOf(*Held()[index]) = value; }
+  void AddNull() override { add_(nullptr); }
+  void SetFloat(size_t index, float value) override { FloatOf(*held_[index]) = value; }
   std::vector<std::string> RecordTexts() const override {
     std::vector<std::string> texts;
-    for (const auto& record : Held()) {
+    for (const auto& record : held_) {
       texts.push_back(record->ToBackupString());
     }
     return texts;
   }
 
  private:
-  virtual void Add(std::shared_ptr<Base> record) = 0;
-  virtual const std::deque<std::shared_ptr<Base>>& Held() const = 0;
+  const Records& held_;
+  const Adder add_;
 };
 
-class AuthHistory : public TypedHistory<AuthEvent, AuthEventG7> {
- public:
-  AuthHistory() { stats_.Init(); }
+std::unique_ptr<HistoryUnderTest> StartAuthStats() {
+  const auto stats = std::make_shared<AuthStatsG7>("0", kFullSize, true);
+  stats->Init();
+  return std::make_unique<TypedHistory<AuthEventG7, AuthEvent>>(
+      stats->GetAttempts(), [stats](auto record) { stats->AddAttempt(std::move(record)); });
+}
 
- private:
-  void Add(std::shared_ptr<AuthEvent> record) override { stats_.AddAttempt(std::move(record)); }
-  const std::deque<std::shared_ptr<AuthEvent>>& Held() const override {
-    return stats_.GetAttempts();
-  }
+std::unique_ptr<HistoryUnderTest> StartEnrollEventContainer() {
+  const auto container = std::make_shared<EnrollEventContainer>();
+  container->Init("EnrollEventG7");
+  return std::make_unique<TypedHistory<EnrollEventG7, EnrollEvent>>(
+      container->GetEvents(), [container](auto record) { container->AddEvent(std::move(record)); });
+}
 
-  AuthStatsG7 stats_{"0", kFullSize, true};
-};
-
-class EnrollHistory : public TypedHistory<EnrollEvent, EnrollEventG7> {
- public:
-  EnrollHistory() { container_.Init("EnrollEventG7"); }
-
- private:
-  void Add(std::shared_ptr<EnrollEvent> record) override { container_.AddEvent(std::move(record)); }
-  const std::deque<std::shared_ptr<EnrollEvent>>& Held() const override {
-    return container_.GetEvents();
-  }
-
-  EnrollEventContainer container_;
-};
-
-class FingerHistory : public TypedHistory<FingerSize, FingerSize> {
-  void Add(std::shared_ptr<FingerSize> record) override {
-    sizes_.AddFinger(std::move(record), true);
-  }
-  const std::deque<std::shared_ptr<FingerSize>>& Held() const override {
-    return sizes_.GetFingers();
-  }
-
-  FingerSizes sizes_{"0", kFullSize, true};
-};
+std::unique_ptr<HistoryUnderTest> StartFingerSizes() {
+  const auto sizes = std::make_shared<FingerSizes>("0", kFullSize, true);
+  return std::make_unique<TypedHistory<FingerSize>>(
+      sizes->GetFingers(), [sizes](auto record) { sizes->AddFinger(std::move(record), true); });
+}
 
 }  // namespace
 
 std::vector<HistoryKind> AllHistoryKinds() {
   return {
-      {"AuthStats", "/data/vendor/fingerprint/AuthStats.0", kFullSize,
-       [] { return std::make_unique<AuthHistory>(); }, "Init", "LoadAttemptsFromBackupFile",
-       "SaveAttemptsToBackupFile",
+      {"AuthStats", "/data/vendor/fingerprint/AuthStats.0", kFullSize, StartAuthStats, "Init",
+       "LoadAttemptsFromBackupFile", "SaveAttemptsToBackupFile",
        "[0][void android::fp_utils::AuthStats::LoadAttemptsFromBackupFile()]",
        "[0] AuthEvent is null, ignored"},
       {"EnrollEventContainer", "/data/vendor/fingerprint/EnrollEventContainer", kFullSize,
-       [] { return std::make_unique<EnrollHistory>(); }, "Init", "LoadEventsFromBackupFile",
-       "SaveEventsToBackupFile",
+       StartEnrollEventContainer, "Init", "LoadEventsFromBackupFile", "SaveEventsToBackupFile",
        "[void android::fp_utils::EnrollEventContainer::LoadEventsFromBackupFile()]",
        "[AddEvent] EnrollEvent is null, ignored"},
-      {"FingerSizes", "/data/vendor/fingerprint/FingerSizes.0", kFullSize,
-       [] { return std::make_unique<FingerHistory>(); }, "FingerSizes", "LoadFingersFromBackupFile",
-       "SaveFingersToBackupFile",
+      {"FingerSizes", "/data/vendor/fingerprint/FingerSizes.0", kFullSize, StartFingerSizes,
+       "FingerSizes", "LoadFingersFromBackupFile", "SaveFingersToBackupFile",
        "[0][void android::fp_utils::FingerSizes::LoadFingersFromBackupFile()]",
        "[0] FingerSize is null, ignored"},
   };
