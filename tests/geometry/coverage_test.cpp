@@ -5,33 +5,24 @@
 #include <functional>
 #include <limits>
 #include <string>
-#include <vector>
-
-#include <android-base/properties.h>
-#include <android-base/stringprintf.h>
 
 #include "fp_host/testing.h"
 #include "fp_utils/shapes.h"
-#include "support/coverage_case.h"
+#include "reference/coverage_case.h"
 
 namespace android::fp_utils {
 namespace {
 
-using Counts = fp_reference::PlainCounts;
 using namespace fp_host;
-using namespace fp_test;
+using namespace fp_reference;
+using Counts = PlainCounts;
 
 constexpr float kInfinity = std::numeric_limits<float>::infinity();
 constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
 
-void TuneScanPoints(const std::string& x, const std::string& y) {
-  base::SetProperty("persist.vendor.udfps.geometry.rect.x_axis_scan_points", x);
-  base::SetProperty("persist.vendor.udfps.geometry.rect.y_axis_scan_points", y);
-}
-
 LogLine CornerLine(int shape, bool inside) {
-  return Debug("Geometry",
-               base::StringPrintf("[NumOfPointsIn] all_points_in_s%d:%d", shape, inside));
+  return Debug("Geometry", "[NumOfPointsIn] all_points_in_s" + std::to_string(shape) + ':' +
+                               std::to_string(inside));
 }
 
 // Logs every call of Contains(), so that its order among the library's log lines is visible.
@@ -41,7 +32,7 @@ class LoggingShape : public IShape {
       : name_(std::move(name)), contains_(std::move(contains)) {}
   std::string Print() const override { return name_; }
   bool Contains(const Point& p) const override {
-    __android_log_print(ANDROID_LOG_INFO, name_.c_str(), "%g,%g", p.x, p.y);
+    __android_log_print(ANDROID_LOG_INFO, "user", "%s(%g,%g)", name_.c_str(), p.x, p.y);
     return contains_(p);
   }
 
@@ -50,29 +41,24 @@ class LoggingShape : public IShape {
   std::function<bool(const Point&)> contains_;
 };
 
-std::vector<LogLine> CallsOf(const std::string& name, const std::vector<std::string>& points) {
-  std::vector<LogLine> lines;
-  for (const std::string& point : points) {
-    lines.push_back(Info(name, point));
+// The messages logged since the last time, each with a blank before it.
+std::string TakeMessages() {
+  std::string messages;
+  for (const LogLine& line : TakeLog()) {
+    messages += ' ' + line.message;
   }
-  return lines;
-}
-
-std::vector<LogLine> operator+(std::vector<LogLine> lines, const std::vector<LogLine>& more) {
-  lines.insert(lines.end(), more.begin(), more.end());
-  return lines;
+  return messages;
 }
 
 TEST(Coverage, CallsUserShapesInOrder) {
   const LoggingShape a("a", [](const Point& p) { return p.x < 1; });
   const LoggingShape b("b", [](const Point& p) { return p.y > 0; });
   EXPECT_EQ((Counts{2, 2, 1}), CountIn(Rect({0, 0}, {1, 1}), a, b));
-  EXPECT_EQ(CallsOf("a", {"0,0", "0,1", "1,0"}) + std::vector{CornerLine(1, false)} +
-                CallsOf("b", {"0,0"}) + std::vector{CornerLine(2, false)} + CallsOf("a", {"0,0"}) +
-                CallsOf("b", {"0,0"}) + CallsOf("a", {"1,0"}) + CallsOf("b", {"1,0"}) +
-                CallsOf("a", {"0,1"}) + CallsOf("b", {"0,1"}) + CallsOf("a", {"1,1"}) +
-                CallsOf("b", {"1,1"}),
-            TakeLog())
+  EXPECT_EQ(
+      " a(0,0) a(0,1) a(1,0) [NumOfPointsIn] all_points_in_s1:0"
+      " b(0,0) [NumOfPointsIn] all_points_in_s2:0"
+      " a(0,0) b(0,0) a(1,0) b(1,0) a(0,1) b(0,1) a(1,1) b(1,1)",
+      TakeMessages())
       << "corners column by column, samples row by row, b even where a does not contain";
 }
 
@@ -80,15 +66,16 @@ TEST(Coverage, DoesNotSampleAShapeThatContainsAllCorners) {
   const LoggingShape all("all", [](const Point&) { return true; });
   const LoggingShape left("left", [](const Point& p) { return p.x < 1; });
   EXPECT_EQ((Counts{4, 2, 2}), CountIn(Rect({0, 0}, {1, 1}), all, left));
-  const std::vector<std::string> corners = {"0,0", "0,1", "1,0", "1,1"};
-  EXPECT_EQ(CallsOf("all", corners) + std::vector{CornerLine(1, true)} +
-                CallsOf("left", {"0,0", "0,1", "1,0"}) + std::vector{CornerLine(2, false)} +
-                CallsOf("left", {"0,0", "1,0", "0,1", "1,1"}),
-            TakeLog());
+  EXPECT_EQ(
+      " all(0,0) all(0,1) all(1,0) all(1,1) [NumOfPointsIn] all_points_in_s1:1"
+      " left(0,0) left(0,1) left(1,0) [NumOfPointsIn] all_points_in_s2:0"
+      " left(0,0) left(1,0) left(0,1) left(1,1)",
+      TakeMessages());
   EXPECT_EQ((Counts{4, 4, 4}), CountIn(Rect({0, 0}, {1, 1}), Circle({0, 0}, 9), all));
   EXPECT_EQ(
-      std::vector{CornerLine(1, true)} + CallsOf("all", corners) + std::vector{CornerLine(2, true)},
-      TakeLog());
+      " [NumOfPointsIn] all_points_in_s1:1"
+      " all(0,0) all(0,1) all(1,0) all(1,1) [NumOfPointsIn] all_points_in_s2:1",
+      TakeMessages());
 }
 
 TEST(Coverage, CountsAndLogs) {
@@ -133,9 +120,8 @@ TEST(Coverage, NoScanPoints) {
   for (const auto& row : rows) {
     TuneScanPoints(row.x_points, row.y_points);
     EXPECT_EQ((Counts{0, 0, 0}), CountIn(row.grid, user, Circle({0, 0}, 1))) << row.why;
-    EXPECT_EQ((std::vector{Error("Geometry", std::string("[NumOfPointsIn] ") + row.error)} +
-               CallsOf("user", {"0,0"}) + std::vector{CornerLine(1, false), CornerLine(2, false)}),
-              TakeLog())
+    EXPECT_LOG(Error("Geometry", std::string("[NumOfPointsIn] ") + row.error),
+               Info("user", "user(0,0)"), CornerLine(1, false), CornerLine(2, false))
         << row.why;
     EXPECT_TRUE(std::isnan(row.grid.CoverageCoveredBy(row.grid))) << row.why;
     TakeLog();

@@ -8,7 +8,6 @@
 #include <string>
 
 #include "fp_host/testing.h"
-#include "reference/plain_geometry.h"
 #include "support/coverage_case_generator.h"
 
 namespace android::fp_utils {
@@ -95,9 +94,9 @@ TEST(Shapes, ContainToTheLastBit) {
   int inside = 0;
   const int count = fp_host::Share(300000);
   for (int i = 0; i < count; ++i) {
-    const fp_test::CoverageCase c = cases.Next();
-    const bool expected = fp_test::AsPlainShape(c.s1)->Contains(c.grid.top_left);
-    ASSERT_EQ(expected, fp_test::AsShape(c.s1).Contains(c.grid.top_left)) << c.ToString();
+    const fp_reference::CoverageCase c = cases.Next();
+    const bool expected = fp_reference::AsPlainShape(c.s1)->Contains(c.grid.top_left);
+    ASSERT_EQ(expected, fp_reference::AsShape(c.s1).Contains(c.grid.top_left)) << c.ToString();
     inside += expected ? 1 : 0;
   }
   EXPECT_GT(inside, count / 10);

@@ -1,7 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
+//
+// The part of the platform that the sources of print_golden call: a log that prints the format of
+// each line, and properties in memory. It replaces the platform libraries, which are missing on
+// other processors.
 #include "golden/stub_platform.h"
 
 #include <cstdio>
+#include <map>
+#include <string>
 
 #include <android-base/properties.h>
 #include <android/log.h>
@@ -9,6 +15,7 @@
 namespace {
 
 bool is_muted = false;
+std::map<std::string, std::string> properties;
 
 }  // namespace
 
@@ -23,10 +30,15 @@ extern "C" int __android_log_print(int /*priority*/, const char* tag, const char
 
 namespace android::base {
 
+bool SetProperty(const std::string& name, const std::string& value) {
+  properties[name] = value;
+  return true;
+}
+
 template <typename Number>
 Number GetUintProperty(const std::string& name, Number default_value, Number /*max*/) {
-  const auto found = fp_golden::properties.find(name);
-  return found == fp_golden::properties.end() ? default_value : found->second;
+  const std::string& value = properties[name];
+  return value.empty() ? default_value : static_cast<Number>(std::stoul(value));
 }
 template uint32_t GetUintProperty(const std::string&, uint32_t, uint32_t);
 

@@ -14,8 +14,7 @@ template <>
 bool PlainCircle::Contains(const Point& p) const {
   const float dx = shape_.center.x - p.x;
   const float dy = shape_.center.y - p.y;
-  const float distance = sqrtf(dx * dx + dy * dy);
-  return distance <= shape_.radius;
+  return sqrtf(dx * dx + dy * dy) <= shape_.radius;
 }
 
 template <>
@@ -25,14 +24,11 @@ bool PlainEllipse::Contains(const Point& p) const {
   sincosf(shape_.orientation, &s, &c);
   const float dx = p.x - shape_.center.x;
   const float dy = p.y - shape_.center.y;
-  const float u = dx * s - dy * c;
-  const float v = dx * c + dy * s;
-  const float a = shape_.major_axis * 0.5F;
-  const float b = shape_.minor_axis * 0.5F;
-  const double along_major = static_cast<double>(u) * u / (static_cast<double>(a) * a);
-  const double along_minor = static_cast<double>(v) * v / (static_cast<double>(b) * b);
-  const auto sum = static_cast<float>(along_major + along_minor);
-  return sum <= 1.0F;
+  const double u = dx * s - dy * c;
+  const double v = dx * c + dy * s;
+  const double a = shape_.major_axis * 0.5F;
+  const double b = shape_.minor_axis * 0.5F;
+  return static_cast<float>(u * u / (a * a) + v * v / (b * b)) <= 1.0F;
 }
 
 template <>
@@ -74,15 +70,9 @@ PlainCounts PlainScan(const Rect& grid, uint32_t nx, uint32_t ny, const IShape& 
     for (uint32_t column = 0; column < nx; ++column) {
       const bool in1 = all1 || s1.Contains(Point(x, y));
       const bool in2 = all2 || s2.Contains(Point(x, y));
-      if (in1) {
-        ++counts.in_s1;
-      }
-      if (in2) {
-        ++counts.in_s2;
-      }
-      if (in1 && in2) {
-        ++counts.in_both;
-      }
+      counts.in_s1 += in1 ? 1 : 0;
+      counts.in_s2 += in2 ? 1 : 0;
+      counts.in_both += in1 && in2 ? 1 : 0;
       x += step_x;
     }
     y += step_y;
@@ -92,32 +82,21 @@ PlainCounts PlainScan(const Rect& grid, uint32_t nx, uint32_t ny, const IShape& 
 
 float PlainCoverage(const Circle& circle, const Circle& other) {
   const auto area_of = [](float radius) {
-    const double wide = radius;
-    return static_cast<float>(3.141592653589793 * (wide * wide));
+    return static_cast<float>(3.141592653589793 * (static_cast<double>(radius) * radius));
   };
-  const float r1 = circle.radius;
-  const float r2 = other.radius;
   const float to_x = other.center.x - circle.center.x;
   const float to_y = other.center.y - circle.center.y;
   const float d = sqrtf(to_x * to_x + to_y * to_y);
-  float R = r2;
-  float r = r1;
-  if (r2 < r1) {
-    R = r1;
-    r = r2;
-  }
-  float area = 0.0F;
-  if (d > r1 + r2) {
-    area = 0.0F;
-  } else if (d <= R - r) {
-    area = area_of(r);
-  } else {
+  const float r = other.radius < circle.radius ? other.radius : circle.radius;
+  const float R = other.radius < circle.radius ? circle.radius : other.radius;
+  float area = d > r + R ? 0 : area_of(r);
+  if (!(d > r + R) && !(d <= R - r)) {
     const float sector1 = r * r * acosf((r * r + d * d - R * R) / (r * (2 * d)));
     const float sector2 = R * R * acosf((R * R + d * d - r * r) / (R * (2 * d)));
     const float product = (R + (r - d)) * (r + d - R) * (R + (d - r)) * (R + (r + d));
     area = sector1 + sector2 - 0.5F * sqrtf(product);
   }
-  return area / area_of(r1) * 100.0F;
+  return area / area_of(circle.radius) * 100.0F;
 }
 
 }  // namespace fp_reference
