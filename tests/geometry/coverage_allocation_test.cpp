@@ -1,6 +1,4 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <gtest/gtest.h>
-
 #include "fp_host/testing.h"
 #include "fp_utils/shapes.h"
 #include "support/allocations.h"

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // Counting by rows gives the counts of a scan that calls Contains() at every sample.
-#include <gtest/gtest.h>
-
 #include "fp_host/testing.h"
 #include "fp_utils/shapes.h"
 #include "geometry/grid_count.h"
@@ -79,25 +77,6 @@ TEST(CoverageProperty, LargestOffsetDeterminesTheBound) {
     c->grid.top_left.x = e.center.x;
     c->nx = 2;
   }));
-}
-
-TEST(CoverageProperty, ClosedForm) {
-  CoverageCaseGenerator cases(1);
-  int lenses = 0;
-  for (int i = 0; i < Share(200000); ++i) {
-    CoverageCase c = cases.Next();
-    const auto* circle = std::get_if<Circle>(&c.s1);
-    const auto* other = std::get_if<Circle>(&c.s2);
-    if (circle == nullptr || other == nullptr) {
-      continue;
-    }
-    const float expected = fp_reference::PlainCoverage(*circle, *other);
-    const float coverage = circle->CoverageCoveredBy(*other);
-    ASSERT_TRUE(expected == coverage || (std::isnan(expected) && std::isnan(coverage)))
-        << expected << ' ' << coverage << c.ToString();
-    lenses += expected > 0 && expected < 99 ? 1 : 0;
-  }
-  EXPECT_GT(lenses, Share(1000));
 }
 
 }  // namespace

@@ -1,6 +1,4 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <gtest/gtest.h>
-
 #include <cmath>
 #include <functional>
 #include <limits>
@@ -194,6 +192,9 @@ TEST(Coverage, OfCirclesInClosedForm) {
       {Circle({0, 0}, 1), Circle({1, 0}, 1), 39.100222F, "a lens: 2/3 - sqrt(3) / 2 pi"},
       {Circle({0, 0}, 4), Circle({0, 5}, 3), 13.213192F, "a lens with the smaller one"},
       {Circle({0, 0}, 3), Circle({0, 5}, 4), 23.490119F, "the same lens, of the smaller one"},
+      {Circle({540, 1800}, 100), Circle({600, 1720}, 120), 52.912891F, "a lens at an angle"},
+      {Circle({0, 0}, 0.1F), Circle({0.3F, 0}, 0.2F), kNan, "touching, a cosine rounds beyond 1"},
+      {Circle({0, 0}, 0.1F), Circle({0.6F, 0}, 0.5F), 0, "touching, by the order of its sums"},
       {Circle({0, 0}, 0), Circle({0, 0}, 1), kNan, "nothing to cover"},
       {Circle({0, 0}, kNan), Circle({0, 0}, 1), kNan, "NaN"},
       {Circle({0, 0}, 1), Circle({kNan, 0}, 1), kNan, "NaN"},

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "fp_utils/shapes.h"
 
-#include <gtest/gtest.h>
-
 #include <cmath>
 #include <limits>
 #include <string>

@@ -80,23 +80,4 @@ PlainCounts PlainScan(const Rect& grid, uint32_t nx, uint32_t ny, const IShape& 
   return counts;
 }
 
-float PlainCoverage(const Circle& circle, const Circle& other) {
-  const auto area_of = [](float radius) {
-    return static_cast<float>(3.141592653589793 * (static_cast<double>(radius) * radius));
-  };
-  const float to_x = other.center.x - circle.center.x;
-  const float to_y = other.center.y - circle.center.y;
-  const float d = sqrtf(to_x * to_x + to_y * to_y);
-  const float r = other.radius < circle.radius ? other.radius : circle.radius;
-  const float R = other.radius < circle.radius ? circle.radius : other.radius;
-  float area = d > r + R ? 0 : area_of(r);
-  if (!(d > r + R) && !(d <= R - r)) {
-    const float sector1 = r * r * acosf((r * r + d * d - R * R) / (r * (2 * d)));
-    const float sector2 = R * R * acosf((R * R + d * d - r * r) / (R * (2 * d)));
-    const float product = (R + (r - d)) * (r + d - R) * (R + (d - r)) * (R + (r + d));
-    area = sector1 + sector2 - 0.5F * sqrtf(product);
-  }
-  return area / area_of(circle.radius) * 100.0F;
-}
-
 }  // namespace fp_reference

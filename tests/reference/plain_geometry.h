@@ -48,8 +48,4 @@ uint32_t PlainScanPoints(float low, float high);
 PlainCounts PlainScan(const android::fp_utils::Rect& grid, uint32_t nx, uint32_t ny,
                       const android::fp_utils::IShape& s1, const android::fp_utils::IShape& s2);
 
-// The share of the first circle that the second covers, in closed form.
-float PlainCoverage(const android::fp_utils::Circle& circle,
-                    const android::fp_utils::Circle& other);
-
 }  // namespace fp_reference
