@@ -37,9 +37,7 @@ TEST_F(SERVICE_CLASSES, OfRecordsCountAndSaveTheirOwnText) {
   fp_host::TakeLog();
   for (const int32_t rawmean_delta : {10, 20, 40}) {
     auto event = std::make_shared<Own<AuthEventG7>>();
-    event->acquired_info = AuthEvent::kAcquiredGood;
-    event->auth_successful = true;
-    event->rawmean_delta = rawmean_delta;
+    static_cast<AuthEventG7&>(*event) = *fp_test::Attempt(true, 0, rawmean_delta);
     stats.AddAttempt(event);
   }
   EXPECT_EQ(30.0F, stats.GetAvgRawmeanDelta());

@@ -2,14 +2,15 @@
 #include "fp_utils/dynamic_exposure.h"
 
 #include <array>
-#include <cmath>
 #include <optional>
 #include <string>
-#include <vector>
+#include <utility>
 
 #include <android-base/properties.h>
+#include <android-base/stringprintf.h>
 
 #include "fp_host/testing.h"
+#include "support/history_kinds.h"
 
 namespace android::fp_utils {
 namespace {
@@ -17,25 +18,32 @@ namespace {
 using namespace fp_host;
 
 constexpr char kSupported[] = "persist.vendor.udfps.dynamic_exposure_supported";
-constexpr char kPrefix[] = "persist.vendor.udfps.dynamic.exposure.";
-
-struct Exposure {
-  float expo, base;
-};
 
 class DynamicExposureTest : public ::testing::Test {
  protected:
   DynamicExposureTest() { base::SetProperty(kSupported, "true"); }
 
   static void Set(const std::string& name, const std::string& value) {
-    base::SetProperty(kPrefix + name, value);
+    base::SetProperty("persist.vendor.udfps.dynamic.exposure." + name, value);
+  }
+
+  // Sets all settings, in the order of the dump.
+  static void SetAll(const std::array<const char*, 8>& values) {
+    constexpr const char* kNames[] = {"number_of_attempts",      "expo_change_unit_denominator",
+                                      "frr_threshold",           "image_quality_threshold",
+                                      "high_raw_mean_threshold", "low_raw_mean_threshold",
+                                      "upper_bound_us",          "lower_bound_us"};
+    for (size_t i = 0; i < values.size(); ++i) {
+      Set(kNames[i], values[i]);
+    }
   }
 
   // A controller as the service sets it up.
   DynamicExposure& Calibrated(float expo, float base) {
     controller_.emplace();
     controller_->SetExpoChangedCallback(this, [](void* context, float expo, float base) {
-      static_cast<DynamicExposureTest*>(context)->changes_.push_back({expo, base});
+      static_cast<DynamicExposureTest*>(context)->changes_ +=
+          base::StringPrintf("%g %g;", expo, base);
     });
     controller_->UpdateCaliExpo(expo, base);
     TakeLog();
@@ -44,12 +52,7 @@ class DynamicExposureTest : public ::testing::Test {
 
   void Feed(int count, bool successful, int32_t iq, int32_t rawmean_delta) {
     for (int i = 0; i < count; ++i) {
-      auto event = std::make_shared<AuthEventG7>();
-      event->acquired_info = 1;
-      event->auth_successful = successful;
-      event->iq = iq;
-      event->rawmean_delta = rawmean_delta;
-      controller_->FeedAuthAttempt(event);
+      controller_->FeedAuthAttempt(fp_test::Attempt(successful, iq, rawmean_delta));
     }
   }
 
@@ -58,21 +61,15 @@ class DynamicExposureTest : public ::testing::Test {
   }
 
   // The dump with these settings and an empty sample.
-  static std::string DumpWith(const std::array<int32_t, 8>& settings) {
-    constexpr const char* kNames[] = {"NumberOfAttempts",     "ExpoChangeUnitDenominator",
-                                      "FrrThreshold",         "IqThreshold",
-                                      "HighRawMeanThreshold", "LowRawMeanThreshold",
-                                      "ExpoUpperBoundUs",     "ExpoLowerBoundUs"};
-    std::string dump = "DynamicExposureSupported:1\nDynamicExposure:\n";
-    for (size_t i = 0; i < settings.size(); ++i) {
-      dump += "  k" + std::string(kNames[i]) + ": " + std::to_string(settings[i]) + "\n";
-    }
-    return dump +
-           "  Stats of last 0 attempts:\n"
-           "    FRR: 0.00%\n"
-           "    Avg IQ: 0.00\n"
-           "    Avg raw mean: 0.00\n"
-           "  \n";
+  static std::string DumpWith(const std::array<int, 8>& s) {
+    return base::StringPrintf(
+        "DynamicExposureSupported:1\nDynamicExposure:\n"
+        "  kNumberOfAttempts: %d\n  kExpoChangeUnitDenominator: %d\n  kFrrThreshold: %d\n"
+        "  kIqThreshold: %d\n  kHighRawMeanThreshold: %d\n  kLowRawMeanThreshold: %d\n"
+        "  kExpoUpperBoundUs: %d\n  kExpoLowerBoundUs: %d\n"
+        "  Stats of last 0 attempts:\n    FRR: 0.00%%\n    Avg IQ: 0.00\n"
+        "    Avg raw mean: 0.00\n  \n",
+        s[0], s[1], s[2], s[3], s[4], s[5], s[6], s[7]);
   }
 
   std::string Sample() {
@@ -81,7 +78,7 @@ class DynamicExposureTest : public ::testing::Test {
   }
 
   std::optional<DynamicExposure> controller_;
-  std::vector<Exposure> changes_;
+  std::string changes_;  // "<exposure> <base>;" for each call of the callback
 };
 
 TEST_F(DynamicExposureTest, StepsDownOnBrightPoorSamples) {
@@ -93,20 +90,13 @@ TEST_F(DynamicExposureTest, StepsDownOnBrightPoorSamples) {
              Info("DynamicExposure", "[AdjustExposure] adjustment step:-1, unit:16.667"),
              Info("DynamicExposure", "[AdjustExposure] cali expo:20.000, base:50.000"),
              Info("DynamicExposure", "[AdjustExposure] adjust to expo:13.333, base:33.333"));
-  ASSERT_EQ(1u, changes_.size());
-  EXPECT_FLOAT_EQ(13.333333F, changes_[0].expo);
-  EXPECT_FLOAT_EQ(33.333333F, changes_[0].base);
+  EXPECT_EQ("13.3333 33.3333;", changes_);
   EXPECT_EQ(-1, controller.GetStep());
   EXPECT_EQ(DumpWith({10, 60, 20, 28, 2500, 1500, 150000, 10000}), Dump());
 }
 
 TEST_F(DynamicExposureTest, EverySettingHasItsProperty) {
-  int32_t value = 0;
-  for (const char* name : {"number_of_attempts", "expo_change_unit_denominator", "frr_threshold",
-                           "image_quality_threshold", "high_raw_mean_threshold",
-                           "low_raw_mean_threshold", "upper_bound_us", "lower_bound_us"}) {
-    Set(name, std::to_string(++value));
-  }
+  SetAll({"1", "2", "3", "4", "5", "6", "7", "8"});
   controller_.emplace();
   EXPECT_EQ(DumpWith({1, 2, 3, 4, 5, 6, 7, 8}), Dump());
 }
@@ -147,14 +137,9 @@ TEST_F(DynamicExposureTest, RefusedStepKeepsStepAndSample) {
 TEST_F(DynamicExposureTest, BoundsHoldOnlyInTheDirectionOfTheStep) {
   DynamicExposure& controller = Calibrated(200.0F, 100.0F);
   controller.AdjustExposure(StepAdjustment::kDown);
-  ASSERT_EQ(1u, changes_.size());
-  EXPECT_FLOAT_EQ(166.66667F, changes_[0].expo);
   controller.UpdateCaliExpo(5.0F, 100.0F);
-  ASSERT_EQ(2u, changes_.size());
-  EXPECT_FLOAT_EQ(4.1666667F, changes_[1].expo);
   controller.AdjustExposure(StepAdjustment::kUp);
-  ASSERT_EQ(3u, changes_.size());
-  EXPECT_FLOAT_EQ(5.0F, changes_[2].expo);
+  EXPECT_EQ("166.667 83.3333;4.16667 83.3333;5 100;", changes_);
   EXPECT_EQ(0, controller.GetStep());
 }
 
@@ -202,8 +187,8 @@ TEST_F(DynamicExposureTest, CrossedThresholdsGoUp) {
 
 TEST_F(DynamicExposureTest, NeedsCalibrationAndCallback) {
   controller_.emplace();
-  for (const Exposure calibrated : {Exposure{20, 0}, {0, 50}}) {
-    controller_->UpdateCaliExpo(calibrated.expo, calibrated.base);
+  for (const auto& [expo, base] : {std::pair(20.0F, 0.0F), {0.0F, 50.0F}}) {
+    controller_->UpdateCaliExpo(expo, base);
     TakeLog();
     controller_->AdjustExposure(StepAdjustment::kUp);
     EXPECT_LOG(Error("DynamicExposure", "[AdjustExposure] cali_expo is not initialized"));
@@ -230,21 +215,14 @@ TEST_F(DynamicExposureTest, NewCalibrationRecalculatesOnlyAfterSteps) {
              Info("DynamicExposure", "[AdjustExposure] cali expo:12.000, base:50.000"),
              Info("DynamicExposure", "[AdjustExposure] adjust to expo:8.000, base:33.333"))
       << "below the lower bound, and applied";
-  EXPECT_EQ(1u, changes_.size());
+  EXPECT_EQ("8 33.3333;", changes_);
   EXPECT_EQ(0u, Sample().find("  Stats of last 0 attempts:\n"));
 }
 
 // Settings that a tuning engineer may make by mistake. 0 and the largest value are accepted without
 // undefined behaviour. A value that is not a number of 32 bits gives the default.
 TEST_F(DynamicExposureTest, OddSettings) {
-  Set("number_of_attempts", "0");
-  Set("expo_change_unit_denominator", "0");
-  Set("frr_threshold", "4294967295");
-  Set("image_quality_threshold", "4294967296");
-  Set("high_raw_mean_threshold", "-1");
-  Set("low_raw_mean_threshold", "15k");
-  Set("upper_bound_us", "0x1F");
-  Set("lower_bound_us", "");
+  SetAll({"0", "0", "4294967295", "4294967296", "-1", "15k", "0x1F", ""});
   Calibrated(20.0F, 50.0F);
   Feed(20, false, 0, 9000);
   EXPECT_EQ(DumpWith({0, 0, -1, 28, 2500, 1500, 31, 10000}), Dump());
@@ -253,8 +231,7 @@ TEST_F(DynamicExposureTest, OddSettings) {
   EXPECT_LOG(
       Error("DynamicExposure", "[AdjustExposure] target expo(inf) > upper bound(0.031), skip"));
   controller_->AdjustExposure(StepAdjustment::kNone);
-  ASSERT_EQ(1u, changes_.size());
-  EXPECT_TRUE(std::isnan(changes_[0].expo));
+  EXPECT_NE(std::string::npos, changes_.find("nan ")) << changes_;
 }
 
 TEST_F(DynamicExposureTest, SettingsAreReadOnce) {

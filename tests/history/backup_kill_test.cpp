@@ -13,6 +13,7 @@
 
 #include "fp_host/testing.h"
 #include "fp_utils/auth_stats.h"
+#include "support/history_kinds.h"
 
 namespace android::fp_utils {
 namespace {
@@ -23,11 +24,8 @@ constexpr int32_t kCapacity = 100;
   AuthStatsG7 stats("0", kCapacity, true);
   stats.Init();
   for (int32_t number = 1;; ++number) {
-    auto event = std::make_shared<AuthEventG7>();
-    event->acquired_info = AuthEvent::kAcquiredGood;
-    event->auth_successful = true;
+    auto event = fp_test::Attempt(true, ~number);
     event->fid = number;
-    event->iq = ~number;
     stats.AddAttempt(event);
     added = number;
   }

@@ -130,17 +130,13 @@ TEST_F(FingerSizesTest, PercentilesAreThoseOfTheSortedSizesToTheBit) {
     std::sort(sorted.begin(), sorted.end());
     for (int i = 0; i < 20; ++i) {
       const float percentile = static_cast<float>(random() % 10001) / 100;
-      volatile float position = percentile / 100.0F;
-      position = position * static_cast<float>(count - 1);
-      const auto index = static_cast<int32_t>(position);
-      const float rest = position - static_cast<float>(index);
-      const float low = sorted[static_cast<size_t>(index)];
-      const float high = sorted[std::min(static_cast<size_t>(index) + 1, count - 1)];
-      volatile float expected = rest * (high - low);
-      expected = low + expected;
-      const float exact = expected;
+      const float position = percentile / 100.0F * static_cast<float>(count - 1);
+      const auto index = static_cast<size_t>(position);
+      const float low = sorted[index];
+      const float high = sorted[std::min(index + 1, count - 1)];
+      const float expected = low + (position - static_cast<float>(index)) * (high - low);
       const float actual = sizes.GetPercentileValue(FingerSize::kMajor, percentile);
-      ASSERT_EQ(0, memcmp(&exact, &actual, sizeof exact))
+      ASSERT_EQ(0, memcmp(&expected, &actual, sizeof expected))
           << count << " sizes, percentile " << percentile;
     }
   }

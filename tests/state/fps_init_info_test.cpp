@@ -14,8 +14,7 @@
 namespace android::fp_utils {
 namespace {
 
-using fp_host::DumpText;
-using fp_host::TakeLog;
+using namespace fp_host;
 using State = FpsInitInfo::State;
 
 constexpr char kFolder[] = "/data/vendor/tombstones/fingerprint";
@@ -23,11 +22,11 @@ constexpr char kErrorFile[] = "/data/vendor/tombstones/fingerprint/init_error.tx
 constexpr char kLogCopy[] = "/data/vendor/tombstones/fingerprint/init_trusty_log.txt";
 constexpr char kNow[] = "2026-03-04 05:06:07";
 
-class FpsInitInfoTest : public fp_host::DeviceTest {
+class FpsInitInfoTest : public DeviceTest {
  protected:
   FpsInitInfoTest() {
     setenv("TZ", "UTC", 1);
-    fp_host::StopWallClock(1772600767, 999);
+    StopWallClock(1772600767, 999);
   }
 
   std::string Dump() {
@@ -47,7 +46,7 @@ TEST_F(FpsInitInfoTest, DumpSaysHowTheInitialisationWent) {
   EXPECT_EQ(State::kStarted, info_.GetState());
   info_.SetState(static_cast<State>(-7));
   EXPECT_EQ("Unexpected state:-7\n", Dump());
-  fp_host::StopWallClock(1772600769, 233);
+  StopWallClock(1772600769, 233);
   info_.SetState(State::kFinished);
   EXPECT_EQ("Initialization successful, start_time:2026-03-04 05:06:07.999, latency:1234ms\n",
             Dump());
@@ -61,7 +60,7 @@ TEST_F(FpsInitInfoTest, ErrorsArePublishedEverywhere) {
   WriteFile("/dev/trusty-log0", "secure world says no\n");
   info_.SetError(-5, "A");
   WriteFile("/dev/trusty-log0", "again\n");
-  fp_host::StopWallClock(1772600768);
+  StopWallClock(1772600768);
   info_.SetError(-6, "B, 'C' $(touch /data/vendor/owned) %s");
   const std::string text =
       "2026-03-04 05:06:07 A,2026-03-04 05:06:08 B, 'C' $(touch /data/vendor/owned) %s";
@@ -72,8 +71,10 @@ TEST_F(FpsInitInfoTest, ErrorsArePublishedEverywhere) {
   EXPECT_EQ("again\n", ReadFile(kLogCopy));
   EXPECT_EQ("Error:" + text + "\n", Dump());
   EXPECT_FALSE(Exists("/data/vendor/owned")) << "the message must not reach the shell";
-  EXPECT_LOG(fp_host::Error("FpsInitInfo", "SetError: error_str_:2026-03-04 05:06:07 A"),
-             fp_host::Error("FpsInitInfo", "SetError: error_str_:" + text));
+  EXPECT_LOG(Error("FpsInitInfo", "SetError: error_str_:2026-03-04 05:06:07 A"),
+             Error("FpsInitInfo", "SetError: error_str_:" + text));
+  info_.SetError(2, std::string(100000, 'x'));
+  EXPECT_EQ(info_.GetErrorStr(), ReadFile(kErrorFile)) << "a text too long for a property";
 }
 
 TEST_F(FpsInitInfoTest, KeepsTheRecordWhenNothingCanBeWritten) {
@@ -84,36 +85,28 @@ TEST_F(FpsInitInfoTest, KeepsTheRecordWhenNothingCanBeWritten) {
       {"no folder", [] { Remove(kFolder); }},
       {"a link at the file",
        [] {
-         std::filesystem::create_symlink(fp_host::HostPath("/data/vendor/elsewhere"),
-                                         fp_host::HostPath(kErrorFile));
+         std::filesystem::create_symlink(HostPath("/data/vendor/elsewhere"), HostPath(kErrorFile));
        }},
-      {"no permission", [] { fp_host::SetFault({.function = "open", .error = EACCES}); }},
-      {"no space", [] { fp_host::SetFault({.function = "write", .error = ENOSPC}); }},
+      {"no permission", [] { SetFault({.function = "open", .error = EACCES}); }},
+      {"no space", [] { SetFault({.function = "write", .error = ENOSPC}); }},
   };
   for (const auto& test : kCases) {
     Remove(kFolder);
-    fp_host::BootDevice();
+    BootDevice();
     test.arrange();
     info_.SetError(1, test.why);
-    fp_host::ClearFaults();
-    EXPECT_LOG(fp_host::Error("FpsInitInfo", "SetError: error_str_:" + info_.GetErrorStr()),
-               fp_host::Error("FpsInitInfo",
-                              "SetError: failed to write '" + std::string(kErrorFile) + "'"));
+    ClearFaults();
+    EXPECT_LOG(Error("FpsInitInfo", "SetError: error_str_:" + info_.GetErrorStr()),
+               Error("FpsInitInfo", "SetError: failed to write '" + std::string(kErrorFile) + "'"));
     EXPECT_NE(std::string::npos, Dump().find(test.why));
   }
   EXPECT_FALSE(Exists("/data/vendor/elsewhere"));
-
-  Remove(kFolder);
-  fp_host::BootDevice();
-  info_.SetError(2, std::string(100000, 'x'));
-  EXPECT_EQ(info_.GetErrorStr(), ReadFile(kErrorFile)) << "a text too long for a property";
-  EXPECT_EQ("Error:" + info_.GetErrorStr() + "\n", Dump());
 }
 
 TEST_F(FpsInitInfoTest, DumpDoesNotWaitForTheCopyOfTheLog) {
-  ASSERT_EQ(0, mkfifo(fp_host::HostPath("/dev/trusty-log0").c_str(), 0600));
+  ASSERT_EQ(0, mkfifo(HostPath("/dev/trusty-log0").c_str(), 0600));
   std::thread reporter([this] { info_.SetError(1, "slow"); });
-  EXPECT_TRUE(fp_host::Eventually([this] { return !info_.GetErrorStr().empty(); }));
+  EXPECT_TRUE(Eventually([this] { return !info_.GetErrorStr().empty(); }));
   EXPECT_EQ("Error:" + std::string(kNow) + " slow\n", Dump());
   WriteFile("/dev/trusty-log0", "at last\n");  // opens the other end of the pipe
   reporter.join();

@@ -2,7 +2,6 @@
 #include "support/history_kinds.h"
 
 #include <cstdio>
-#include <deque>
 #include <utility>
 
 #include "fp_utils/auth_stats.h"
@@ -18,19 +17,15 @@ using namespace android::fp_utils;
 constexpr int kFullSize = 50;
 
 void Fill(AuthEventG7& event, int number) {
+  event = *Attempt(true, number % 60, 1000 - number);
   event.timestamp = 1772600767 + number;
-  event.acquired_info = 1;
-  event.auth_successful = true;
   event.fid = number;
   event.latency = 200 + number % 100;
-  event.iq = number % 60;
   event.t_cov = static_cast<float>(number % 400) / 4;
-  event.t_dist = static_cast<float>(number % 7) / 2;
-  event.rawmean_delta = 1000 - number;
   event.packed_metric_1 = 225220215 + number;
   event.stitch_img_num_ = {number, 2, 3, 4, 5};
 }
-float& FloatOf(AuthEvent& event) { return static_cast<AuthEventG7&>(event).t_cov; }
+float& FloatOf(AuthEventG7& event) { return event.t_cov; }
 
 void Fill(EnrollEventG7& event, int number) {
   event.timestamp = 1772600767 + number;
@@ -42,7 +37,7 @@ void Fill(EnrollEventG7& event, int number) {
   event.rawmean_delta = static_cast<float>(-number) / 2;
   event.stitch_img_area_ = {number, 2, 3, 4, 5};
 }
-float& FloatOf(EnrollEvent& event) { return event.iq_avg; }
+float& FloatOf(EnrollEventG7& event) { return event.iq_avg; }
 
 void Fill(FingerSize& size, int number) {
   const auto major = static_cast<float>(number % 1000) / 2;
@@ -50,73 +45,83 @@ void Fill(FingerSize& size, int number) {
 }
 float& FloatOf(FingerSize& size) { return size.minor; }
 
-// A history that holds records of type `Base`; the tests add records of type `Record`.
-template <typename Record, typename Base = Record>
+// The histories with common names: Add() saves, Held() are the records.
+struct AuthHistory : AuthStatsG7 {
+  AuthHistory() : AuthStatsG7("0", kFullSize, true) { Init(); }
+  void Add(std::shared_ptr<AuthEvent> record) { AddAttempt(std::move(record)); }
+  const auto& Held() const { return GetAttempts(); }
+};
+
+struct EnrollHistory : EnrollEventContainer {
+  EnrollHistory() { Init("EnrollEventG7"); }
+  void Add(std::shared_ptr<EnrollEvent> record) { AddEvent(std::move(record)); }
+  const auto& Held() const { return GetEvents(); }
+};
+
+struct FingerHistory : FingerSizes {
+  FingerHistory() : FingerSizes("0", kFullSize, true) {}
+  void Add(std::shared_ptr<FingerSize> record) { AddFinger(std::move(record), true); }
+  const auto& Held() const { return GetFingers(); }
+};
+
+template <typename History, typename Record>
 class TypedHistory : public HistoryUnderTest {
  public:
-  using Records = std::deque<std::shared_ptr<Base>>;
-  using Adder = std::function<void(std::shared_ptr<Base>)>;
-
-  // `add` keeps the history alive, which holds `held`.
-  TypedHistory(const Records& held, Adder add) : held_(held), add_(std::move(add)) {}
-
   void AddAndSave(int number) override {
     auto record = std::make_shared<Record>();
     Fill(*record, number);
-    add_(std::move(record));
+    history_.Add(std::move(record));
   }
   void ShareRecordOf(HistoryUnderTest& other, size_t index) override {
-    add_(static_cast<TypedHistory&>(other).held_[index]);
+    history_.Add(static_cast<TypedHistory&>(other).history_.Held()[index]);
   }
-  void AddNull() override { add_(nullptr); }
-  void SetFloat(size_t index, float value) override { FloatOf(*held_[index]) = value; }
+  void AddNull() override { history_.Add(nullptr); }
+  void SetFloat(size_t index, float value) override {
+    FloatOf(static_cast<Record&>(*history_.Held()[index])) = value;
+  }
   std::vector<std::string> RecordTexts() const override {
     std::vector<std::string> texts;
-    for (const auto& record : held_) {
+    for (const auto& record : history_.Held()) {
       texts.push_back(record->ToBackupString());
     }
     return texts;
   }
 
  private:
-  const Records& held_;
-  const Adder add_;
+  History history_;
 };
 
-std::unique_ptr<HistoryUnderTest> StartAuthStats() {
-  const auto stats = std::make_shared<AuthStatsG7>("0", kFullSize, true);
-  stats->Init();
-  return std::make_unique<TypedHistory<AuthEventG7, AuthEvent>>(
-      stats->GetAttempts(), [stats](auto record) { stats->AddAttempt(std::move(record)); });
-}
-
-std::unique_ptr<HistoryUnderTest> StartEnrollEventContainer() {
-  const auto container = std::make_shared<EnrollEventContainer>();
-  container->Init("EnrollEventG7");
-  return std::make_unique<TypedHistory<EnrollEventG7, EnrollEvent>>(
-      container->GetEvents(), [container](auto record) { container->AddEvent(std::move(record)); });
-}
-
-std::unique_ptr<HistoryUnderTest> StartFingerSizes() {
-  const auto sizes = std::make_shared<FingerSizes>("0", kFullSize, true);
-  return std::make_unique<TypedHistory<FingerSize>>(
-      sizes->GetFingers(), [sizes](auto record) { sizes->AddFinger(std::move(record), true); });
+template <typename History, typename Record>
+std::unique_ptr<HistoryUnderTest> Start() {
+  return std::make_unique<TypedHistory<History, Record>>();
 }
 
 }  // namespace
 
+std::shared_ptr<AuthEventG7> Attempt(bool successful, int32_t iq, int32_t rawmean_delta) {
+  auto event = std::make_shared<AuthEventG7>();
+  event->acquired_info = AuthEvent::kAcquiredGood;
+  event->auth_successful = successful;
+  event->iq = iq;
+  event->rawmean_delta = rawmean_delta;
+  return event;
+}
+
 std::vector<HistoryKind> AllHistoryKinds() {
   return {
-      {"AuthStats", "/data/vendor/fingerprint/AuthStats.0", kFullSize, StartAuthStats, "Init",
-       "LoadAttemptsFromBackupFile", "SaveAttemptsToBackupFile",
+      {"AuthStats", "/data/vendor/fingerprint/AuthStats.0", kFullSize,
+       Start<AuthHistory, AuthEventG7>, "Init", "LoadAttemptsFromBackupFile",
+       "SaveAttemptsToBackupFile",
        "[0][void android::fp_utils::AuthStats::LoadAttemptsFromBackupFile()]",
        "[0] AuthEvent is null, ignored"},
       {"EnrollEventContainer", "/data/vendor/fingerprint/EnrollEventContainer", kFullSize,
-       StartEnrollEventContainer, "Init", "LoadEventsFromBackupFile", "SaveEventsToBackupFile",
+       Start<EnrollHistory, EnrollEventG7>, "Init", "LoadEventsFromBackupFile",
+       "SaveEventsToBackupFile",
        "[void android::fp_utils::EnrollEventContainer::LoadEventsFromBackupFile()]",
        "[AddEvent] EnrollEvent is null, ignored"},
-      {"FingerSizes", "/data/vendor/fingerprint/FingerSizes.0", kFullSize, StartFingerSizes,
-       "FingerSizes", "LoadFingersFromBackupFile", "SaveFingersToBackupFile",
+      {"FingerSizes", "/data/vendor/fingerprint/FingerSizes.0", kFullSize,
+       Start<FingerHistory, FingerSize>, "FingerSizes", "LoadFingersFromBackupFile",
+       "SaveFingersToBackupFile",
        "[0][void android::fp_utils::FingerSizes::LoadFingersFromBackupFile()]",
        "[0] FingerSize is null, ignored"},
   };

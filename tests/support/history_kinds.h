@@ -8,7 +8,13 @@
 #include <string>
 #include <vector>
 
+#include "fp_utils/auth_event.h"
+
 namespace fp_test {
+
+// An attempt with a good image.
+std::shared_ptr<android::fp_utils::AuthEventG7> Attempt(bool successful, int32_t iq = 0,
+                                                        int32_t rawmean_delta = 0);
 
 // The interface through which common tests use every kind of history that has a backup file.
 class HistoryUnderTest {
