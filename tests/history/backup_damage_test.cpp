@@ -44,14 +44,15 @@ class BackupDamage : public DeviceTest, public ::testing::WithParamInterface<His
   // Expects a file that is damaged from `first_damaged` on to give all records before that, and no
   // wrong one.
   void ExpectSoundPrefix(const std::string& content, size_t first_damaged) {
-    const Texts loaded = Load(content);
-    const size_t intact = static_cast<size_t>(
-        std::upper_bound(frame_ends_.begin(), frame_ends_.end(), first_damaged) -
-        frame_ends_.begin());
-    ASSERT_GE(loaded.size(), intact);
+    const auto intact = std::upper_bound(frame_ends_.begin(), frame_ends_.end(), first_damaged);
+    ExpectPrefix(Load(content), static_cast<size_t>(intact - frame_ends_.begin()), 1);
+  }
+
+  void ExpectPrefix(const Texts& loaded, size_t fewest, size_t most_log_lines) {
+    ASSERT_GE(loaded.size(), fewest);
     ASSERT_LE(loaded.size(), texts_.size());
     ASSERT_TRUE(std::equal(loaded.begin(), loaded.end(), texts_.begin()));
-    ASSERT_LE(TakeLog().size(), 1u);
+    ASSERT_LE(TakeLog().size(), most_log_lines);
   }
 
   Texts texts_;
@@ -95,7 +96,7 @@ TEST_P(BackupDamage, OddLengths) {
   const struct {
     const char* why;
     std::string frame;
-    const char* log;  // part of the one line, or null for none
+    const char* log;  // part of one line, or empty if there is no line
     bool continues;   // the load, with the next frame
   } kCases[] = {
       {"empty text: its CRC holds, the record does not parse", Frame(""), "failed to parse", true},
@@ -107,30 +108,26 @@ TEST_P(BackupDamage, OddLengths) {
       {"all ones", Frame("x", ~0UL), "18446744073709551615 bytes is too long", false},
       {"more digits than a length has", "0x1,0x11111111111111111,x", "is too long", false},
       {"a negative length", "0x1,0x-1,x", "is too long", false},
-      {"no header", "hello", nullptr, false},
-      {"half a header", "0x12", nullptr, false},
-      {"no comma after the length", "0x0,0x0;", nullptr, false},
+      {"no header", "hello", "", false},
+      {"half a header", "0x12", "", false},
+      {"no comma after the length of an empty text", "0x0,0x0;", "failed to parse", false},
   };
   for (const auto& test : kCases) {
     const Texts loaded = Load(first + test.frame + Frame(texts_[1]));
-    const std::vector<LogLine> log = TakeLog();
     EXPECT_EQ(test.continues ? 2u : 1u, loaded.size()) << test.why;
     EXPECT_EQ(texts_[0], loaded[0]) << test.why;
-    size_t about_it = 0;
+    const std::vector<LogLine> log = TakeLog();
     for (const LogLine& line : log) {
       EXPECT_EQ(ANDROID_LOG_ERROR, line.priority);
-      about_it += test.log != nullptr && line.message.find(test.log) != std::string::npos ? 1 : 0;
     }
-    EXPECT_EQ(test.log != nullptr ? 1u : 0u, about_it) << test.why;
+    EXPECT_EQ(*test.log == '\0' ? 0u : 1u, CountLinesWith(log, test.log)) << test.why;
   }
 }
 
 TEST_P(BackupDamage, OddFiles) {
   std::mt19937 random(4);
   std::string binary(100000, '\0');
-  for (char& byte : binary) {
-    byte = static_cast<char>(random());
-  }
+  std::generate(binary.begin(), binary.end(), random);
   for (const std::string& content :
        {std::string(), std::string("\n"), binary, std::string("hello")}) {
     EXPECT_TRUE(Load(content).empty());
@@ -150,34 +147,24 @@ TEST_P(BackupDamage, OddFiles) {
 
 // Each call of a function fails in turn. The records that were read before are kept.
 TEST_P(BackupDamage, FailingSystemCalls) {
-  const struct {
-    const char* function;
-    int error;
-    ssize_t shorten_to;
-    size_t log_lines;
-    bool keeps_all;
-  } kCases[] = {
-      {"fopen", EACCES, -1, 1, false}, {"fopen", EMFILE, -1, 1, false}, {"read", EIO, -1, 1, false},
-      {"read", EINTR, -1, 1, false},   {"read", 0, 1, 0, true},         {"read", 0, 37, 0, true},
+  const Fault kFaults[] = {
+      {.function = "fopen", .error = EACCES},
+      {.function = "fopen", .error = EMFILE},
+      {.function = "read", .error = EIO},
+      {.function = "read", .error = EINTR},
+      {.function = "read", .calls = Fault::kForever, .shorten_to = 1},
+      {.function = "read", .calls = Fault::kForever, .shorten_to = 37},
   };
   WriteFile(GetParam().path, content_);
-  for (const auto& test : kCases) {
-    for (int nth = 1;; ++nth) {
-      SetFault({.function = test.function,
-                .first_call = nth,
-                .calls = test.shorten_to < 0 ? 1 : Fault::kForever,
-                .error = test.error,
-                .shorten_to = test.shorten_to});
+  for (Fault fault : kFaults) {
+    for (bool is_reached = true; is_reached; ++fault.first_call) {
+      SetFault(fault);
       const Texts loaded = GetParam().start()->RecordTexts();
-      const bool reached = CallsSinceFaultSet(test.function) >= nth;
+      is_reached = CallsSinceFaultSet(fault.function) >= fault.first_call;
       ClearFaults();
-      const bool whole = !reached || test.keeps_all;
-      EXPECT_LE(TakeLog().size(), whole ? 0 : test.log_lines);
-      EXPECT_EQ(whole ? texts_.size() : std::min(loaded.size(), texts_.size()), loaded.size());
-      EXPECT_TRUE(std::equal(loaded.begin(), loaded.end(), texts_.begin()));
-      if (!reached || nth > 100) {
-        break;
-      }
+      const bool fails = is_reached && fault.error != 0;
+      ASSERT_NO_FATAL_FAILURE(ExpectPrefix(loaded, fails ? 0 : texts_.size(), fails ? 1 : 0))
+          << fault.function << ' ' << fault.error << " at call " << fault.first_call;
     }
   }
 }
@@ -201,6 +188,7 @@ TEST_P(BackupDamage, ContinuesAndSavesAgain) {
       history->AddAndSave(++number);
     }
     EXPECT_EQ(texts_.size(), history->RecordTexts().size()) << test.why;
+    EXPECT_NE("", ReadFile(GetParam().path)) << test.why;
     history->AddAndSave(++number);
     EXPECT_EQ(history->RecordTexts(), GetParam().start()->RecordTexts()) << test.why;
   }

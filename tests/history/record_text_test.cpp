@@ -25,41 +25,31 @@ constexpr char kEnrollText[] =
 
 // Changes a text: replaces one field by a spelling that scanf may accept but no writer uses,
 // inserts the start of the text before it, or changes, removes or inserts characters.
-class TextMutator {
- public:
-  std::string Mutate(std::string text) {
-    constexpr const char* kOddities[] = {"0x0x1f", "0x 1f",       "0x-1",  "0x1ffffffff", "1e5",
-                                         "0x1p3",  "nan",         "-inf",  "4294967296",  "-1",
-                                         " 7",     "0X1f",        "1.",    ".5",          "1.005",
-                                         "0x+1",   "12345678.00", "0x001f"};
-    switch (Below(4)) {
-      case 0: {
-        size_t from = 0;
-        for (size_t field = Below(20); field > 0; --field) {
-          from = text.find(',', from) + 1;
-        }
-        const size_t end = std::min(text.find(',', from), text.size());
-        return text.replace(from, end - from, kOddities[Below(std::size(kOddities))]);
+std::string Mutated(std::string text, std::mt19937_64& random) {
+  constexpr const char* kOddities[] = {
+      "0x0x1f", "0x 1f", "0x-1", "0x1ffffffff", "1e5", "0x1p3", "nan",  "-inf",        "4294967296",
+      "-1",     " 7",    "0X1f", "1.",          ".5",  "1.005", "0x+1", "12345678.00", "0x001f"};
+  constexpr char kCharacters[] = "0123456789abcdefABCDEFxX,,..-+ \t\n%enip";  // and NUL
+  const auto below = [&random](size_t limit) { return random() % limit; };
+  switch (below(4)) {
+    case 0: {
+      size_t from = 0;
+      for (size_t field = below(20); field > 0; --field) {
+        from = text.find(',', from) + 1;
       }
-      case 1:
-        return text.substr(0, Below(text.size() + 1)) + text;
-      default:
-        for (size_t left = Below(8); left > 0; --left) {
-          text.replace(Below(text.size()), Below(2), Below(2), Character());
-        }
-        return text;
+      const size_t end = std::min(text.find(',', from), text.size());
+      return text.replace(from, end - from, kOddities[below(std::size(kOddities))]);
     }
+    case 1:
+      return text.substr(0, below(text.size() + 1)) + text;
+    default:
+      for (size_t left = below(8); left > 0; --left) {
+        text.replace(below(text.size()), below(2), below(2),
+                     kCharacters[below(sizeof kCharacters)]);
+      }
+      return text;
   }
-
- private:
-  size_t Below(size_t limit) { return random_() % limit; }
-  char Character() {
-    constexpr char kCharacters[] = "0123456789abcdefABCDEFxX,,..-+ \t\n%enip";  // and NUL
-    return kCharacters[Below(sizeof kCharacters)];
-  }
-
-  std::mt19937_64 random_{8};
-};
+}
 
 std::string WithoutFirstMatch(const regex_t& regex, std::string text) {
   regmatch_t match = {0, static_cast<regoff_t>(text.size())};
@@ -72,11 +62,11 @@ void ExpectReadAsByRegularExpression(const std::string& written, const char* pat
   regex_t regex;
   ASSERT_EQ(0, regcomp(&regex, pattern, REG_EXTENDED));
   fp_host::MuteLog(true);
-  TextMutator mutator;
+  std::mt19937_64 random(8);
   int taken = 0;
   const int texts = fp_host::Share(200000);
   for (int i = 0; i < texts; ++i) {
-    const std::string text = mutator.Mutate(written);
+    const std::string text = Mutated(written, random);
     Base base;
     G7 g7;
     std::string rest = text;
@@ -95,6 +85,15 @@ void ExpectReadAsByRegularExpression(const std::string& written, const char* pat
   std::string text = written;
   EXPECT_TRUE(loaded.LoadFromBackupString(text));
   EXPECT_EQ(written, loaded.ToBackupString());
+
+  // A text that is much longer than any record must not cause recursion or an overflow.
+  for (const char* piece : {"0x1,", "1", "0x", ",", "0x1,0x1,0x1,0x1,0x1,", "f", " "}) {
+    text = written;
+    while (text.size() < 1 << 20) {
+      text += piece;
+    }
+    loaded.LoadFromBackupString(text);
+  }
 }
 
 TEST(RecordText, OfAttempts) {
@@ -108,21 +107,6 @@ TEST(RecordText, OfEnrollments) {
       kEnrollText,
       "0x[0-9a-fA-F]+,[0-9]+,0x[0-9a-fA-F]+,0x[0-9a-fA-F]+,0x[0-9a-fA-F]+,0x[0-9a-fA-F]+,"
       "-?[0-9]+([.][0-9]+)?,0x[0-9a-fA-F]+");
-}
-
-// A text that is much longer than any record must not cause recursion or an overflow.
-TEST(RecordText, MayBeAMegabyteOfAnything) {
-  fp_host::MuteLog(true);
-  for (const char* piece : {"0x1,", "1", "0x", ",", "0x1,0x1,0x1,0x1,0x1,", "f", " "}) {
-    std::string text = "0x1,0x1,0x1,0x1,0x1,0x1";
-    while (text.size() < 1 << 20) {
-      text += piece;
-    }
-    AuthEventG7 event;
-    EXPECT_FALSE(event.LoadFromBackupString(text)) << piece;
-    EnrollEventG7 enrollment;
-    EXPECT_FALSE(enrollment.LoadFromBackupString(text)) << piece;
-  }
 }
 
 }  // namespace
