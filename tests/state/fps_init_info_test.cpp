@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "fp_utils/fps_init_info.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <thread>
@@ -111,6 +113,23 @@ TEST_F(FpsInitInfoTest, DumpDoesNotWaitForTheCopyOfTheLog) {
   WriteFile("/dev/trusty-log0", "at last\n");  // opens the other end of the pipe
   reporter.join();
   EXPECT_EQ("at last\n", ReadFile(kLogCopy));
+}
+
+TEST_F(FpsInitInfoTest, SlowReaderOfADumpDelaysNothing) {
+  info_.SetError(1, std::string(1 << 20, 'x'));
+  int ends[2] = {};
+  ASSERT_EQ(0, pipe2(ends, O_CLOEXEC));
+  std::thread dumper([&] {
+    info_.Dump(ends[1]);
+    close(ends[1]);
+  });
+  char bytes[4096];
+  EXPECT_EQ(1, read(ends[0], bytes, 1)) << "the rest does not fit into the pipe";
+  RunBounded("a state during a dump", [this] { info_.SetState(State::kStarted); });
+  while (read(ends[0], bytes, sizeof bytes) > 0) {
+  }
+  dumper.join();
+  close(ends[0]);
 }
 
 TEST_F(FpsInitInfoTest, ReportsFromManyThreads) {
