@@ -92,6 +92,8 @@ class Tree:
             if not test["name"].startswith("Package") and not program.startswith("platform_"):
                 for setting in properties.get("ENVIRONMENT", []):
                     self.environment.update([setting.split("=", 1)])
+                for setting in properties.get("ENVIRONMENT_MODIFICATION", []):
+                    self.environment.update([setting.split("=set:", 1)])
                 tests[test["name"]] = (test["command"],
                                        properties.get("WORKING_DIRECTORY", self.build), 30)
         for name, (command, folder, _) in list(tests.items()):
